@@ -1,0 +1,54 @@
+# The front door: `make run` starts the workshop, `make test` builds and runs every test.
+JOBS        ?= $(shell nproc)
+BUILD       ?= build
+ASAN_BUILD  ?= build-asan
+BENCH_BUILD ?= build-bench
+FUZZ_BUILD  ?= build-fuzz
+FUZZ_SECONDS ?= 60
+
+PACKAGES       := cmake g++ make pkg-config qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
+                  srecord binutils xvfb time
+FUZZ_PACKAGES  := clang libclang-rt-14-dev
+
+.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh $(PACKAGES)
+
+deps-fuzz: deps
+	@scripts/install-deps.sh $(FUZZ_PACKAGES)
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS)
+
+test: deps test-normal test-asan
+
+test-normal:
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS)
+	ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
+
+test-asan:
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DZEVRAN_SANITIZE=ON
+	cmake --build $(ASAN_BUILD) -j$(JOBS)
+	ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --test-dir $(ASAN_BUILD) --output-on-failure -j$(JOBS)
+
+bench: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_BENCH=ON -DZEVRAN_TESTS=OFF
+	cmake --build $(BENCH_BUILD) -j$(JOBS)
+	bench/run.sh $(BENCH_BUILD)
+
+fuzz: deps-fuzz
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEVRAN_FUZZ=ON -DZEVRAN_TESTS=OFF
+	cmake --build $(FUZZ_BUILD) -j$(JOBS)
+	fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
+run:
+	@echo "The workshop window is not built yet; zevran-cli is in $(BUILD)/bin after 'make build'."
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

@@ -1,0 +1,38 @@
+#include "cli_args.hpp"
+
+namespace zevran::cli {
+
+Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
+                     const std::set<std::string>& flags)
+{
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (valued.count(word)) {
+            if (i + 1 >= words.size()) throw UsageError(word + " needs a value");
+            if (m_values.count(word)) throw UsageError(word + " is given twice");
+            m_values[word] = words[++i];
+        } else if (flags.count(word)) {
+            m_flags.insert(word);
+        } else if (word.size() > 1 && word[0] == '-') {
+            throw UsageError("unknown option " + word);
+        } else {
+            m_positional.push_back(word);
+        }
+    }
+}
+
+std::optional<std::string> Arguments::value(const std::string& name) const
+{
+    auto it = m_values.find(name);
+    if (it == m_values.end()) return std::nullopt;
+    return it->second;
+}
+
+bool Arguments::has(const std::string& name) const { return m_flags.count(name) > 0 || m_values.count(name) > 0; }
+
+void Arguments::expectPositional(std::size_t count, const std::string& usage) const
+{
+    if (m_positional.size() != count) throw UsageError("usage: zevran-cli " + usage);
+}
+
+}  // namespace zevran::cli

@@ -1,0 +1,22 @@
+// One subcommand of zevran-cli. Each subsystem adds its own in its own file.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zevran::cli {
+
+struct Context {
+    std::string home;  // the program folder (--home, ZEVRAN_HOME, or the executable's folder)
+};
+
+struct Command {
+    std::string name;
+    std::string usage;    // arguments after the name
+    std::string summary;  // one line for --help
+    int (*run)(const std::vector<std::string>& words, const Context& context);
+};
+
+std::vector<Command> imageCommands();
+
+}  // namespace zevran::cli

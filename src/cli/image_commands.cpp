@@ -1,0 +1,225 @@
+// info, s3-to-bin, bin-to-s3, fill-s3 and apply-patch: the phone file and the
+// S-record converter from the command line.
+#include "cli_args.hpp"
+#include "command.hpp"
+
+#include "image/converter.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "image/phone_file.hpp"
+#include "image/srecord_reader.hpp"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+namespace zevran::cli {
+
+namespace {
+
+using namespace zevran::image;
+
+// Hex as typed on the command line: an optional 0x, then hex digits only.
+std::string hexArgument(const std::string& text, const std::string& what)
+{
+    std::string digits = text.starts_with("0x") || text.starts_with("0X") ? text.substr(2) : text;
+    if (digits.empty()) throw UsageError(what + " is empty");
+    for (char c : digits)
+        if (hexDigitOrMinusOne(c) < 0) throw UsageError(what + " \"" + text + "\" is not hex");
+    return digits;
+}
+
+std::uint8_t fillArgument(const std::optional<std::string>& text)
+{
+    if (!text) return 0xFF;
+    std::string digits = hexArgument(*text, "--fill");
+    if (digits.size() > 2) throw UsageError("--fill \"" + *text + "\" is not one byte (00 to FF)");
+    return fillByteFromText(digits);
+}
+
+std::uint32_t addressArgument(const std::string& text, const std::string& what)
+{
+    try {
+        return static_cast<std::uint32_t>(HexToLong(hexArgument(text, what)));
+    } catch (const HexOverflow&) {
+        throw std::runtime_error(what + " " + text + " is above the highest address 7FFFFFFF");
+    }
+}
+
+// Refuses to write over the input: a conversion opens its output before reading.
+void refuseSameFile(const std::string& input, const std::string& output)
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(input, output, error))
+        throw std::runtime_error(output + ": the output would overwrite the input " + input);
+}
+
+std::ofstream openOutput(const std::string& path)
+{
+    errno = 0;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) throw FileError(describeErrno(path, errno ? errno : EIO));
+    return out;
+}
+
+std::ifstream openInput(const std::string& path)
+{
+    if (std::filesystem::is_directory(path)) throw FileError(path + ": is a folder, not a file");
+    errno = 0;
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
+    return in;
+}
+
+void closeOutput(std::ofstream& out, const std::string& path)
+{
+    out.close();
+    if (!out) throw FileError(path + ": could not be written (disk full?)");
+}
+
+int runInfo(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {}, {});
+    args.expectPositional(1, "info FILE");
+    ImageState state;
+    const std::string& path = args.positional()[0];
+    try {
+        loadPhoneFile(state, path);
+    } catch (const EmptyPhoneFile&) {
+        throw std::runtime_error(path + ": the file is empty (0 bytes)");
+    }
+    std::optional<std::string> version;
+    try {
+        version = findVersionText(state);
+    } catch (const VersionOutOfImage& error) {
+        throw std::runtime_error(path + ": " + error.what());
+    }
+    std::cout << "kind: " << state.FileKind << "\nlength: " << state.FirmwareLength
+              << "\nversion: " << (version ? *version : std::string("(none)")) << "\n";
+    return 0;
+}
+
+int runS3ToBin(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {"--fill", "-o"}, {"--data-only", "--any-records"});
+    args.expectPositional(1, "s3-to-bin IN [--fill HH | --data-only] [--any-records] [-o OUT]");
+    if (args.has("--fill") && args.has("--data-only")) throw UsageError("--fill and --data-only exclude each other");
+    S3ToBinOptions options;
+    options.mode = args.has("--data-only") ? S3ToBinMode::DataOnly : S3ToBinMode::FullAddress;
+    options.fill = fillArgument(args.value("--fill"));
+    options.anyRecords = args.has("--any-records");
+    const std::string& input = args.positional()[0];
+    const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".bin"));
+    std::ifstream in = openInput(input);
+    refuseSameFile(input, output);
+    std::ofstream out = openOutput(output);
+    SRecordToBinary converter(in, out, options);
+    try {
+        converter.convertAll();
+    } catch (const SRecordError& error) {
+        out.close();
+        throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");
+    }
+    closeOutput(out, output);
+    return 0;
+}
+
+int runBinToS3(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {"--start", "--end", "--fill", "-o"}, {});
+    args.expectPositional(1, "bin-to-s3 IN [--start HEX --end HEX] [--fill HH] [-o OUT]");
+    if (args.has("--start") != args.has("--end")) throw UsageError("--start and --end go together");
+    const std::uint8_t fill = fillArgument(args.value("--fill"));
+    const std::string& input = args.positional()[0];
+    const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".s3"));
+    std::ifstream in = openInput(input);
+    const auto size = std::filesystem::file_size(input);
+    std::uint32_t start = 0;
+    std::uint32_t end = 0;
+    if (args.has("--start")) {
+        start = addressArgument(*args.value("--start"), "--start");
+        end = addressArgument(*args.value("--end"), "--end");
+        if (end <= start) throw std::runtime_error("the end address must lie above the start address");
+    } else {
+        if (size == 0) throw std::runtime_error(input + ": the file is empty, there is nothing to convert");
+        if (size > 0x80000000u) throw std::runtime_error(input + ": the file reaches past the highest address 7FFFFFFF");
+        end = static_cast<std::uint32_t>(size - 1);
+    }
+    refuseSameFile(input, output);
+    std::ofstream out = openOutput(output);
+    binaryToSRecord(&in, out, start, end, fill);
+    closeOutput(out, output);
+    return 0;
+}
+
+int runFillS3(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {"--start", "--end", "--fill", "-o"}, {});
+    args.expectPositional(0, "fill-s3 --start HEX --end HEX --fill HH -o OUT");
+    for (const char* needed : {"--start", "--end", "--fill", "-o"})
+        if (!args.has(needed)) throw UsageError(std::string("fill-s3 needs ") + needed);
+    const std::uint32_t start = addressArgument(*args.value("--start"), "--start");
+    const std::uint32_t end = addressArgument(*args.value("--end"), "--end");
+    if (end <= start) throw std::runtime_error("the end address must lie above the start address");
+    const std::uint8_t fill = fillArgument(args.value("--fill"));
+    const std::string output = *args.value("-o");
+    std::ofstream out = openOutput(output);
+    binaryToSRecord(nullptr, out, start, end, fill);
+    closeOutput(out, output);
+    return 0;
+}
+
+int runApplyPatch(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {"-o"}, {});
+    args.expectPositional(2, "apply-patch IMAGE PATCH -o OUT");
+    if (!args.has("-o")) throw UsageError("apply-patch needs -o OUT");
+    const std::string& imagePath = args.positional()[0];
+    const std::string& patchPath = args.positional()[1];
+    const std::string output = *args.value("-o");
+    refuseSameFile(imagePath, output);
+    std::vector<std::uint8_t> image = readWholeFile(imagePath);
+    std::ifstream patch = openInput(patchPath);
+    LineSplitter lines;
+    SRecordData record;
+    std::uint64_t lineNumber = 0;
+    auto layOver = [&](std::string_view line) {
+        readStrictRecord(line, ++lineNumber, record);
+        if (!record.isData) return;
+        if (std::uint64_t{record.address} + record.bytes.size() > image.size())
+            throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
+                                               std::to_string(record.bytes.size()) +
+                                               " bytes reaches past the image's end (" + std::to_string(image.size()) +
+                                               " bytes)");
+        std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
+    };
+    std::vector<char> block(1 << 20);
+    try {
+        while (patch) {
+            patch.read(block.data(), static_cast<std::streamsize>(block.size()));
+            lines.feed(std::string_view(block.data(), static_cast<std::size_t>(patch.gcount())), layOver);
+        }
+        lines.finish(layOver);
+    } catch (const SRecordError& error) {
+        throw std::runtime_error(patchPath + ": " + error.what() + "; " + output + " was not written");
+    }
+    saveFileSafely(output, image);
+    return 0;
+}
+
+}  // namespace
+
+std::vector<Command> imageCommands()
+{
+    return {
+        {"info", "FILE", "the phone file's kind, length and version text", runInfo},
+        {"s3-to-bin", "IN [--fill HH | --data-only] [--any-records] [-o OUT]",
+         "S-record to binary: the address space from 0 with gaps filled (fill FF), or the data only", runS3ToBin},
+        {"bin-to-s3", "IN [--start HEX --end HEX] [--fill HH] [-o OUT]",
+         "binary to S-record: the whole file from address 0, or placed at a range (cut or filled)", runBinToS3},
+        {"fill-s3", "--start HEX --end HEX --fill HH -o OUT", "an S-record file of fill bytes only", runFillS3},
+        {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it", runApplyPatch},
+    };
+}
+
+}  // namespace zevran::cli

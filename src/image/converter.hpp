@@ -1,0 +1,111 @@
+// Whole-file conversion between S-record text and raw binary, in both directions.
+// Both stream: memory stays a few MiB whatever the size of input or output.
+#pragma once
+
+#include "srecord_reader.hpp"
+
+#include <cstdint>
+#include <istream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace zevran::image {
+
+enum class S3ToBinMode {
+    FullAddress,  // an image of the address space from 0, gaps filled
+    DataOnly,     // the records' data one after another, addresses ignored
+};
+
+struct S3ToBinOptions {
+    S3ToBinMode mode = S3ToBinMode::FullAddress;
+    std::uint8_t fill = 0xFF;
+    bool anyRecords = false;  // strict reading of S1/S2/S3 files with checksums
+};
+
+// S-record text to binary, a slice at a time so a window can stay responsive.
+// Errors throw SRecordError (naming the line) or FileError; whatever was converted
+// before the error has been handed to the output stream by then.
+class SRecordToBinary {
+public:
+    SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options);
+
+    // Converts until about `workBytes` more input bytes have been read, and returns
+    // true while there is more to do. The output is flushed when the input ends.
+    bool convertSome(std::size_t workBytes);
+    void convertAll();
+
+    std::uint64_t linesRead() const { return m_lineNumber; }
+    std::uint32_t currentAddress() const { return m_address; }
+    std::uint64_t inputBytesRead() const { return m_inputRead; }
+    std::uint64_t outputBytesWritten() const { return m_outputWritten + m_outBuffer.size(); }
+
+    // Hands buffered output to the stream, as a stop request or an error needs.
+    void flush();
+
+private:
+    void takeLine(std::string_view line);
+    void writeOut(const std::uint8_t* bytes, std::size_t count);
+    void writeFill(std::uint64_t count);
+
+    std::istream& m_in;
+    std::ostream& m_out;
+    S3ToBinOptions m_options;
+    LineSplitter m_lines;
+    SRecordData m_record;
+    std::vector<char> m_inBuffer;
+    std::vector<std::uint8_t> m_outBuffer;
+    std::uint64_t m_expected = 0;  // the address the next record should start at
+    std::uint64_t m_lineNumber = 0;
+    std::uint64_t m_inputRead = 0;
+    std::uint64_t m_outputWritten = 0;
+    std::uint32_t m_address = 0;
+    bool m_inputDone = false;
+};
+
+// Writes one S-record file: S0, the region start..end (inclusive) made of the bytes
+// of `binary` while they last and the fill byte after them, then S7. With no
+// binary the region is fill bytes only. Streams in blocks of 1 MiB.
+void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t start, std::uint32_t end,
+                     std::uint8_t fill);
+
+enum class BinToS3Mode {
+    WholeFile,    // the file at addresses 0 .. length - 1
+    FileAtRange,  // the file placed at start .. end, cut or filled
+    FillOnly,     // start .. end of fill bytes, no input file
+};
+
+// What the binary-to-S-record fields hold, as the user typed them.
+struct BinToS3Fields {
+    BinToS3Mode mode = BinToS3Mode::WholeFile;
+    std::string startText;  // hex
+    std::string endText;    // hex, inclusive
+    std::string fillText;   // hex
+    std::string inputPath;
+};
+
+struct BinToS3Check {
+    int message = 0;  // 0 when the fields are usable, else the message code to show
+    std::uint32_t start = 0;
+    std::uint32_t end = 0;
+    std::uint8_t fill = 0;
+};
+
+inline constexpr int kMessageStartMissing = 28;
+inline constexpr int kMessageEndMissing = 29;
+inline constexpr int kMessageRangeNotAscending = 30;
+inline constexpr int kMessageNoInputFile = 31;
+
+// Checks the fields in the converter's order: fill, start, end, range, input name.
+// Throws HexOverflow for a number above 7FFFFFFF and std::out_of_range for a fill
+// value above FF. For WholeFile the end is left for the caller, who knows the length.
+BinToS3Check checkBinToS3Fields(const BinToS3Fields& fields);
+
+// A fill byte typed as hex: "" gives 0, a value above FF throws std::out_of_range.
+std::uint8_t fillByteFromText(const std::string& text);
+
+// Where a conversion writes: beside the input, its name without the extension,
+// then `extension` (".bin" or ".s3").
+std::string convertedOutputPath(const std::string& inputPath, const std::string& extension);
+
+}  // namespace zevran::image

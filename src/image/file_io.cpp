@@ -1,0 +1,103 @@
+#include "file_io.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zevran::image {
+
+namespace {
+
+struct FdCloser {
+    void operator()(int* fd) const
+    {
+        if (*fd >= 0) ::close(*fd);
+        delete fd;
+    }
+};
+using UniqueFd = std::unique_ptr<int, FdCloser>;
+
+UniqueFd openFd(const std::string& path, int flags, mode_t mode = 0)
+{
+    int fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
+    return UniqueFd(new int(fd));
+}
+
+void writeAll(int fd, std::span<const std::uint8_t> bytes, const std::string& path)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) throw FileError(describeErrno(path, n < 0 ? errno : ENOSPC));
+        done += static_cast<std::size_t>(n);
+    }
+}
+
+}  // namespace
+
+std::string describeErrno(const std::string& path, int errorNumber)
+{
+    return path + ": " + std::strerror(errorNumber);
+}
+
+std::vector<std::uint8_t> readWholeFile(const std::string& path)
+{
+    UniqueFd fd = openFd(path, O_RDONLY);
+    if (*fd < 0) throw FileError(describeErrno(path, errno));
+    struct stat info {};
+    if (::fstat(*fd, &info) != 0) throw FileError(describeErrno(path, errno));
+    if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
+    std::vector<std::uint8_t> bytes;
+    // A regular file is read in one block; other files (pipes, devices) as they come.
+    bytes.resize(S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0);
+    std::size_t done = 0;
+    for (;;) {
+        if (done == bytes.size()) {
+            if (S_ISREG(info.st_mode)) {
+                std::uint8_t probe;
+                ssize_t extra = ::read(*fd, &probe, 1);
+                if (extra == 0) break;
+                if (extra < 0 && errno == EINTR) continue;
+                if (extra < 0) throw FileError(describeErrno(path, errno));
+                bytes.push_back(probe);
+                ++done;
+            }
+            bytes.resize(bytes.size() + (1 << 20));
+        }
+        ssize_t n = ::read(*fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) throw FileError(describeErrno(path, errno));
+        if (n == 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    bytes.resize(done);
+    return bytes;
+}
+
+void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes)
+{
+    std::string temporary = path + ".saving-XXXXXX";
+    int rawFd = ::mkstemp(temporary.data());
+    if (rawFd < 0) throw FileError(describeErrno(temporary, errno));
+    UniqueFd fd(new int(rawFd));
+    try {
+        struct stat original {};
+        if (::stat(path.c_str(), &original) == 0) ::fchmod(*fd, original.st_mode & 07777);
+        writeAll(*fd, bytes, temporary);
+        if (::fsync(*fd) != 0) throw FileError(describeErrno(temporary, errno));
+        int closing = *fd;
+        *fd = -1;
+        if (::close(closing) != 0) throw FileError(describeErrno(temporary, errno));
+        if (::rename(temporary.c_str(), path.c_str()) != 0) throw FileError(describeErrno(path, errno));
+    } catch (...) {
+        ::unlink(temporary.c_str());
+        throw;
+    }
+}
+
+}  // namespace zevran::image

@@ -1,0 +1,28 @@
+// Whole-file reads and the safe whole-file write used for phone files.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zevran::image {
+
+// A file that could not be read or written; the message names the path and the cause.
+class FileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Reads the whole file in one block read.
+std::vector<std::uint8_t> readWholeFile(const std::string& path);
+
+// Writes the bytes to a temporary file in the same folder and renames it over
+// `path`, so a failed or interrupted write never leaves a half-written file behind.
+void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes);
+
+// "path: cause" with the cause of the last failed C library call.
+std::string describeErrno(const std::string& path, int errorNumber);
+
+}  // namespace zevran::image

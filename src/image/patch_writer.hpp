@@ -1,0 +1,34 @@
+// Every edit ends as regions of new bytes. A "bin" phone file is never written: its
+// regions leave as an S-record patch file. An "asf" image takes them in memory and
+// is saved back whole over its phone file.
+#pragma once
+
+#include "firmware_image.hpp"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zevran::image {
+
+struct Region {
+    std::int32_t first = 0;
+    std::int32_t last = 0;  // inclusive
+    std::vector<std::uint8_t> bytes;
+};
+
+// Writes the regions, in the order given, into one patch file: one S0 line, the S3
+// lines of each region, one S7 line. Throws FileError or std::invalid_argument
+// (a region shorter than its range) as WriteSRecordRegion does. No regions: no file.
+void writeSRecordPatch(const std::string& path, const std::vector<Region>& regions);
+
+// Copies every region's bytes into the image at its first address, later regions
+// over earlier ones. Returns false when a region reached past the image's end; the
+// bytes before that point stay patched.
+bool patchImage(ImageState& state, const std::vector<Region>& regions);
+
+// Writes the whole image back over its phone file through a temporary file, so the
+// phone file is either the old one or the new one, never a mix.
+void Saveaxf(const ImageState& state);
+
+}  // namespace zevran::image

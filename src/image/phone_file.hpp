@@ -1,0 +1,39 @@
+// Opening a phone file: its kind comes from the last letter of its name, its
+// version text from a marker inside it.
+#pragma once
+
+#include "firmware_image.hpp"
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace zevran::image {
+
+// "bin" for a name ending in N or n (x.bin, x.cfn), "asf" for one ending in F or f
+// (x.asf, x.axf, x.elf), "other" for anything else (x.s3).
+std::string classifyPhoneFile(std::string_view path);
+
+// A version marker found too near an end of the image to hold its 8 version bytes.
+class VersionOutOfImage : public std::out_of_range {
+public:
+    using std::out_of_range::out_of_range;
+};
+
+// The 8 version bytes: those 17 bytes after a "VersionString:" marker, else those
+// 12 bytes before an "Rev S" marker; nullopt when neither is found. Searches from
+// the image's start each time and leaves LastMatch at 0 for the searches that follow.
+// Throws VersionOutOfImage when the bytes would lie outside the image.
+std::optional<std::string> findVersionText(ImageState& state);
+
+// Reads a phone file into the image and classifies it: FileKind and ImageLoaded
+// set, the search position reset. Throws FileError when it cannot be read; an empty
+// file throws EmptyPhoneFile and leaves the image as it was.
+class EmptyPhoneFile : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+void loadPhoneFile(ImageState& state, const std::string& path);
+
+}  // namespace zevran::image

@@ -1,0 +1,119 @@
+#include "srecord_reader.hpp"
+
+#include "hex_text.hpp"
+
+#include <algorithm>
+
+namespace zevran::image {
+
+namespace {
+
+// Hex value of up to `width` characters from `pos`, as many as the line holds; a
+// non-hex character counts as 0, as the tool's hex conversion always did.
+std::uint32_t tolerantHex(std::string_view line, std::size_t pos, std::size_t width)
+{
+    std::uint32_t value = 0;
+    for (std::size_t i = pos; i < std::min(line.size(), pos + width); ++i) {
+        int digit = hexDigitOrMinusOne(line[i]);
+        value = value * 16 + static_cast<std::uint32_t>(digit < 0 ? 0 : digit);
+    }
+    return value;
+}
+
+int strictByte(std::string_view line, std::size_t pos)
+{
+    int high = hexDigitOrMinusOne(line[pos]);
+    int low = hexDigitOrMinusOne(line[pos + 1]);
+    return high < 0 || low < 0 ? -1 : high * 16 + low;
+}
+
+std::string quoted(std::string_view text)
+{
+    std::string shown(text.substr(0, 16));
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < 0x20 || static_cast<unsigned char>(c) >= 0x7F) c = '?';
+    return "\"" + shown + (text.size() > 16 ? "...\"" : "\"");
+}
+
+}  // namespace
+
+SRecordError::SRecordError(std::uint64_t line, const std::string& what)
+    : std::runtime_error("line " + std::to_string(line) + ": " + what), m_line(line)
+{
+}
+
+void LineSplitter::keep(std::string_view piece)
+{
+    m_havePartial = true;
+    if (m_partial.size() < kMaxKeptLine)
+        m_partial.append(piece.substr(0, kMaxKeptLine - m_partial.size()));
+}
+
+void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordData& record)
+{
+    record.bytes.clear();
+    record.isData = !(line.starts_with("S00") || line.starts_with("S70"));
+    if (!record.isData) return;
+    const std::uint32_t countField = tolerantHex(line, 2, 2);
+    if (countField < 5)
+        throw SRecordError(lineNumber, "count field \"" + std::string(line.substr(std::min<std::size_t>(2, line.size()), 2)) +
+                                           "\" is below 5 in " + quoted(line));
+    record.address = tolerantHex(line, 4, 8);
+    const std::size_t count = countField - 5;
+    record.bytes.resize(count);
+    const std::size_t dataEnd = 12 + 2 * count;
+    if (line.size() >= dataEnd) {
+        for (std::size_t i = 0; i < count; ++i) {
+            int high = hexDigitOrMinusOne(line[12 + 2 * i]);
+            int low = hexDigitOrMinusOne(line[13 + 2 * i]);
+            record.bytes[i] = static_cast<std::uint8_t>((high < 0 ? 0 : high) * 16 + (low < 0 ? 0 : low));
+        }
+    } else {
+        for (std::size_t i = 0; i < count; ++i) record.bytes[i] = static_cast<std::uint8_t>(tolerantHex(line, 12 + 2 * i, 2));
+    }
+}
+
+void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordData& record)
+{
+    record.bytes.clear();
+    record.isData = false;
+    while (!line.empty() && (line.back() == ' ' || line.back() == '\t')) line.remove_suffix(1);
+    if (line.empty()) return;
+    if (line.size() < 4 || line[0] != 'S' || line[1] < '0' || line[1] > '9')
+        throw SRecordError(lineNumber, quoted(line) + " is not an S-record");
+    const int type = line[1] - '0';
+    if (type == 4) throw SRecordError(lineNumber, "S4 is not a Motorola record type");
+    const int count = strictByte(line, 2);
+    if (count < 0) throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " is not hex");
+    const std::size_t expectedLength = 4 + 2 * static_cast<std::size_t>(count);
+    if (line.size() != expectedLength)
+        throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " asks for " +
+                                           std::to_string(expectedLength) + " characters, the line has " +
+                                           std::to_string(line.size()));
+    const int addressBytes = type == 2 || type == 8 ? 3 : type == 3 || type == 7 ? 4 : 2;
+    if (count < addressBytes + 1)
+        throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " is too small for S" +
+                                           std::to_string(type));
+    unsigned sum = static_cast<unsigned>(count);
+    std::uint32_t address = 0;
+    record.bytes.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count - 1; ++i) {
+        int value = strictByte(line, 4 + 2 * static_cast<std::size_t>(i));
+        if (value < 0)
+            throw SRecordError(lineNumber, "\"" + std::string(line.substr(4 + 2 * static_cast<std::size_t>(i), 2)) +
+                                               "\" at character " + std::to_string(5 + 2 * i) + " is not hex");
+        sum += static_cast<unsigned>(value);
+        if (i < addressBytes) address = (address << 8) | static_cast<std::uint32_t>(value);
+        else record.bytes.push_back(static_cast<std::uint8_t>(value));
+    }
+    const int checksum = strictByte(line, line.size() - 2);
+    const unsigned expected = 255 - (sum & 0xFF);
+    if (checksum < 0 || static_cast<unsigned>(checksum) != expected)
+        throw SRecordError(lineNumber, "checksum " + std::string(line.substr(line.size() - 2)) + " does not match " +
+                                           HexPad(expected, 2));
+    record.address = address;
+    record.isData = type >= 1 && type <= 3;
+    if (!record.isData) record.bytes.clear();
+}
+
+}  // namespace zevran::image
