@@ -34,6 +34,7 @@ void SRecordToBinary::flush()
     m_out.write(reinterpret_cast<const char*>(m_outBuffer.data()), static_cast<std::streamsize>(m_outBuffer.size()));
     m_outputWritten += m_outBuffer.size();
     m_outBuffer.clear();
+    m_out.flush();
     if (!m_out) throw FileError("the binary output could not be written (disk full?)");
 }
 
@@ -82,7 +83,8 @@ bool SRecordToBinary::convertSome(std::size_t workBytes)
     try {
         std::size_t work = 0;
         while (work < workBytes && !m_inputDone) {
-            m_in.read(m_inBuffer.data(), static_cast<std::streamsize>(m_inBuffer.size()));
+            const std::size_t want = std::min(m_inBuffer.size(), workBytes - work);
+            m_in.read(m_inBuffer.data(), static_cast<std::streamsize>(want));
             const auto got = static_cast<std::size_t>(m_in.gcount());
             m_inputRead += got;
             work += got;

@@ -1,0 +1,86 @@
+#include "image/patch_writer.hpp"
+
+#include "image/file_io.hpp"
+#include "support/temp_folder.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+using namespace zevran::image;
+using zevran::test::readBytes;
+using zevran::test::readText;
+using zevran::test::TempFolder;
+
+TEST(WriteSRecordPatch, TwoRegionsGiveOneFileInTheirOrder)
+{
+    TempFolder folder;
+    const std::string path = folder.path("out.s3");
+    writeSRecordPatch(path, {{0x1000, 0x1000, {0xAB}}, {0x20, 0x21, {0xDE, 0xAD}}});
+    EXPECT_EQ(readText(path),
+              "S00600004844521B\r\n"
+              "S30600001000AB3E\r\n"
+              "S30700000020DEAD4D\r\n"
+              "S705A002000058\r\n");
+}
+
+TEST(WriteSRecordPatch, NoRegionsWriteNoFile)
+{
+    TempFolder folder;
+    const std::string path = folder.path("out.s3");
+    writeSRecordPatch(path, {});
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST(PatchImage, LaterRegionsOverwriteEarlierOnes)
+{
+    ImageState state;
+    setImage(state, "/x.asf", std::vector<std::uint8_t>(6, 0));
+    EXPECT_TRUE(patchImage(state, {{1, 3, {1, 1, 1}}, {2, 2, {2}}}));
+    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{0, 1, 2, 1, 0, 0}));
+}
+
+TEST(PatchImage, RegionPastTheEndKeepsWhatFitsAndReportsFalse)
+{
+    ImageState state;
+    setImage(state, "/x.asf", std::vector<std::uint8_t>(4, 0));
+    EXPECT_FALSE(patchImage(state, {{3, 4, {7, 8}}}));
+    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{0, 0, 0, 7}));
+}
+
+TEST(Saveaxf, PhoneFileEqualsTheImageAfterASave)
+{
+    TempFolder folder;
+    const std::string path = folder.path("phone.asf");
+    zevran::test::writeFile(path, std::vector<std::uint8_t>{1, 2, 3, 4});
+    ImageState state;
+    setImage(state, path, readBytes(path));
+    patchImage(state, {{1, 2, {9, 9}}});
+    Saveaxf(state);
+    EXPECT_EQ(readBytes(path), (std::vector<std::uint8_t>{1, 9, 9, 4}));
+    // Nothing but the phone file is left in its folder.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.root()), {}), 1);
+}
+
+TEST(Saveaxf, FolderWhereNoTemporaryFileCanBeMadeLeavesThePhoneFileAlone)
+{
+    TempFolder folder;
+    zevran::test::writeFile(folder.path("plain"), std::string("x"));
+    ImageState state;
+    setImage(state, folder.path("plain/phone.asf"), {1, 2});
+    EXPECT_THROW(Saveaxf(state), FileError);
+    EXPECT_EQ(readText(folder.path("plain")), "x");
+}
+
+TEST(Saveaxf, FailedRenameRemovesTheTemporaryFile)
+{
+    TempFolder folder;
+    // A folder in the phone file's place cannot be replaced by a file.
+    std::filesystem::create_directory(folder.path("phone.asf"));
+    std::filesystem::create_directory(folder.path("phone.asf/inside"));
+    ImageState state;
+    setImage(state, folder.path("phone.asf"), {1, 2});
+    EXPECT_THROW(Saveaxf(state), FileError);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.root()), {}), 1);
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path("phone.asf/inside")));
+}
