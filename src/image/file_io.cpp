@@ -87,7 +87,14 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
     UniqueFd fd(new int(rawFd));
     try {
         struct stat original {};
-        if (::stat(path.c_str(), &original) == 0) ::fchmod(*fd, original.st_mode & 07777);
+        if (::stat(path.c_str(), &original) == 0) {
+            ::fchmod(*fd, original.st_mode & 07777);
+        } else {
+            // A new file gets the usual permissions rather than the private ones of mkstemp.
+            const mode_t mask = ::umask(0);
+            ::umask(mask);
+            ::fchmod(*fd, 0666 & ~mask);
+        }
         writeAll(*fd, bytes, temporary);
         if (::fsync(*fd) != 0) throw FileError(describeErrno(temporary, errno));
         int closing = *fd;
