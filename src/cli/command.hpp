@@ -18,5 +18,6 @@ struct Command {
 };
 
 std::vector<Command> imageCommands();
+std::vector<Command> toneCommands();
 
 }  // namespace zevran::cli

@@ -11,7 +11,12 @@ namespace {
 
 using zevran::cli::Command;
 
-std::vector<Command> allCommands() { return zevran::cli::imageCommands(); }
+std::vector<Command> allCommands()
+{
+    std::vector<Command> commands = zevran::cli::imageCommands();
+    for (auto& command : zevran::cli::toneCommands()) commands.push_back(command);
+    return commands;
+}
 
 void printHelp(std::ostream& out)
 {

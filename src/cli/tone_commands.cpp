@@ -1,0 +1,91 @@
+// tones and export-tones: the ring-tone scan and export from the command line.
+#include "cli_args.hpp"
+#include "command.hpp"
+
+#include "image/phone_file.hpp"
+#include "tones/tone_export.hpp"
+#include "tones/tone_scan.hpp"
+
+#include <algorithm>
+#include <iostream>
+#include <set>
+#include <sstream>
+
+namespace zevran::cli {
+
+namespace {
+
+using namespace zevran::image;
+using namespace zevran::tones;
+
+ImageState openPhoneFile(const std::string& path)
+{
+    ImageState state;
+    try {
+        loadPhoneFile(state, path);
+    } catch (const EmptyPhoneFile&) {
+        throw std::runtime_error(path + ": the file is empty (0 bytes)");
+    }
+    return state;
+}
+
+int runTones(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {}, {});
+    args.expectPositional(1, "tones FILE");
+    ImageState state = openPhoneFile(args.positional()[0]);
+    std::string out;
+    for (const ToneSlot& row : scanTones(state)) out += row.number + " " + row.start + " " + row.end + " " + row.size + "\n";
+    std::cout << out;
+    return 0;
+}
+
+// "001,4" names rows 001 and 004: a number matches a row whose number has the same value.
+std::set<long> rowNumbers(const std::string& list)
+{
+    std::set<long> numbers;
+    std::stringstream parts(list);
+    std::string part;
+    while (std::getline(parts, part, ',')) {
+        if (part.empty() || !std::all_of(part.begin(), part.end(), [](char c) { return c >= '0' && c <= '9'; }) ||
+            part.size() > 9)
+            throw UsageError("--rows \"" + list + "\": \"" + part + "\" is not a row number");
+        numbers.insert(std::stol(part));
+    }
+    return numbers;
+}
+
+int runExportTones(const std::vector<std::string>& words, const Context&)
+{
+    Arguments args(words, {"--to", "--rows"}, {});
+    args.expectPositional(1, "export-tones FILE --to PATH [--rows 001,004,...]");
+    if (!args.has("--to")) throw UsageError("export-tones needs --to PATH");
+    ImageState state = openPhoneFile(args.positional()[0]);
+    const std::vector<ToneSlot> rows = scanTones(state);
+    std::set<long> wanted;
+    if (auto list = args.value("--rows")) {
+        wanted = rowNumbers(*list);
+        for (long number : wanted) {
+            if (number < 1 || static_cast<std::size_t>(number) > rows.size())
+                throw std::runtime_error("row " + std::to_string(number) + " is not among the " +
+                                         std::to_string(rows.size()) + " tones found");
+        }
+    }
+    exportTones(state, rows, [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; },
+                *args.value("--to"));
+    return 0;
+}
+
+}  // namespace
+
+std::vector<Command> toneCommands()
+{
+    return {
+        {"tones", "FILE", "every SMAF ring tone in the phone file: number, start, end, size", runTones},
+        {"export-tones", "FILE --to PATH [--rows 001,004,...]",
+         "writes tones as PATH less its last four characters + \"-NNN.mmf\" (all rows without --rows)",
+         runExportTones},
+    };
+}
+
+}  // namespace zevran::cli
