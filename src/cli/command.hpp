@@ -19,5 +19,6 @@ struct Command {
 
 std::vector<Command> imageCommands();
 std::vector<Command> toneCommands();
+std::vector<Command> stringCommands();
 
 }  // namespace zevran::cli

@@ -1,0 +1,147 @@
+// find-text and patch-strings: the string search and the string edit list from the
+// command line.
+#include "cli_args.hpp"
+#include "command.hpp"
+
+#include "app/profile_file.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "image/patch_writer.hpp"
+#include "image/phone_file.hpp"
+#include "image/table_text.hpp"
+#include "strings/string_edit.hpp"
+#include "strings/string_search.hpp"
+
+#include <iostream>
+
+namespace zevran::cli {
+
+namespace {
+
+using namespace zevran::image;
+using namespace zevran::strings;
+
+// The code page named in the program folder's zevran.ini, GBK when none is.
+std::string codePageOf(const Context& context)
+{
+    app::ProfileFile settings(context.home + "/zevran.ini");
+    auto named = settings.read("Options", "Code Page");
+    return named && !named->empty() ? *named : std::string(kDefaultCodePage);
+}
+
+ImageState openPhoneFile(const std::string& path)
+{
+    ImageState state;
+    try {
+        loadPhoneFile(state, path);
+    } catch (const EmptyPhoneFile&) {
+        throw std::runtime_error(path + ": the file is empty (0 bytes)");
+    }
+    return state;
+}
+
+int runFindText(const std::vector<std::string>& words, const Context& context)
+{
+    Arguments args(words, {}, {"--handset-codes", "--all"});
+    args.expectPositional(2, "find-text FILE TEXT [--handset-codes] [--all]");
+    ImageState state = openPhoneFile(args.positional()[0]);
+    const bool handsetCodes = args.has("--handset-codes");
+    const std::string pattern = searchPattern(args.positional()[1], handsetCodes, codePageOf(context));
+    int passCount = 0;
+    std::string out;
+    while (auto hit = findNextString(state, pattern, handsetCodes, passCount)) {
+        out += hit->Text10 + " " + hit->Text9 + " " + hit->Text8 + "\n";
+        if (!args.has("--all")) break;
+    }
+    if (out.empty()) throw std::runtime_error("\"" + args.positional()[1] + "\" is not in " + args.positional()[0]);
+    std::cout << out;
+    return 0;
+}
+
+// One plan line: START END TEXT, the text running to the line's end.
+StringEditRow planRow(std::string_view line, std::size_t lineNumber, std::size_t rowsBefore, bool handsetCodes,
+                      const std::string& codePage)
+{
+    const auto where = "line " + std::to_string(lineNumber) + ": ";
+    const auto firstSpace = line.find(' ');
+    const auto secondSpace = firstSpace == std::string_view::npos ? firstSpace : line.find(' ', firstSpace + 1);
+    if (secondSpace == std::string_view::npos) throw std::runtime_error(where + "expected START END TEXT");
+    const std::string start(line.substr(0, firstSpace));
+    const std::string end(line.substr(firstSpace + 1, secondSpace - firstSpace - 1));
+    const std::string text(line.substr(secondSpace + 1));
+    for (const std::string& field : {start, end})
+        for (char c : field)
+            if (hexDigitOrMinusOne(c) < 0) throw std::runtime_error(where + "\"" + field + "\" is not a hex address");
+    const std::int64_t first = HexToLong(start);
+    const std::int64_t last = HexToLong(end);
+    if (last < first) throw std::runtime_error(where + "the end " + end + " lies before the start " + start);
+    const std::int64_t bytes = last - first + 1;
+    // The length as the search shows it: bytes, or characters in handset codes.
+    const std::string length = handsetCodes ? std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "") : std::to_string(bytes);
+    auto row = makeEditRow(rowsBefore, HexPad(static_cast<std::uint32_t>(first), 8),
+                           HexPad(static_cast<std::uint32_t>(last), 8), text, length);
+    if (!row) throw std::runtime_error(where + "the replacement text is empty");
+    const auto encoded = editRowBytes(*row, handsetCodes, codePage);
+    if (static_cast<std::int64_t>(encoded.size()) > bytes)
+        throw std::runtime_error(where + "\"" + text + "\" takes " + std::to_string(encoded.size()) +
+                                 " bytes, more than the " + std::to_string(bytes) + " of its range");
+    return *row;
+}
+
+int runPatchStrings(const std::vector<std::string>& words, const Context& context)
+{
+    Arguments args(words, {"-o"}, {"--in-place", "--handset-codes"});
+    args.expectPositional(2, "patch-strings FILE PLAN (-o OUT.s3 | --in-place) [--handset-codes]");
+    if (args.has("-o") == args.has("--in-place")) throw UsageError("patch-strings needs either -o OUT.s3 or --in-place");
+    const std::string& phonePath = args.positional()[0];
+    const std::string& planPath = args.positional()[1];
+    ImageState state = openPhoneFile(phonePath);
+    if (args.has("-o") && state.FileKind != "bin")
+        throw std::runtime_error(phonePath + ": only a \"bin\" phone file takes an S-record patch; this one is \"" +
+                                 state.FileKind + "\"");
+    if (args.has("--in-place") && state.FileKind != "asf")
+        throw std::runtime_error(phonePath + ": only an \"asf\" phone file is patched in place; this one is \"" +
+                                 state.FileKind + "\"");
+    const bool handsetCodes = args.has("--handset-codes");
+    const std::string codePage = codePageOf(context);
+    const auto planBytes = readWholeFile(planPath);
+    const std::string planText(planBytes.begin(), planBytes.end());
+    std::vector<Region> regions;
+    std::size_t lineNumber = 0;
+    for (std::string_view line : splitTextLines(planText)) {
+        ++lineNumber;
+        if (line.empty()) continue;
+        try {
+            StringEditRow row = planRow(line, lineNumber, regions.size(), handsetCodes, codePage);
+            regions.push_back(editRowRegion(row, handsetCodes, codePage));
+            if (regions.back().last >= state.FirmwareLength)
+                throw std::runtime_error("line " + std::to_string(lineNumber) + ": the end " + row.end +
+                                         " lies past the image (" + std::to_string(state.FirmwareLength) + " bytes)");
+        } catch (const std::exception& error) {
+            throw std::runtime_error(planPath + ": " + error.what());
+        }
+    }
+    if (regions.empty()) throw std::runtime_error(planPath + ": the plan holds no replacement");
+    if (args.has("-o")) {
+        writeSRecordPatch(*args.value("-o"), regions);
+    } else {
+        patchImage(state, regions);
+        Saveaxf(state);
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::vector<Command> stringCommands()
+{
+    return {
+        {"find-text", "FILE TEXT [--handset-codes] [--all]",
+         "start, end and length of the first stored string holding TEXT (every one with --all)", runFindText},
+        {"patch-strings", "FILE PLAN (-o OUT.s3 | --in-place) [--handset-codes]",
+         "applies a plan of \"START END TEXT\" lines: an S-record patch for a bin file, in place for an asf file",
+         runPatchStrings},
+    };
+}
+
+}  // namespace zevran::cli
