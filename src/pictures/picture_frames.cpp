@@ -1,0 +1,68 @@
+#include "picture_frames.hpp"
+
+#include "image/hex_text.hpp"
+
+#include <cmath>
+#include <limits>
+#include <tuple>
+
+namespace zevran::pictures {
+
+using namespace zevran::image;
+
+namespace {
+
+std::int64_t wholeNumber(std::string_view cell, std::string_view what)
+{
+    const double value = std::nearbyint(leadingNumber(cell));
+    if (!(std::fabs(value) <= static_cast<double>(std::numeric_limits<std::int32_t>::max())))
+        throw PictureTableError(std::string(what) + " " + std::string(cell) + " does not fit a 32-bit number");
+    return static_cast<std::int64_t>(value);
+}
+
+}  // namespace
+
+FrameGeometry frameGeometry(const PictureEntry& row)
+{
+    FrameGeometry geometry;
+    geometry.start = HexToLong(row.address);
+    geometry.frameSize = wholeNumber(row.frameSize, "frame size");
+    geometry.frames = wholeNumber(row.frames, "frame count");
+    std::tie(geometry.width, geometry.height) = pictureDimensions(row.dimensions);
+    geometry.depth = static_cast<int>(wholeNumber(row.depth, "depth"));
+    return geometry;
+}
+
+std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k) { return geometry.start + k * geometry.frameSize; }
+
+std::string pictureFramePath(std::string_view folder, std::string_view name, std::int64_t frameIndex)
+{
+    while (!name.empty() && name.front() == ' ') name.remove_prefix(1);
+    while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
+    return std::string(folder) + std::string(name) + "-" + ZeroPad(std::to_string(frameIndex + 1), 2) + ".bmp";
+}
+
+std::optional<Region> picturePatchRegion(const ImageState& state, const PictureEntry& row)
+{
+    const std::string where = "row " + row.number + ": ";
+    const std::string_view address = row.address;
+    const std::int64_t start = HexToLong(address.substr(std::min<std::size_t>(2, address.size())));
+    const double frames = std::nearbyint(leadingNumber(row.frames));
+    if (std::fabs(frames) > kMostPatchFrames)
+        throw std::out_of_range(where + "a frame count of " + row.frames + " is above 32767");
+    const double last = std::nearbyint(frames * leadingNumber(row.frameSize) + static_cast<double>(start) - 1);
+    if (!(last >= std::numeric_limits<std::int32_t>::min() && last <= std::numeric_limits<std::int32_t>::max()))
+        throw std::out_of_range(where + "the picture's end lies beyond any 32-bit address");
+    const std::int64_t length = static_cast<std::int64_t>(last) - start + 1;
+    if (length == 0) return std::nullopt;
+    if (length < 0) throw std::out_of_range(where + "the frame count or size is negative");
+    if (start + length > static_cast<std::int64_t>(state.FirmwareImage.size()))
+        throw std::out_of_range(where + "0x" + HexPad(static_cast<std::uint32_t>(start), 8) + "-0x" +
+                                HexPad(static_cast<std::uint32_t>(last), 8) + " lies past the image (" +
+                                std::to_string(state.FirmwareImage.size()) + " bytes)");
+    const auto begin = state.FirmwareImage.begin() + start;
+    return Region{static_cast<std::int32_t>(start), static_cast<std::int32_t>(last),
+                  std::vector<std::uint8_t>(begin, begin + length)};
+}
+
+}  // namespace zevran::pictures

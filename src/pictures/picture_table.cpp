@@ -1,0 +1,105 @@
+#include "picture_table.hpp"
+
+#include "image/hex_text.hpp"
+#include "image/table_text.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace zevran::pictures {
+
+using namespace zevran::image;
+
+namespace {
+
+std::int32_t roundToInt32(double value, std::string_view what)
+{
+    const double rounded = std::nearbyint(value);  // half to even
+    if (!(rounded >= std::numeric_limits<std::int32_t>::min() && rounded <= std::numeric_limits<std::int32_t>::max()))
+        throw PictureTableError(std::string(what) + " does not fit a 32-bit number");
+    return static_cast<std::int32_t>(rounded);
+}
+
+}  // namespace
+
+double leadingNumber(std::string_view text)
+{
+    std::size_t pos = 0;
+    while (pos < text.size() && (text[pos] == ' ' || text[pos] == '\t')) ++pos;
+    const std::size_t start = pos;
+    if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) ++pos;
+    const std::size_t digitsStart = pos;
+    while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos;
+    if (pos < text.size() && text[pos] == '.') {
+        ++pos;
+        while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos;
+    }
+    if (pos == digitsStart || (pos == digitsStart + 1 && text[digitsStart] == '.')) return 0;
+    if (pos < text.size() && (text[pos] == 'E' || text[pos] == 'e')) {
+        std::size_t exponent = pos + 1;
+        if (exponent < text.size() && (text[exponent] == '+' || text[exponent] == '-')) ++exponent;
+        if (exponent < text.size() && text[exponent] >= '0' && text[exponent] <= '9') {
+            pos = exponent;
+            while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos;
+        }
+    }
+    const double value = std::strtod(std::string(text.substr(start, pos - start)).c_str(), nullptr);
+    return std::isfinite(value) ? value : 0;
+}
+
+std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell)
+{
+    const auto star = cell.find('*');
+    const std::string_view width = cell.substr(0, star);
+    const std::string_view height = star == std::string_view::npos ? std::string_view() : cell.substr(star + 1);
+    return {roundToInt32(leadingNumber(width), "the width " + std::string(width)),
+            roundToInt32(leadingNumber(height), "the height " + std::string(height))};
+}
+
+std::vector<PictureEntry> readPictureTable(std::string_view text, bool recomputeSize)
+{
+    std::vector<PictureEntry> rows;
+    std::size_t lineNumber = 0;
+    for (std::string_view line : splitTextLines(text)) {
+        ++lineNumber;
+        if (line.empty()) continue;
+        const auto fields = splitAtSpaces(line);
+        const std::string where = "line " + std::to_string(lineNumber) + ": ";
+        if (fields.size() < 11)
+            throw PictureTableError(where + "only " + std::to_string(fields.size()) + " of 11 space-separated fields");
+        PictureEntry row{ZeroPad(std::to_string(rows.size() + 1), 3), Del_TAb(fields[1]), Del_TAb(fields[2]),
+                         Del_TAb(fields[4]),  Del_TAb(fields[6]), Del_TAb(fields[8]), Del_TAb(fields[10])};
+        if (recomputeSize) {
+            const std::string_view dimensions = row.dimensions;
+            const auto star = dimensions.find('*');
+            const double width = leadingNumber(dimensions.substr(0, star));
+            const double height = star == std::string_view::npos ? 0 : leadingNumber(dimensions.substr(star + 1));
+            const double size = width * height * leadingNumber(row.depth) / 8;
+            row.frameSize = std::to_string(roundToInt32(size, where + "the frame size of " + row.dimensions));
+        }
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+std::string pictureTableText(const std::vector<PictureEntry>& rows, const std::array<std::string, 4>& headers,
+                             std::string_view offsetHex)
+{
+    const std::int64_t offset = HexToLong(offsetHex);
+    std::string text;
+    for (const PictureEntry& row : rows) {
+        // Only the low six hex digits of an address survive a save: tables hold 24-bit addresses.
+        const std::string_view address = row.address;
+        const std::int64_t sum = HexToLong(address.substr(address.size() > 6 ? address.size() - 6 : 0)) + offset;
+        if (sum > std::numeric_limits<std::int32_t>::max())
+            throw HexOverflow(HexPad(static_cast<std::uint32_t>(sum), 8));
+        text += row.number + " " + row.name + "\t 0X" + HexPad(static_cast<std::uint32_t>(sum), 8) + "\t ";
+        text += headers[0] + ": " + row.frames + "\t ";
+        text += headers[1] + ": " + row.frameSize + "\t ";
+        text += headers[2] + ": " + row.dimensions + "\t ";
+        text += headers[3] + ": " + row.depth + "\t\r\n";
+    }
+    return text;
+}
+
+}  // namespace zevran::pictures

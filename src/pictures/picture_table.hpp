@@ -1,0 +1,55 @@
+// Picture tables: the pictures a user knows to lie in the image, one line each, with
+// address, frame count, frame size, dimensions and depth.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zevran::pictures {
+
+// One row of the picture list; every cell as the list shows it.
+struct PictureEntry {
+    std::string number;      // "001", "002", ...
+    std::string name;        // free text without spaces
+    std::string address;     // "0X00123456": the first frame's offset in the image
+    std::string frames;      // decimal frame count
+    std::string frameSize;   // decimal bytes per frame
+    std::string dimensions;  // "128*160"
+    std::string depth;       // decimal bits per pixel
+};
+
+// A table file that cannot be loaded; the whole list is dropped (message 38).
+class PictureTableError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+inline constexpr int kMessageBadPictureTable = 38;
+
+// The leading number of a text, as the table cells have always been read: blanks
+// skipped, an optional sign, digits with an optional fraction and exponent; text
+// that does not start with a number counts as 0.
+double leadingNumber(std::string_view text);
+
+// Width and height of a "W*H" cell, each through leadingNumber rounded half to even.
+// Throws PictureTableError when one does not fit a 32-bit integer.
+std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell);
+
+// Reads every non-empty line: fields 1, 2, 4, 6, 8 and 10 of its single-space split,
+// each through Del_TAb, rows renumbered from 001. With `recomputeSize`, each frame
+// size becomes width x height x depth / 8, rounded half to even. Throws
+// PictureTableError for a line of fewer than 11 fields or a size that overflows.
+std::vector<PictureEntry> readPictureTable(std::string_view text, bool recomputeSize);
+
+// The table file of the rows: the headers of the frame, size, dimension and depth
+// columns as labels; each address saved as its low six hex digits plus the offset in
+// `offsetHex` ("" counts as 0). Throws image::HexOverflow when a sum overflows.
+std::string pictureTableText(const std::vector<PictureEntry>& rows, const std::array<std::string, 4>& headers,
+                             std::string_view offsetHex);
+
+}  // namespace zevran::pictures

@@ -1,0 +1,44 @@
+// One frame of the handset's pixel data to a Windows BMP file. Depths 4, 16 and 24
+// are copied as stored; 8 and 12 become 24-bit pixels; depth 1 is the fixed 96 x 64
+// display memory of the handset's mono screen.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zevran::pictures {
+
+// The fixed message, and its title, for a depth the decoder cannot convert.
+inline constexpr std::string_view kWrongFormatText = "错误的bmp文件格式";
+inline constexpr std::string_view kWrongFormatTitle = "错误";
+
+using ColourTable = std::array<std::uint8_t, 64>;  // 16 entries of blue, green, red, 0
+
+// The BMP bytes of one frame at `address` for depths 4, 8, 12, 16 and 24; nullopt for
+// any other depth. Bytes of the frame that lie outside the image read as zero.
+std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
+                                                        std::int32_t width, std::int32_t height, int depth,
+                                                        const ColourTable& colours);
+
+// The BMP bytes of a mono frame: always the 768 bytes of the 96-column, 8-page display
+// memory at `address`, whatever the dimensions say; they only size the header.
+std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width,
+                                       std::int32_t height);
+
+// The colour table for depth 4: the first 64 bytes of the file, zero where it is
+// shorter. A missing file is created empty, so every such pixel shows black.
+ColourTable readColourTable(const std::string& path);
+
+// Writes the frame's BMP to `path` in one write; false, and no file, for a depth
+// that cannot be converted. Throws image::FileError when the file cannot be written.
+bool DecodePictureFrame(std::span<const std::uint8_t> image, std::int64_t address, const std::string& path,
+                        std::int32_t width, std::int32_t height, int depth, const ColourTable& colours);
+bool DecodeMonoFrame(std::span<const std::uint8_t> image, std::int64_t address, const std::string& path,
+                     std::int32_t width, std::int32_t height);
+
+}  // namespace zevran::pictures
