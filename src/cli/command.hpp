@@ -20,5 +20,6 @@ struct Command {
 std::vector<Command> imageCommands();
 std::vector<Command> toneCommands();
 std::vector<Command> stringCommands();
+std::vector<Command> pictureCommands();
 
 }  // namespace zevran::cli

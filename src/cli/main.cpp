@@ -16,6 +16,7 @@ std::vector<Command> allCommands()
     std::vector<Command> commands = zevran::cli::imageCommands();
     for (auto& command : zevran::cli::toneCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::stringCommands()) commands.push_back(command);
+    for (auto& command : zevran::cli::pictureCommands()) commands.push_back(command);
     return commands;
 }
 
