@@ -3,6 +3,7 @@
 #include "command.hpp"
 
 #include "image/phone_file.hpp"
+#include "tones/tone_check.hpp"
 #include "tones/tone_export.hpp"
 #include "tones/tone_scan.hpp"
 
@@ -31,11 +32,21 @@ ImageState openPhoneFile(const std::string& path)
 
 int runTones(const std::vector<std::string>& words, const Context&)
 {
-    Arguments args(words, {}, {});
-    args.expectPositional(1, "tones FILE");
+    Arguments args(words, {}, {"--details"});
+    args.expectPositional(1, "tones FILE [--details]");
     ImageState state = openPhoneFile(args.positional()[0]);
     std::string out;
-    for (const ToneSlot& row : scanTones(state)) out += row.number + " " + row.start + " " + row.end + " " + row.size + "\n";
+    for (const ToneSlot& row : scanTones(state)) {
+        out += row.number + " " + row.start + " " + row.end + " " + row.size;
+        if (args.has("--details")) {
+            const ToneCheck check = checkTone(toneBytes(state, row));
+            std::string title = check.title;
+            // One tone, one line: a control byte in a damaged title must not break it.
+            std::replace_if(title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+            out += " crc=" + std::string(crcStateName(check.crc)) + " title=" + title;
+        }
+        out += "\n";
+    }
     std::cout << out;
     return 0;
 }
@@ -81,7 +92,8 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
 std::vector<Command> toneCommands()
 {
     return {
-        {"tones", "FILE", "every SMAF ring tone in the phone file: number, start, end, size", runTones},
+        {"tones", "FILE [--details]",
+         "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)", runTones},
         {"export-tones", "FILE --to PATH [--rows 001,004,...]",
          "writes tones as PATH less its last four characters + \"-NNN.mmf\" (all rows without --rows)",
          runExportTones},
