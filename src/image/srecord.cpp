@@ -4,19 +4,30 @@
 #include "hex_text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstring>
 #include <stdexcept>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace zevran::image {
 
 namespace {
 
-constexpr char kDigits[] = "0123456789ABCDEF";
+// The two hex digits of every byte value, so a byte costs one lookup.
+constexpr std::array<std::array<char, 2>, 256> kHexPairs = [] {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::array<std::array<char, 2>, 256> pairs{};
+    for (unsigned value = 0; value < 256; ++value) pairs[value] = {digits[value >> 4], digits[value & 0xF]};
+    return pairs;
+}();
 
 char* putByte(char* at, unsigned value)
 {
-    at[0] = kDigits[(value >> 4) & 0xF];
-    at[1] = kDigits[value & 0xF];
+    std::memcpy(at, kHexPairs[value & 0xFF].data(), 2);
     return at + 2;
 }
 
@@ -30,9 +41,30 @@ char* putLine(char* at, const std::uint8_t* data, unsigned length, std::uint32_t
     *at++ = '3';
     at = putByte(at, count);
     for (int shift = 24; shift >= 0; shift -= 8) at = putByte(at, (address >> shift) & 0xFF);
-    for (unsigned i = 0; i < length; ++i) {
-        sum += data[i];
-        at = putByte(at, data[i]);
+#if defined(__SSE2__)
+    // A full line, nearly every line of a file, in one step: 16 bytes to 32 digits.
+    if (length == 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
+        const __m128i low = _mm_set1_epi8(0x0F);
+        const __m128i highNibbles = _mm_and_si128(_mm_srli_epi16(bytes, 4), low);
+        const __m128i lowNibbles = _mm_and_si128(bytes, low);
+        // '0' + n, and 7 more for n above 9 so that 10 lands on 'A'.
+        const auto digits = [](__m128i nibbles) {
+            const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9)), _mm_set1_epi8(7));
+            return _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), letters);
+        };
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at), digits(_mm_unpacklo_epi8(highNibbles, lowNibbles)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at + 16), digits(_mm_unpackhi_epi8(highNibbles, lowNibbles)));
+        at += 32;
+        const __m128i halves = _mm_sad_epu8(bytes, _mm_setzero_si128());
+        sum += static_cast<unsigned>(_mm_cvtsi128_si32(halves) + _mm_cvtsi128_si32(_mm_srli_si128(halves, 8)));
+    } else
+#endif
+    {
+        for (unsigned i = 0; i < length; ++i) {
+            sum += data[i];
+            at = putByte(at, data[i]);
+        }
     }
     at = putByte(at, 255 - (sum & 0xFF));
     *at++ = '\r';

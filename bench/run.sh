@@ -1,0 +1,214 @@
+#!/usr/bin/env bash
+# Times zevran-cli's S-record conversions beside objcopy and srec_cat on one
+# synthetic 64 MiB image, checks that all of them produce the same bytes, checks
+# that converter memory does not grow with the output, then runs the in-process
+# benchmarks. Usage: bench/run.sh BUILD_DIR
+# BENCH_RUNS (default 5) sets the runs of zevran-cli and objcopy, BENCH_SLOW_RUNS
+# (default 3) those of srec_cat, which takes some seconds a run.
+set -euo pipefail
+export LC_ALL=C
+
+BUILD=${1:?usage: bench/run.sh BUILD_DIR}
+RUNS=${BENCH_RUNS:-5}
+SLOW_RUNS=${BENCH_SLOW_RUNS:-3}
+BIN=$BUILD/bin
+CLI=$BIN/zevran-cli
+DATA=$BUILD/bench-data
+LOG=$DATA/tools.log
+
+for tool in srec_cat objcopy cmp; do
+  command -v "$tool" >/dev/null || { echo "bench: $tool is missing ('make deps' installs it)" >&2; exit 1; }
+done
+[[ -x /usr/bin/time ]] || { echo "bench: /usr/bin/time is missing (package time)" >&2; exit 1; }
+for program in "$CLI" "$BIN/zevran-bench" "$BIN/zevran-bench-data"; do
+  [[ -x $program ]] || { echo "bench: $program is not built" >&2; exit 1; }
+done
+
+mkdir -p "$DATA"
+: >"$LOG"
+failures=()
+targets=()
+
+# --- data: made once, through a temporary name so an interrupted run leaves none ---
+if [[ ! -f $DATA/image.bin ]]; then
+  echo "Making $DATA/image.bin (64 MiB, fixed seed, 300 planted tones)..."
+  "$BIN/zevran-bench-data" "$DATA/image.bin.part"
+  mv "$DATA/image.bin.part" "$DATA/image.bin"
+fi
+if [[ ! -f $DATA/image.s3 ]]; then
+  echo "Making $DATA/image.s3 with srec_cat (S3 lines of 16 bytes)..."
+  srec_cat "$DATA/image.bin" -binary -o "$DATA/image.s3.part" -motorola -address-length=4 -obs=16 \
+    -disable=data-count -header "" 2>>"$LOG"
+  mv "$DATA/image.s3.part" "$DATA/image.s3"
+fi
+# One 16-byte record near the bottom of the address space and one at the handset's
+# entry point A0020000: full-address output of 4 KiB against one of 2.5 GiB.
+if [[ ! -f $DATA/low.s3 || ! -f $DATA/high.s3 ]]; then
+  head -c 16 "$DATA/image.bin" >"$DATA/sixteen.bin"
+  for place in low:0x1000 high:0xA0020000; do
+    srec_cat "$DATA/sixteen.bin" -binary -offset "${place#*:}" -o "$DATA/${place%%:*}.s3" -motorola \
+      -address-length=4 -disable=data-count -header "" 2>>"$LOG"
+  done
+fi
+
+# --- measuring ---
+declare -A MEDIAN BEST CPU PEAK
+
+now_us() { local t=${EPOCHREALTIME//[.,]/}; echo "$t"; }
+
+# time_runs KEY RUNS OUTPUT COMMAND...: COMMAND RUNS times; before each, OUTPUT is
+# removed and the disk synced, so no run pays for the writeback of the run before.
+# Wall time is what the ratios use; CPU time (user + system) is shown beside it as
+# the figure that other work on the machine disturbs less.
+time_runs() {
+  local key=$1 runs=$2 output=$3
+  shift 3
+  local times=() cpus=() peak=0 start end mem user system run
+  for ((run = 0; run < runs; run++)); do
+    rm -f "$output"
+    sync
+    start=$(now_us)
+    if ! /usr/bin/time -f '%M %U %S' -o "$DATA/peak.txt" "$@" >/dev/null 2>>"$LOG"; then
+      echo "bench: failed: $* (see $LOG)" >&2
+      exit 1
+    fi
+    end=$(now_us)
+    times+=($((end - start)))
+    read -r mem user system <"$DATA/peak.txt"
+    cpus+=("$(awk -v u="$user" -v s="$system" 'BEGIN { printf "%.0f", (u + s) * 1e6 }')")
+    if ((mem > peak)); then peak=$mem; fi
+  done
+  MEDIAN[$key]=$(printf '%s\n' "${times[@]}" | sort -n | sed -n "$(((runs + 1) / 2))p")
+  BEST[$key]=$(printf '%s\n' "${times[@]}" | sort -n | head -n 1)
+  CPU[$key]=$(printf '%s\n' "${cpus[@]}" | sort -n | sed -n "$(((runs + 1) / 2))p")
+  PEAK[$key]=$peak
+}
+
+ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
+
+# verdict LABEL VALUE OP LIMIT: VERDICT is PASS when VALUE OP LIMIT holds (OP is >=
+# or <=), else MISS; the line joins the summary. Called outside any subshell, so
+# the summary keeps it.
+verdict() {
+  VERDICT=$(awk -v v="$2" -v op="$3" -v l="$4" 'BEGIN { ok = op == ">=" ? v >= l : v <= l; print ok ? "PASS" : "MISS" }')
+  targets+=("$VERDICT  $1: $2 (target $3 $4)")
+}
+
+# table KEY... : one row per tool, ratios against the first key (ours).
+table() {
+  local ours=$1 key
+  printf '  %-10s %9s %9s %9s %9s %9s %9s\n' tool "median s" "best s" "CPU s" "MB/s" "peak MiB" "vs ours"
+  for key in "$@"; do
+    awk -v name="${key#*:}" -v m="${MEDIAN[$key]}" -v b="${BEST[$key]}" -v c="${CPU[$key]}" \
+      -v p="${PEAK[$key]}" -v o="${MEDIAN[$ours]}" -v bytes="$TABLE_BYTES" \
+      'BEGIN { printf "  %-10s %9.3f %9.3f %9.2f %9.0f %9.1f %8.2fx\n", name, m / 1e6, b / 1e6, c / 1e6,
+               bytes / m, p / 1024, m / o }'
+  done
+}
+
+# check LABEL COMMAND...: prints LABEL with ok or FAILED; a failure fails the run.
+check() {
+  local label=$1
+  shift
+  if "$@" >/dev/null 2>&1; then
+    printf '  %-38s ok\n' "$label"
+  else
+    failures+=("$label")
+    printf '  %-38s FAILED\n' "$label"
+  fi
+}
+
+s3_bytes=$(stat -c %s "$DATA/image.s3")
+bin_bytes=$(stat -c %s "$DATA/image.bin")
+echo
+echo "Runs: $RUNS of zevran-cli and objcopy, $SLOW_RUNS of srec_cat; MB/s = S-record text bytes / median wall time"
+echo "Load average before the runs: $(cut -d ' ' -f 1-3 /proc/loadavg) on $(nproc) cores"
+
+# --- S-record to binary ---
+echo
+echo "S-record to binary: $s3_bytes bytes of S3 text -> $bin_bytes bytes"
+time_runs s2b:zevran-cli "$RUNS" "$DATA/out.bin" "$CLI" s3-to-bin "$DATA/image.s3" --data-only -o "$DATA/out.bin"
+time_runs s2b:objcopy "$RUNS" "$DATA/out2.bin" objcopy -I srec -O binary "$DATA/image.s3" "$DATA/out2.bin"
+time_runs s2b:srec_cat "$SLOW_RUNS" "$DATA/out3.bin" srec_cat "$DATA/image.s3" -motorola -o "$DATA/out3.bin" -binary
+TABLE_BYTES=$s3_bytes table s2b:zevran-cli s2b:objcopy s2b:srec_cat
+check "zevran-cli output = image.bin" cmp "$DATA/out.bin" "$DATA/image.bin"
+check "objcopy output = zevran-cli's" cmp "$DATA/out2.bin" "$DATA/out.bin"
+check "srec_cat output = zevran-cli's" cmp "$DATA/out3.bin" "$DATA/out.bin"
+s2b_objcopy=$(ratio "${MEDIAN[s2b:objcopy]}" "${MEDIAN[s2b:zevran-cli]}")
+s2b_srec=$(ratio "${MEDIAN[s2b:srec_cat]}" "${MEDIAN[s2b:zevran-cli]}")
+verdict "s3-to-bin, objcopy time / ours" "$s2b_objcopy" ">=" 4
+echo "  objcopy / ours:  $s2b_objcopy  $VERDICT (target >= 4)"
+echo "  srec_cat / ours: $s2b_srec"
+rm -f "$DATA/out.bin" "$DATA/out2.bin" "$DATA/out3.bin"
+
+# --- binary to S-record ---
+echo
+echo "Binary to S-record: $bin_bytes bytes -> S3 text"
+time_runs b2s:zevran-cli "$RUNS" "$DATA/x.s3" "$CLI" bin-to-s3 "$DATA/image.bin" -o "$DATA/x.s3"
+time_runs b2s:objcopy "$RUNS" "$DATA/y.s3" objcopy -I binary -O srec --srec-forceS3 "$DATA/image.bin" "$DATA/y.s3"
+time_runs b2s:srec_cat "$SLOW_RUNS" "$DATA/z.s3" srec_cat "$DATA/image.bin" -binary -o "$DATA/z.s3" -motorola -address-length=4
+TABLE_BYTES=$(stat -c %s "$DATA/x.s3") table b2s:zevran-cli b2s:objcopy b2s:srec_cat
+# objcopy writes 16-byte S3 lines too: its data lines must be ours, bar the CR.
+same_data_lines() { cmp <(grep '^S3' "$1" | tr -d '\r') <(grep '^S3' "$2" | tr -d '\r'); }
+check "S3 lines = objcopy's" same_data_lines "$DATA/x.s3" "$DATA/y.s3"
+objcopy -I srec -O binary "$DATA/x.s3" "$DATA/back.bin"
+check "read back by objcopy = image.bin" cmp "$DATA/back.bin" "$DATA/image.bin"
+b2s_objcopy=$(ratio "${MEDIAN[b2s:objcopy]}" "${MEDIAN[b2s:zevran-cli]}")
+b2s_srec=$(ratio "${MEDIAN[b2s:srec_cat]}" "${MEDIAN[b2s:zevran-cli]}")
+verdict "bin-to-s3, objcopy time / ours" "$b2s_objcopy" ">=" 2
+echo "  objcopy / ours:  $b2s_objcopy  $VERDICT (target >= 2)"
+echo "  srec_cat / ours: $b2s_srec"
+rm -f "$DATA/x.s3" "$DATA/y.s3" "$DATA/z.s3" "$DATA/back.bin"
+
+# --- memory against output size ---
+echo
+echo "Peak memory of s3-to-bin in full-address mode (output counted through a pipe, not kept)"
+declare -A OUT_BYTES
+for place in low high; do
+  OUT_BYTES[$place]=$(/usr/bin/time -f %M -o "$DATA/peak.txt" "$CLI" s3-to-bin "$DATA/$place.s3" -o /dev/stdout | wc -c)
+  PEAK[$place]=$(tail -n 1 "$DATA/peak.txt")
+done
+printf '  %-28s %14s %10s\n' record "output bytes" "peak MiB"
+printf '  %-28s %14s %10.1f\n' "one at 0x00001000" "${OUT_BYTES[low]}" "$(awk -v k="${PEAK[low]}" 'BEGIN { print k / 1024 }')"
+printf '  %-28s %14s %10.1f\n' "one at 0xA0020000" "${OUT_BYTES[high]}" "$(awk -v k="${PEAK[high]}" 'BEGIN { print k / 1024 }')"
+check "output sizes 0x1010 and 0xA0020010" test "${OUT_BYTES[low]}" -eq 4112 -a "${OUT_BYTES[high]}" -eq 2684485648
+# Independent of the output means at most 1 MiB of noise between the two and a few
+# MiB in all: the converter's own buffers are 1 MiB in and 1 MiB out.
+growth_kib=$((PEAK[high] - PEAK[low]))
+verdict "s3-to-bin, peak growth from 4 KiB to 2.5 GiB of output, KiB" "$growth_kib" "<=" 1024
+echo "  peak growth from 4 KiB to 2.5 GiB of output: ${growth_kib} KiB  $VERDICT (target <= 1024)"
+high_mib=$(awk -v k="${PEAK[high]}" 'BEGIN { printf "%.1f", k / 1024 }')
+verdict "s3-to-bin, peak MiB with 2.5 GiB of output" "$high_mib" "<=" 16
+echo "  peak with 2.5 GiB of output: ${high_mib} MiB  $VERDICT (target <= 16)"
+
+# --- in-process ---
+echo
+echo "In-process benchmarks (Google Benchmark; bytes_per_second in 2^30 units)"
+echo "(Debian's libbenchmark calls itself a DEBUG build: that is its own bookkeeping, not the code timed.)"
+"$BIN/zevran-bench" --benchmark_out="$DATA/bench.json" --benchmark_out_format=json
+rate_of() {
+  awk -v want="\"$1\"," '$1 == "\"name\":" { name = $2 } $1 == "\"bytes_per_second\":" && name == want {
+    sub(",", "", $2); print $2 / 1e9 }' "$DATA/bench.json"
+}
+echo
+echo "In-process rates (GB = 10^9 bytes)"
+hex_rate=$(printf '%.2f' "$(rate_of BM_FindHexInImage)")
+verdict "FindHexInImage, GB/s" "$hex_rate" ">=" 3
+printf '  %-36s %8.2f GB/s  %s (target >= 3)\n' "FindHexInImage, every MMMD" "$hex_rate" "$VERDICT"
+printf '  %-36s %8.2f GB/s\n' "findBytes, every MMMD" "$(rate_of BM_findBytes)"
+printf '  %-36s %8.2f GB/s\n' "appendSRecordLines, 16 MiB" "$(rate_of BM_appendSRecordLines)"
+printf '  %-36s %8.2f GB/s\n' "sRecordRegionText, 16 MiB" "$(rate_of BM_sRecordRegionText)"
+printf '  %-36s %8.2f GB/s\n' "binaryToSRecord, 16 MiB" "$(rate_of BM_binaryToSRecord)"
+printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, data only" "$(rate_of BM_SRecordToBinary/mode:0)"
+printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, full address" "$(rate_of BM_SRecordToBinary/mode:1)"
+printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, strict reading" "$(rate_of BM_SRecordToBinary/mode:2)"
+
+echo
+echo "Targets"
+printf '  %s\n' "${targets[@]}"
+if ((${#failures[@]})); then
+  echo "Output checks FAILED:"
+  printf '  %s\n' "${failures[@]}"
+  exit 1
+fi
+echo "Output checks: all identical"
