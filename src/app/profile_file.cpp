@@ -145,7 +145,10 @@ std::string writeProfileValue(std::string_view text, std::string_view section, s
     }
     result.append(text);
     if (!result.empty() && result.back() != '\n' && result.back() != '\r') result += "\r\n";
-    result += "[" + std::string(section) + "]\r\n" + entry;
+    result += '[';
+    result.append(section);
+    result += "]\r\n";
+    result += entry;
     return result;
 }
 
