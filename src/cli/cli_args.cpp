@@ -1,5 +1,8 @@
 #include "cli_args.hpp"
 
+#include <algorithm>
+#include <sstream>
+
 namespace zevran::cli {
 
 Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
@@ -33,6 +36,22 @@ bool Arguments::has(const std::string& name) const { return m_flags.count(name) 
 void Arguments::expectPositional(std::size_t count, const std::string& usage) const
 {
     if (m_positional.size() != count) throw UsageError("usage: zevran-cli " + usage);
+}
+
+long numberArgument(const std::string& text, const std::string& what)
+{
+    if (text.empty() || text.size() > 9 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        throw UsageError(what + " \"" + text + "\" is not a number");
+    return std::stol(text);
+}
+
+std::set<long> numberListArgument(const std::string& list, const std::string& what)
+{
+    std::set<long> numbers;
+    std::stringstream parts(list);
+    for (std::string part; std::getline(parts, part, ',');) numbers.insert(numberArgument(part, what));
+    if (numbers.empty()) throw UsageError(what + " names no row");
+    return numbers;
 }
 
 }  // namespace zevran::cli

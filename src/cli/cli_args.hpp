@@ -33,4 +33,10 @@ private:
     std::set<std::string> m_flags;
 };
 
+// A row number or count typed in decimal digits: "001" and "1" alike.
+long numberArgument(const std::string& text, const std::string& what);
+
+// A comma-separated list of such numbers: "001,4".
+std::set<long> numberListArgument(const std::string& list, const std::string& what);
+
 }  // namespace zevran::cli

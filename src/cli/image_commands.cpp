@@ -2,6 +2,7 @@
 // S-record converter from the command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "phone_argument.hpp"
 
 #include "image/converter.hpp"
 #include "image/file_io.hpp"
@@ -81,13 +82,8 @@ int runInfo(const std::vector<std::string>& words, const Context&)
 {
     Arguments args(words, {}, {});
     args.expectPositional(1, "info FILE");
-    ImageState state;
     const std::string& path = args.positional()[0];
-    try {
-        loadPhoneFile(state, path);
-    } catch (const EmptyPhoneFile&) {
-        throw std::runtime_error(path + ": the file is empty (0 bytes)");
-    }
+    ImageState state = openPhoneFile(path);
     std::optional<std::string> version;
     try {
         version = findVersionText(state);

@@ -1,6 +1,7 @@
 // picture, export-pictures and picture-patch: the picture tab's jobs from the command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "phone_argument.hpp"
 
 #include "image/file_io.hpp"
 #include "image/patch_writer.hpp"
@@ -21,17 +22,6 @@ namespace {
 using namespace zevran::image;
 using namespace zevran::pictures;
 
-ImageState openPhoneFile(const std::string& path)
-{
-    ImageState state;
-    try {
-        loadPhoneFile(state, path);
-    } catch (const EmptyPhoneFile&) {
-        throw std::runtime_error(path + ": the file is empty (0 bytes)");
-    }
-    return state;
-}
-
 std::vector<PictureEntry> openTable(const std::string& path, bool recomputeSize)
 {
     const auto bytes = readWholeFile(path);
@@ -40,13 +30,6 @@ std::vector<PictureEntry> openTable(const std::string& path, bool recomputeSize)
     } catch (const std::exception& error) {
         throw std::runtime_error(path + ": " + error.what());
     }
-}
-
-long rowNumber(const std::string& text)
-{
-    if (text.empty() || text.size() > 9 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
-        throw UsageError("\"" + text + "\" is not a row number");
-    return std::stol(text);
 }
 
 const PictureEntry& rowOf(const std::vector<PictureEntry>& rows, long number, const std::string& table)
@@ -76,8 +59,8 @@ int runPicture(const std::vector<std::string>& words, const Context& context)
     if (!args.has("-o")) throw UsageError("picture needs -o OUT.bmp");
     const ImageState state = openPhoneFile(args.positional()[0]);
     const auto rows = openTable(args.positional()[1], args.has("--recompute-size"));
-    const PictureEntry& row = rowOf(rows, rowNumber(args.positional()[2]), args.positional()[1]);
-    const std::int64_t frame = args.has("--frame") ? rowNumber(*args.value("--frame")) : 0;
+    const PictureEntry& row = rowOf(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
+    const std::int64_t frame = args.has("--frame") ? numberArgument(*args.value("--frame"), "--frame") : 0;
     if (!decodeFrame(state, row, frame, *args.value("-o"), context, true))
         throw std::runtime_error(std::string(kWrongFormatText) + " (row " + row.number + ", depth " + row.depth + ")");
     return 0;
@@ -111,9 +94,7 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
     if (!args.has("--rows") || !args.has("-o")) throw UsageError("picture-patch needs --rows and -o");
     const ImageState state = openPhoneFile(args.positional()[0]);
     const auto rows = openTable(args.positional()[1], args.has("--recompute-size"));
-    std::set<long> wanted;
-    std::stringstream list(*args.value("--rows"));
-    for (std::string part; std::getline(list, part, ',');) wanted.insert(rowNumber(part));
+    const std::set<long> wanted = numberListArgument(*args.value("--rows"), "--rows");
     for (long number : wanted) rowOf(rows, number, args.positional()[1]);
     std::vector<Region> regions;
     for (long number : wanted) {

@@ -2,6 +2,7 @@
 // command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "phone_argument.hpp"
 
 #include "app/profile_file.hpp"
 #include "image/file_io.hpp"
@@ -27,17 +28,6 @@ std::string codePageOf(const Context& context)
     app::ProfileFile settings(context.home + "/zevran.ini");
     auto named = settings.read("Options", "Code Page");
     return named && !named->empty() ? *named : std::string(kDefaultCodePage);
-}
-
-ImageState openPhoneFile(const std::string& path)
-{
-    ImageState state;
-    try {
-        loadPhoneFile(state, path);
-    } catch (const EmptyPhoneFile&) {
-        throw std::runtime_error(path + ": the file is empty (0 bytes)");
-    }
-    return state;
 }
 
 int runFindText(const std::vector<std::string>& words, const Context& context)

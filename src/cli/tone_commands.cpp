@@ -1,6 +1,7 @@
 // tones and export-tones: the ring-tone scan and export from the command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "phone_argument.hpp"
 
 #include "image/phone_file.hpp"
 #include "tones/tone_check.hpp"
@@ -18,17 +19,6 @@ namespace {
 
 using namespace zevran::image;
 using namespace zevran::tones;
-
-ImageState openPhoneFile(const std::string& path)
-{
-    ImageState state;
-    try {
-        loadPhoneFile(state, path);
-    } catch (const EmptyPhoneFile&) {
-        throw std::runtime_error(path + ": the file is empty (0 bytes)");
-    }
-    return state;
-}
 
 int runTones(const std::vector<std::string>& words, const Context&)
 {
@@ -51,21 +41,6 @@ int runTones(const std::vector<std::string>& words, const Context&)
     return 0;
 }
 
-// "001,4" names rows 001 and 004: a number matches a row whose number has the same value.
-std::set<long> rowNumbers(const std::string& list)
-{
-    std::set<long> numbers;
-    std::stringstream parts(list);
-    std::string part;
-    while (std::getline(parts, part, ',')) {
-        if (part.empty() || !std::all_of(part.begin(), part.end(), [](char c) { return c >= '0' && c <= '9'; }) ||
-            part.size() > 9)
-            throw UsageError("--rows \"" + list + "\": \"" + part + "\" is not a row number");
-        numbers.insert(std::stol(part));
-    }
-    return numbers;
-}
-
 int runExportTones(const std::vector<std::string>& words, const Context&)
 {
     Arguments args(words, {"--to", "--rows"}, {});
@@ -75,7 +50,7 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
     const std::vector<ToneSlot> rows = scanTones(state);
     std::set<long> wanted;
     if (auto list = args.value("--rows")) {
-        wanted = rowNumbers(*list);
+        wanted = numberListArgument(*list, "--rows");
         for (long number : wanted) {
             if (number < 1 || static_cast<std::size_t>(number) > rows.size())
                 throw std::runtime_error("row " + std::to_string(number) + " is not among the " +
