@@ -34,6 +34,7 @@ int runFindText(const std::vector<std::string>& words, const Context& context)
 {
     Arguments args(words, {}, {"--handset-codes", "--all"});
     args.expectPositional(2, "find-text FILE TEXT [--handset-codes] [--all]");
+    if (args.positional()[1].empty()) throw UsageError("find-text needs a TEXT to look for");
     ImageState state = openPhoneFile(args.positional()[0]);
     const bool handsetCodes = args.has("--handset-codes");
     const std::string pattern = searchPattern(args.positional()[1], handsetCodes, codePageOf(context));
@@ -75,6 +76,10 @@ StringEditRow planRow(std::string_view line, std::size_t lineNumber, std::size_t
     if (static_cast<std::int64_t>(encoded.size()) > bytes)
         throw std::runtime_error(where + "\"" + text + "\" takes " + std::to_string(encoded.size()) +
                                  " bytes, more than the " + std::to_string(bytes) + " of its range");
+    // Handset codes take two bytes a character, so an odd range cannot be covered exactly.
+    if (static_cast<std::int64_t>(encoded.size()) < bytes)
+        throw std::runtime_error(where + "\"" + text + "\" padded fills " + std::to_string(encoded.size()) + " of the " +
+                                 std::to_string(bytes) + " bytes of its range");
     return *row;
 }
 

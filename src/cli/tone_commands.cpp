@@ -29,7 +29,14 @@ int runTones(const std::vector<std::string>& words, const Context&)
     for (const ToneSlot& row : scanTones(state)) {
         out += row.number + " " + row.start + " " + row.end + " " + row.size;
         if (args.has("--details")) {
-            const ToneCheck check = checkTone(toneBytes(state, row));
+            ToneCheck check;
+            try {
+                check = checkTone(toneBytes(state, row));
+            } catch (const ToneExportError&) {
+                // The scan takes a declared size at its word: a tone running past the
+                // image's end is cut short (bad), and the rows after it still list.
+                check.crc = CrcState::Bad;
+            }
             std::string title = check.title;
             // One tone, one line: a control byte in a damaged title must not break it.
             std::replace_if(title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
