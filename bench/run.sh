@@ -181,6 +181,19 @@ high_mib=$(awk -v k="${PEAK[high]}" 'BEGIN { printf "%.1f", k / 1024 }')
 verdict "s3-to-bin, peak MiB with 2.5 GiB of output" "$high_mib" "<=" 16
 echo "  peak with 2.5 GiB of output: ${high_mib} MiB  $VERDICT (target <= 16)"
 
+# --- tone scan against grep ---
+echo
+echo "Tone scan of image.bin: zevran-cli tones against LC_ALL=C grep -c -a -o MMMD"
+time_runs tones:zevran-cli "$RUNS" "$DATA/none" sh -c "\"$CLI\" tones \"$DATA/image.bin\" >\"$DATA/tones.txt\""
+time_runs tones:grep "$RUNS" "$DATA/none" sh -c "grep -c -a -o MMMD \"$DATA/image.bin\" >\"$DATA/grep.txt\""
+TABLE_BYTES=$bin_bytes table tones:zevran-cli tones:grep
+tone_rows=$(wc -l <"$DATA/tones.txt")
+check "at least the 300 planted tones listed" test "$tone_rows" -ge 300
+tones_grep=$(ratio "${MEDIAN[tones:grep]}" "${MEDIAN[tones:zevran-cli]}")
+verdict "tones, grep time / ours" "$tones_grep" ">=" 1
+echo "  $tone_rows tones listed; grep counts $(cat "$DATA/grep.txt") lines holding MMMD"
+echo "  grep / ours: $tones_grep  $VERDICT (target >= 1)"
+
 # --- in-process ---
 echo
 echo "In-process benchmarks (Google Benchmark; bytes_per_second in 2^30 units)"
@@ -202,6 +215,22 @@ printf '  %-36s %8.2f GB/s\n' "binaryToSRecord, 16 MiB" "$(rate_of BM_binaryToSR
 printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, data only" "$(rate_of BM_SRecordToBinary/mode:0)"
 printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, full address" "$(rate_of BM_SRecordToBinary/mode:1)"
 printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, strict reading" "$(rate_of BM_SRecordToBinary/mode:2)"
+scan_rate=$(printf '%.2f' "$(rate_of BM_scanTones)")
+verdict "scanTones, GB/s" "$scan_rate" ">=" 3
+printf '  %-36s %8.2f GB/s  %s (target >= 3)\n' "scanTones, 64 MiB" "$scan_rate" "$VERDICT"
+frames_of() {
+  awk -v want="\"$1\"," '$1 == "\"name\":" { name = $2 } $1 == "\"frames_per_second\":" && name == want {
+    sub(",", "", $2); printf "%.0f", $2 }' "$DATA/bench.json"
+}
+for depth in 1 4 8 12 16 24; do
+  fps=$(frames_of "BM_exportFrames/depth:$depth")
+  if ((depth == 16)); then
+    verdict "export of 128*160 frames at 16 bits, frames/s" "$fps" ">=" 2000
+    printf '  %-36s %8s frames/s  %s (target >= 2000)\n' "export, 128*160 at depth $depth" "$fps" "$VERDICT"
+  else
+    printf '  %-36s %8s frames/s\n' "export, 128*160 at depth $depth" "$fps"
+  fi
+done
 
 echo
 echo "Targets"
