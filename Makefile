@@ -38,12 +38,12 @@ test-asan:
 	  ctest --test-dir $(ASAN_BUILD) --output-on-failure -j$(JOBS)
 
 bench: deps
-	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_BENCH=ON -DZEVRAN_TESTS=OFF
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_BENCH=ON -DZEVRAN_TESTS=OFF -DZEVRAN_WINDOW=OFF
 	cmake --build $(BENCH_BUILD) -j$(JOBS)
 	bench/run.sh $(BENCH_BUILD)
 
 fuzz: deps-fuzz
-	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEVRAN_FUZZ=ON -DZEVRAN_TESTS=OFF
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEVRAN_FUZZ=ON -DZEVRAN_TESTS=OFF -DZEVRAN_WINDOW=OFF
 	cmake --build $(FUZZ_BUILD) -j$(JOBS)
 	fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 

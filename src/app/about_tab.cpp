@@ -1,0 +1,101 @@
+#include "about_tab.hpp"
+
+#include "widget_helpers.hpp"
+
+#include <QEvent>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace zevran::app {
+
+namespace {
+
+const char* const kAboutText[AboutTab::kLines] = {
+    "Zevran Handset Workshop", "", "V1.11", "", "A workshop for the firmware image of a handset",
+    "ring tones - text strings - pictures - S-records", "", "Design and code", "The Zevran team", "",
+    "Built with C++20 and Qt 6", "", "Thanks to every tester", "who flashed a patch before us", "",
+    "Dedicated to everyone", "who keeps an old phone alive", "", "zevran-cli does every job", "from the command line",
+    "", "Exact to the byte", "", "Zevran Handset Workshop",
+};
+
+}  // namespace
+
+AboutTab::AboutTab(QWidget* parent) : QWidget(parent)
+{
+    setObjectName("AboutTab");
+    auto* description = named(new QLabel(this), "Label15", tr("A workshop for the firmware image of a handset"));
+    auto* frame3 = named(new QGroupBox(this), "Frame3");
+    Label16 = named(new QLabel(frame3), "Label16", tr("Home page"));
+    Label16->setCursor(Qt::PointingHandCursor);
+    Label16->installEventFilter(this);
+    auto* frameLayout = new QVBoxLayout(frame3);
+    frameLayout->addWidget(Label16);
+    Picture1 = named(new QWidget(this), "Picture1");
+    Picture1->setMinimumHeight(240);
+    Text6 = named(new QLineEdit(this), "Text6", QStringLiteral("0"));
+    Text6->setVisible(false);
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName("Timer1");
+    Timer1->setInterval(50);
+    connect(Timer1, &QTimer::timeout, this, &AboutTab::Timer1_Timer);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(description);
+    layout->addWidget(Picture1, 1);
+    layout->addWidget(frame3);
+}
+
+void AboutTab::startScroller()
+{
+    stopScroller();
+    Text6->setText(QStringLiteral("0"));
+    for (int i = 0; i < kLines; ++i) {
+        auto* line = new QLabel(QString::fromUtf8(kAboutText[i]), Picture1);
+        line->setObjectName("Label1");
+        line->adjustSize();
+        line->show();
+        Label1.push_back(line);
+    }
+    placeLines(0);
+    Timer1->start();
+}
+
+void AboutTab::stopScroller()
+{
+    Timer1->stop();
+    for (QLabel* line : Label1) delete line;
+    Label1.clear();
+}
+
+void AboutTab::Timer1_Timer()
+{
+    int offset = Text6->text().toInt() + 50;
+    Text6->setText(QString::number(offset));
+    placeLines(offset);
+    const int lastTop = Picture1->height() * kTwipsPerPixel - offset + (kLines - 1) * 400;
+    if (lastTop < -200) {
+        Text6->setText(QStringLiteral("0"));
+        placeLines(0);
+    }
+}
+
+void AboutTab::placeLines(int offsetTwips)
+{
+    const int heightTwips = Picture1->height() * kTwipsPerPixel;
+    for (std::size_t i = 0; i < Label1.size(); ++i) {
+        const int topTwips = heightTwips - offsetTwips + static_cast<int>(i) * 400;
+        Label1[i]->move((Picture1->width() - Label1[i]->width()) / 2, topTwips / kTwipsPerPixel);
+    }
+}
+
+bool AboutTab::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Label16) {
+        // The link lights up while the pointer is over it.
+        if (event->type() == QEvent::Enter) Label16->setStyleSheet("color: palette(link); text-decoration: underline;");
+        else if (event->type() == QEvent::Leave) Label16->setStyleSheet(QString());
+        else if (event->type() == QEvent::MouseButtonRelease) emit homePageRequested();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace zevran::app

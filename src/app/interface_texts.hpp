@@ -1,0 +1,19 @@
+// The texts of the current language that commands read when they show them: message
+// texts and titles, dialog filters, the help file's name.
+#pragma once
+
+#include <QString>
+#include <array>
+
+namespace zevran::app {
+
+struct InterfaceTexts {
+    std::array<QString, 40> MsgStr;   // MsgStr[N] for message code N
+    std::array<QString, 8> MsgTitle;  // MsgTitle[N]
+    std::array<QString, 8> Filter;    // Filter[N], in the classic "desc|patterns" form
+    QString HelpStr;                  // the help document, relative to the program folder
+    QString StatusBar1Str3;           // the version text when no marker is found
+    QString ComS3ToBin;               // the converter's start caption
+};
+
+}  // namespace zevran::app

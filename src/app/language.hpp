@@ -1,0 +1,23 @@
+// Language files: every caption, column header, status label, message and filter of
+// the window comes from one of them, read with private-profile semantics.
+#pragma once
+
+#include "interface_texts.hpp"
+
+#include <QString>
+#include <string>
+
+class QWidget;
+
+namespace zevran::app {
+
+// Reads every key of the language file at `path` in its fixed order and gives each
+// value to its target among the window's children (found by object name) or to
+// `texts`. A missing or empty key is written back empty, as the profile reading does,
+// so a file lacking keys gains them and a missing file is created.
+void ApplyLanguage(QWidget* window, const std::string& path, InterfaceTexts& texts, const std::string& codePage);
+
+// The text of a language file's value: UTF-8 when the file is valid UTF-8, else the code page.
+QString decodeLanguageValue(const std::string& value, bool utf8File, const std::string& codePage);
+
+}  // namespace zevran::app

@@ -1,0 +1,408 @@
+#include "main_window.hpp"
+
+#include "about_tab.hpp"
+#include "language.hpp"
+#include "profile_file.hpp"
+
+#include "image/converter_tab.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "image/messages.hpp"
+#include "image/phone_file.hpp"
+#include "pictures/pictures_tab.hpp"
+#include "strings/code_page.hpp"
+#include "strings/strings_tab.hpp"
+#include "tones/tones_tab.hpp"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTabWidget>
+#include <QTimer>
+#include <QToolBar>
+#include <QUrl>
+
+namespace zevran::app {
+
+namespace {
+
+constexpr const char* kHomePage = "https://zevran-workshop.example.org/";
+constexpr int kStatusPanels = 7;
+
+// The pointer shows busy while a command works, and returns on every exit.
+class BusyPointer {
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
+QString fromBytes(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
+
+QAction* namedAction(const char* name, const QString& text, QObject* parent)
+{
+    auto* action = new QAction(text, parent);
+    action->setObjectName(name);
+    return action;
+}
+
+}  // namespace
+
+Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWidget* parent)
+    : QMainWindow(parent), m_programFolder(programFolder), m_dialogs(std::move(dialogs))
+{
+    if (!m_dialogs) m_dialogs = std::make_unique<QtDialogs>(this);
+    setObjectName("Form1");
+    setWindowTitle(QStringLiteral("Zevran Handset Workshop V1.11"));
+    setAcceptDrops(true);
+    buildTabs();
+    buildMenus();
+    buildToolBar();
+    buildStatusBar();
+    resize(1100, 720);
+}
+
+Form1::~Form1() = default;
+
+QString Form1::settingsPath() const { return m_programFolder + "/zevran.ini"; }
+
+QString Form1::filter(int number) const { return qtFilterFromClassic(m_texts.Filter[static_cast<std::size_t>(number)]); }
+
+void Form1::buildTabs()
+{
+    m_tabs = new QTabWidget(this);
+    m_tabs->setObjectName("SSTab1");
+    m_tonesTab = new tones::TonesTab(m_tabs);
+    m_stringsTab = new strings::StringsTab(m_tabs);
+    m_picturesTab = new pictures::PicturesTab(m_tabs);
+    m_converterTab = new image::ConverterTab(m_tabs);
+    m_aboutTab = new AboutTab(m_tabs);
+    m_tabs->addTab(m_tonesTab, tr("Ring tones"));
+    m_tabs->addTab(m_stringsTab, tr("Text strings"));
+    m_tabs->addTab(m_picturesTab, tr("Pictures"));
+    m_tabs->addTab(m_converterTab, tr("Converter"));
+    m_tabs->addTab(m_aboutTab, tr("About"));
+    setCentralWidget(m_tabs);
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
+        if (index == 4) m_aboutTab->startScroller();
+        else m_aboutTab->stopScroller();
+    });
+    connect(m_aboutTab, &AboutTab::homePageRequested, this, &Form1::homepage_Click);
+}
+
+void Form1::buildMenus()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->setObjectName("file");
+    QAction* open = file->addAction(tr("&Open..."));
+    open->setObjectName("menuopen");
+    open->setShortcut(QKeySequence::Open);
+    connect(open, &QAction::triggered, this, &Form1::menuopen_Click);
+    file->addSeparator()->setObjectName("line9");
+    m_languageMenu = file->addMenu(tr("&Language"));
+    m_languageMenu->setObjectName("menulanguage");
+    addLanguageItem(1, QStringLiteral("ChineseS"));
+    file->addSeparator()->setObjectName("line7");
+    QAction* exit = file->addAction(tr("E&xit"));
+    exit->setObjectName("menuexit");
+    exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(exit, &QAction::triggered, this, &QWidget::close);
+
+    QMenu* helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->setObjectName("menuhelp");
+    QAction* help = helpMenu->addAction(tr("&Help"));
+    help->setObjectName("help");
+    help->setShortcut(QKeySequence::HelpContents);
+    connect(help, &QAction::triggered, this, &Form1::help_Click);
+    QAction* homepage = helpMenu->addAction(tr("Home &page"));
+    homepage->setObjectName("homepage");
+    connect(homepage, &QAction::triggered, this, &Form1::homepage_Click);
+
+    // The pop-up menus of the lists; their commands are wired by the tabs.
+    const std::vector<std::pair<const char*, std::vector<const char*>>> popups{
+        {"menufile1", {"outputselect", "outputall", "-line1", "addaddress"}},
+        {"menufile2", {"addmmf"}},
+        {"menufile3", {"moveone", "moveall", "-line4", "movemmf", "moveallmmf", "-line3", "moveaddress",
+                       "movealladdress", "-line2", "outputs3", "outputaxf"}},
+        {"menufile4", {"Removeone", "Removeall", "-line5", "outputStrS3", "outputStraxf"}},
+        {"menufile5", {"outputpic", "outputpicall", "outputpics3"}},
+    };
+    int number = 1;
+    for (const auto& [name, items] : popups) {
+        auto* popup = new QMenu(QStringLiteral("Popup Menu%1").arg(number++), this);
+        popup->setObjectName(name);
+        for (const char* item : items) {
+            if (item[0] == '-') popup->addSeparator()->setObjectName(item + 1);
+            else popup->addAction(namedAction(item, QString::fromLatin1(item), popup));
+        }
+    }
+    for (const char* output : {"outputs3", "outputStrS3", "outputaxf", "outputStraxf"})
+        if (auto* action = findChild<QAction*>(output)) action->setEnabled(false);
+}
+
+QAction* Form1::addLanguageItem(int index, const QString& caption)
+{
+    QAction* item = m_languageMenu->addAction(caption);
+    item->setObjectName("languagNum");
+    item->setData(index);
+    item->setCheckable(true);
+    connect(item, &QAction::triggered, this, [this, index] { languagNum_Click(index); });
+    m_languageItems.push_back(item);
+    return item;
+}
+
+void Form1::buildToolBar()
+{
+    auto* bar = addToolBar(tr("Tools"));
+    bar->setObjectName("Toolbar1");
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    QAction* open = bar->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("Open"));
+    open->setObjectName("Open");
+    connect(open, &QAction::triggered, this, &Form1::menuopen_Click);
+    m_save = bar->addAction(style()->standardIcon(QStyle::SP_DialogSaveButton), tr("Save"));
+    m_save->setObjectName("Save");
+    m_save->setShortcut(QKeySequence::Save);
+    m_save->setEnabled(false);
+    connect(m_save, &QAction::triggered, this, [this] { Saveaxf(true); });
+    QAction* exit = bar->addAction(style()->standardIcon(QStyle::SP_DialogCloseButton), tr("Exit"));
+    exit->setObjectName("Exit");
+    connect(exit, &QAction::triggered, this, &QWidget::close);
+}
+
+void Form1::buildStatusBar()
+{
+    statusBar()->setObjectName("StatusBar1");
+    for (int number = 1; number <= kStatusPanels; ++number) {
+        auto* panel = new QLabel(statusBar());
+        panel->setObjectName(QStringLiteral("StatusBar1Panel%1").arg(number));
+        statusBar()->addWidget(panel, number == 6 ? 1 : 0);
+    }
+    setBusy(false);
+}
+
+void Form1::setBusy(bool busy)
+{
+    if (auto* panel = findChild<QLabel*>("StatusBar1Panel7"))
+        panel->setPixmap(style()->standardIcon(busy ? QStyle::SP_BrowserReload : QStyle::SP_DialogApplyButton).pixmap(16, 16));
+}
+
+void Form1::LoadSettings()
+{
+    const ProfileFile settings(settingsPath().toStdString());
+    const auto codePage = settings.read("Options", "Code Page");
+    m_codePage = codePage && !codePage->empty() ? *codePage : std::string(strings::kDefaultCodePage);
+    m_settings.Language = fromBytes(settings.ReadSetting("Language", "Language", ""));
+    BuildLanguageMenu();
+    m_settings.loadFolders(settings, m_programFolder);
+    m_tonesTab->setCurrentFolder(m_settings.mmfFilePath);
+    m_tabs->setTabEnabled(1, false);
+    m_tabs->setTabEnabled(2, false);
+    m_tabs->setCurrentIndex(0);
+    const std::string geometry = settings.read("Window", "Geometry").value_or("");
+    if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
+}
+
+void Form1::BuildLanguageMenu()
+{
+    const QDir folder(m_programFolder + "/language");
+    const QStringList files = folder.entryList({"*.ini"}, QDir::Files, QDir::Name);
+    if (files.isEmpty()) return;
+    for (int i = 0; i < files.size(); ++i) {
+        QAction* item = i == 0 ? m_languageItems[0] : addLanguageItem(i + 1, QString());
+        item->setText(files[i].left(files[i].size() - 4));
+        item->setChecked(m_settings.Language == files[i]);
+    }
+    if (m_settings.Language.isEmpty()) {
+        // A first run takes the first language's bare name and applies nothing yet.
+        m_settings.Language = m_languageItems[0]->text();
+        m_languageItems[0]->setChecked(true);
+        return;
+    }
+    ApplyLanguage(this, (m_programFolder + "/language/" + m_settings.Language).toStdString(), m_texts, m_codePage);
+}
+
+void Form1::languagNum_Click(int index)
+{
+    m_settings.Language = m_languageItems[static_cast<std::size_t>(index - 1)]->text() + ".ini";
+    ApplyLanguage(this, (m_programFolder + "/language/" + m_settings.Language).toStdString(), m_texts, m_codePage);
+    for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
+}
+
+void Form1::ShowMessage(int code)
+{
+    const auto style = image::messageStyle(code);
+    if (!style) return;
+    const MessageKind kind = style->icon == image::MessageIcon::Stop        ? MessageKind::Critical
+                             : style->icon == image::MessageIcon::Exclamation ? MessageKind::Warning
+                                                                              : MessageKind::Information;
+    m_dialogs->message(code, kind, m_texts.MsgTitle[static_cast<std::size_t>(style->titleNumber)],
+                       m_texts.MsgStr[static_cast<std::size_t>(code)]);
+}
+
+void Form1::showError(const QString& text) { m_dialogs->message(0, MessageKind::Critical, m_texts.MsgTitle[1], text); }
+
+void Form1::menuopen_Click()
+{
+    const QString path = m_dialogs->openFile(m_settings.MobileFilePath, filter(5), 2);
+    if (path.isEmpty()) return;
+    openPhoneFile(path);
+}
+
+void Form1::openPhoneFile(const QString& path)
+{
+    const std::string file = path.toStdString();
+    m_image.FirmwarePath = file;
+    m_settings.MobileFilePath = fromBytes(image::FolderOf(file));
+    setBusy(true);
+    std::vector<std::uint8_t> bytes;
+    try {
+        BusyPointer busy;
+        bytes = image::readWholeFile(file);
+    } catch (const std::exception& error) {
+        setBusy(false);
+        showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    setBusy(false);
+    if (bytes.empty()) {
+        ShowMessage(1);
+        return;
+    }
+    try {
+        image::setImage(m_image, file, std::move(bytes));
+    } catch (const std::exception& error) {
+        showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    QString version;
+    try {
+        version = versionText();
+    } catch (const image::VersionOutOfImage& error) {
+        showError(path + ": " + QString::fromUtf8(error.what()));
+        return;
+    }
+    findChild<QLabel*>("StatusBar1Panel6")->setText(fromBytes(image::FileNameOf(file)));
+    findChild<QLabel*>("StatusBar1Panel4")->setText(version);
+    m_tabs->setTabEnabled(1, true);
+    m_tabs->setTabEnabled(2, true);
+    m_image.FileKind = image::classifyPhoneFile(file);
+    enableOutputsForKind();
+    m_save->setEnabled(false);
+    m_image.ImageLoaded = m_image.FileKind != "other";
+    if (!m_image.ImageLoaded) ShowMessage(2);
+}
+
+QString Form1::versionText()
+{
+    const auto version = image::findVersionText(m_image);
+    if (!version) return m_texts.StatusBar1Str3;
+    return decodeLanguageValue(*version, false, m_codePage);
+}
+
+void Form1::enableOutputsForKind()
+{
+    const bool bin = m_image.FileKind == "bin";
+    const bool asf = m_image.FileKind == "asf";
+    for (const char* name : {"outputs3", "outputStrS3"}) findChild<QAction*>(name)->setEnabled(bin);
+    for (const char* name : {"outputaxf", "outputStraxf"}) findChild<QAction*>(name)->setEnabled(asf);
+}
+
+bool Form1::Saveaxf(bool showDone)
+{
+    try {
+        BusyPointer busy;
+        image::Saveaxf(m_image);
+    } catch (const std::exception& error) {
+        // The phone file is untouched and Save stays enabled, so the save can be tried again.
+        showError(QString::fromUtf8(error.what()));
+        return false;
+    }
+    m_save->setEnabled(false);
+    if (showDone) ShowMessage(21);
+    return true;
+}
+
+void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
+{
+    if (m_image.FileKind != "bin" || regions.empty()) return;
+    const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
+    if (path.isEmpty()) return;
+    m_settings.S3SavePath = fromBytes(image::FolderOf(path.toStdString()));
+    try {
+        BusyPointer busy;
+        image::writeSRecordPatch(path.toStdString(), regions);
+    } catch (const std::exception& error) {
+        showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    ShowMessage(10);
+}
+
+void Form1::patchInImage(const std::vector<image::Region>& regions)
+{
+    if (m_image.FileKind != "asf") return;
+    try {
+        image::patchImage(m_image, regions);
+    } catch (const std::exception& error) {
+        showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    m_save->setEnabled(true);
+    ShowMessage(13);
+}
+
+void Form1::help_Click()
+{
+    const QString path = m_programFolder + "/" + m_texts.HelpStr;
+    if (m_texts.HelpStr.isEmpty() || !QFileInfo(path).isFile()) {
+        ShowMessage(33);
+        return;
+    }
+    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void Form1::homepage_Click() { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }
+
+void Form1::closeEvent(QCloseEvent* event)
+{
+    if (!mayClose) {
+        ShowMessage(32);
+        event->ignore();
+        return;
+    }
+    if (m_save->isEnabled()) {
+        const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], m_texts.MsgStr[35]);
+        if (answer == Answer::Cancel || (answer == Answer::Yes && !Saveaxf(false))) {
+            event->ignore();
+            return;
+        }
+    }
+    const ProfileFile settings(settingsPath().toStdString());
+    m_settings.save(settings, m_tonesTab->currentFolder());
+    settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
+    m_picturesTab->Timer2->stop();
+    m_aboutTab->stopScroller();
+    event->accept();
+}
+
+void Form1::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void Form1::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) openPhoneFile(urls.first().toLocalFile());
+}
+
+}  // namespace zevran::app

@@ -1,0 +1,37 @@
+// The converter tab: S-record files to binary and back.
+#pragma once
+
+#include <QWidget>
+
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QRadioButton;
+
+namespace zevran::image {
+
+class ConverterTab : public QWidget {
+    Q_OBJECT
+public:
+    explicit ConverterTab(QWidget* parent = nullptr);
+
+    QPushButton* OpenS3File;
+    QLineEdit* Text1;   // S-record input
+    QRadioButton* AllAdd;
+    QRadioButton* PartAdd;
+    QLineEdit* Text3;   // fill byte of the full-address mode
+    QLineEdit* Text2;   // address of the record being converted
+    QPushButton* ComS3ToBin;
+    QProgressBar* ProgressBar3;
+    QPushButton* OpenBinFile;
+    QLineEdit* Text19;  // binary input
+    QRadioButton* AllAddressOption;
+    QRadioButton* PartAddressOption;
+    QRadioButton* FillDataOption;
+    QLineEdit* Text18;  // start address
+    QLineEdit* Text17;  // end address
+    QLineEdit* Text20;  // fill byte
+    QPushButton* ComBinToS3;
+};
+
+}  // namespace zevran::image
