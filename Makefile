@@ -9,8 +9,10 @@ FUZZ_SECONDS ?= 60
 PACKAGES       := cmake g++ make pkg-config qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
                   srecord binutils xvfb time
 FUZZ_PACKAGES  := clang libclang-rt-14-dev
+RUN_PACKAGES   := fonts-noto-cjk
+SCREENSHOT_PACKAGES := xvfb xauth
 
-.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run clean
+.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run screenshots clean
 
 all: build
 
@@ -47,8 +49,20 @@ fuzz: deps-fuzz
 	cmake --build $(FUZZ_BUILD) -j$(JOBS)
 	fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-run:
-	@echo "The workshop window is not built yet; zevran-cli is in $(BUILD)/bin after 'make build'."
+run: deps
+	@scripts/install-deps.sh $(RUN_PACKAGES)
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS) --target zevran zevran-cli
+	@test -f $(BUILD)/demo/demo.bin || $(BUILD)/bin/zevran-cli make-demo $(BUILD)/demo
+	$(BUILD)/bin/zevran $(BUILD)/demo/demo.bin
+
+screenshots: deps
+	@scripts/install-deps.sh $(RUN_PACKAGES) $(SCREENSHOT_PACKAGES)
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS) --target zevran zevran-cli
+	@test -f $(BUILD)/demo/demo.bin || $(BUILD)/bin/zevran-cli make-demo $(BUILD)/demo
+	xvfb-run -a -s "-screen 0 1280x800x24" $(BUILD)/bin/zevran --screenshots $(BUILD)/screenshots $(BUILD)/demo/demo.bin
+	@echo "Screenshots in $(BUILD)/screenshots/"
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

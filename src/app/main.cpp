@@ -5,6 +5,8 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QLockFile>
+#include <QTabWidget>
+#include <QTimer>
 
 int main(int argc, char** argv)
 {
@@ -14,6 +16,7 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addOption({"home", "The program folder (zevran.ini, language/, 16.dat).", "DIR"});
+    parser.addOption({"screenshots", "Saves a PNG of each tab into DIR and quits.", "DIR"});
     parser.addPositionalArgument("FILE", "A phone file to open.");
     parser.process(application);
 
@@ -31,5 +34,16 @@ int main(int argc, char** argv)
     window.LoadSettings();
     window.show();
     if (!parser.positionalArguments().isEmpty()) window.openPhoneFile(QDir().absoluteFilePath(parser.positionalArguments().first()));
+    if (parser.isSet("screenshots")) {
+        const QString folder = parser.value("screenshots");
+        QDir().mkpath(folder);
+        auto* tabs = window.findChild<QTabWidget*>("SSTab1");
+        for (int i = 0; i < tabs->count(); ++i) {
+            tabs->setCurrentIndex(i);
+            QApplication::processEvents();
+            window.grab().save(QStringLiteral("%1/tab-%2.png").arg(folder).arg(i));
+        }
+        return 0;
+    }
     return QApplication::exec();
 }
