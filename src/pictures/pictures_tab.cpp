@@ -15,29 +15,31 @@ using app::named;
 PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("PicturesTab");
-    auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Picture table"));
+    auto* table = new QWidget(this);
+    auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
     ListView5 = app::reportList("ListView5",
                                 {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
-                                frame16);
-    OpenPicTable = named(new QPushButton(frame16), "OpenPicTable", tr("Open table"));
-    SavePicTable = named(new QPushButton(frame16), "SavePicTable", tr("Save table"));
-    Check1 = named(new QCheckBox(frame16), "Check1", tr("Recompute frame sizes"));
-    Text21 = named(new QLineEdit(frame16), "Text21");
+                                table);
+    OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
+    SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
+    Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
+    Text21 = named(new QLineEdit(table), "Text21");
     Text21->setMaximumWidth(110);
-    ProgressBar2 = app::hiddenProgress("ProgressBar2", frame16);
+    ProgressBar2 = app::hiddenProgress("ProgressBar2", table);
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
     tableButtons->addWidget(Check1);
     tableButtons->addStretch();
-    tableButtons->addWidget(named(new QLabel(frame16), "Label25", tr("Address offset:")));
+    tableButtons->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
     tableButtons->addWidget(Text21);
-    auto* frame16Layout = new QVBoxLayout(frame16);
-    frame16Layout->addLayout(tableButtons);
-    frame16Layout->addWidget(ListView5, 1);
-    frame16Layout->addWidget(ProgressBar2);
+    auto* tableLayout = new QVBoxLayout(table);
+    tableLayout->setContentsMargins(0, 0, 0, 0);
+    tableLayout->addLayout(tableButtons);
+    tableLayout->addWidget(ListView5, 1);
+    tableLayout->addWidget(ProgressBar2);
 
-    Picture2 = named(new QLabel(this), "Picture2");
+    Picture2 = named(new QLabel(frame16), "Picture2");
     Picture2->setMinimumSize(256, 320);
     Picture2->setAlignment(Qt::AlignCenter);
     Picture2->setFrameShape(QFrame::StyledPanel);
@@ -67,15 +69,15 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     auto* steps = new QHBoxLayout;
     for (QWidget* control : std::initializer_list<QWidget*>{PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay, RepeatPlay})
         steps->addWidget(control);
-    auto* preview = new QVBoxLayout;
+    auto* preview = new QVBoxLayout(frame16);
     preview->addWidget(Picture2, 1);
     preview->addLayout(player);
     preview->addLayout(steps);
     preview->addWidget(Slider1);
 
     auto* layout = new QHBoxLayout(this);
-    layout->addWidget(frame16, 3);
-    layout->addLayout(preview, 2);
+    layout->addWidget(table, 3);
+    layout->addWidget(frame16, 2);
 }
 
 }  // namespace zevran::pictures
