@@ -21,5 +21,6 @@ std::vector<Command> imageCommands();
 std::vector<Command> toneCommands();
 std::vector<Command> stringCommands();
 std::vector<Command> pictureCommands();
+std::vector<Command> demoCommands();
 
 }  // namespace zevran::cli
