@@ -39,7 +39,8 @@ inline constexpr std::int64_t kMostPatchFrames = 32767;
 
 // The region of all frames of a row, bytes taken from the image as it stands;
 // nullopt for a row of length 0 (message 1). Throws std::out_of_range naming the row
-// for more than 32767 frames, a negative length, or bytes outside the image.
+// for more than 32767 frames, a negative length, or bytes outside the image, and
+// image::HexOverflow for an address above 7FFFFFFF.
 std::optional<image::Region> picturePatchRegion(const image::ImageState& state, const PictureEntry& row);
 
 }  // namespace zevran::pictures

@@ -11,9 +11,9 @@ namespace zevran::pictures {
 namespace {
 
 constexpr std::size_t kHeaderSize = 54;
-// Dimensions come from hand-typed tables; past this a frame is no handset picture and
-// is refused rather than allocated.
-constexpr std::int64_t kLargestPixelData = std::int64_t{1} << 28;
+// Dimensions come from hand-typed tables. A handset picture is at most 128 x 160 at
+// 24 bits (60 KiB); past 4 MiB a frame is a typing error and is refused, not allocated.
+constexpr std::int64_t kLargestPixelData = std::int64_t{1} << 22;
 
 void putLittle(std::vector<std::uint8_t>& bmp, std::size_t at, std::uint32_t value, int bytes)
 {
@@ -59,7 +59,12 @@ void flipRows(std::vector<std::uint8_t>& bmp, std::size_t offset, std::int64_t s
     const std::vector<std::uint8_t> assembled(data.begin(), data.end());
     std::fill(data.begin(), data.end(), 0);
     const auto size = static_cast<std::int64_t>(data.size());
-    for (std::int64_t r = 0; r < height; ++r) {
+    if (stride <= 0) return;
+    // Only rows that start inside the data and whose mirror row does too are visited:
+    // a typed height may reach 2^31 rows for a picture of a few bytes.
+    const std::int64_t fitting = (size + stride - 1) / stride;
+    const std::int64_t lastRow = std::min<std::int64_t>(height, fitting);
+    for (std::int64_t r = std::max<std::int64_t>(0, height - fitting); r < lastRow; ++r) {
         const std::int64_t from = r * stride;
         const std::int64_t to = (height - 1 - r) * stride;
         const std::int64_t count = std::min({stride, size - from, size - to});
@@ -152,6 +157,8 @@ std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::ui
     const std::int64_t stride = strideOf(width, bitsPerPixel);
     auto bmp = bmpShell(width, height, bitsPerPixel, compression, table, stride * height);
     const std::size_t offset = kHeaderSize + table.size();
+    // A width or height of 0 leaves no pixel data, however many rows the other names.
+    if (bmp.size() == offset) return bmp;
     std::uint8_t* data = bmp.data() + offset;
     switch (depth) {
     case 4: copyRows(image, address, width, height, 0.5, stride, data); break;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <limits>
 
 using namespace zevran::pictures;
 using Bytes = std::vector<std::uint8_t>;
@@ -114,6 +115,23 @@ TEST(PixelDecode, UnsupportedDepthsAreRefused)
 TEST(PixelDecode, AbsurdDimensionsAreRefusedNotAllocated)
 {
     EXPECT_THROW(decode({0}, 100000, 100000, 24), std::length_error);
+}
+
+// Found by picture_table_fuzz: a row "0*2147483647" walked every one of its 2^31 empty
+// rows, seconds a frame; the suite's time-out catches that walk coming back.
+TEST(PixelDecode, ZeroWidthWithTheTallestHeightGivesTheHeaderAtOnce)
+{
+    for (int depth : {4, 8, 12, 16, 24}) {
+        Bytes bmp = decode({1, 2, 3}, 0, std::numeric_limits<std::int32_t>::max(), depth);
+        EXPECT_EQ(field(bmp, 2, 4), bmp.size()) << depth;
+        EXPECT_EQ(field(bmp, 34, 4), 0u) << depth;
+    }
+}
+
+TEST(MonoDecode, ZeroWidthWithTheTallestHeightGivesTheHeaderAtOnce)
+{
+    Bytes bmp = monoFrameBmp(Bytes(768, 0xFF), 0, 0, std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(bmp.size(), 62u);
 }
 
 TEST(MonoDecode, ReadsTheDisplayMemoryColumnByColumnBottomPageFirst)
