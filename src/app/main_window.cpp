@@ -18,6 +18,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
@@ -358,6 +359,21 @@ void Form1::patchInImage(const std::vector<image::Region>& regions)
     }
     m_save->setEnabled(true);
     ShowMessage(13);
+}
+
+QString Form1::BrowseForFolder()
+{
+    // The prompt is the same in every language: it never came from the language files.
+    QString folder = m_dialogs->chooseFolder(QStringLiteral("请选择软件安装路径："));
+    if (!folder.isEmpty() && !folder.endsWith('/')) folder += '/';
+    return folder;
+}
+
+void Form1::Delay(double seconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(static_cast<int>(seconds * 1000), &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 void Form1::help_Click()

@@ -52,6 +52,11 @@ public:
     void writeSRecordPatch(const std::vector<image::Region>& regions);
     void patchInImage(const std::vector<image::Region>& regions);
 
+    // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
+    QString BrowseForFolder();
+    // Waits while the window goes on handling its events.
+    void Delay(double seconds);
+
     void languagNum_Click(int index);
     void help_Click();
     void homepage_Click();

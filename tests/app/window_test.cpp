@@ -334,6 +334,16 @@ private slots:
         QCOMPARE(m_dialogs->messages[0].title, QString("Warning"));
     }
 
+    void folderChooserUsesItsFixedPromptAndEndsInASlash()
+    {
+        auto window = startWindow();
+        m_dialogs->folders = {"/data/pictures", "/", ""};
+        QCOMPARE(window->BrowseForFolder(), QString("/data/pictures/"));
+        QCOMPARE(window->BrowseForFolder(), QString("/"));
+        QCOMPARE(window->BrowseForFolder(), QString());
+        QCOMPARE(m_dialogs->asked.first(), QString::fromUtf8("folder \xE8\xAF\xB7\xE9\x80\x89\xE6\x8B\xA9\xE8\xBD\xAF\xE4\xBB\xB6\xE5\xAE\x89\xE8\xA3\x85\xE8\xB7\xAF\xE5\xBE\x84\xEF\xBC\x9A"));
+    }
+
     void missingHelpDocumentIsMessage33()
     {
         auto window = startWindow();
