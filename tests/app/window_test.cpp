@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
+#include <QProcess>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -342,6 +343,28 @@ private slots:
         QCOMPARE(window->BrowseForFolder(), QString("/"));
         QCOMPARE(window->BrowseForFolder(), QString());
         QCOMPARE(m_dialogs->asked.first(), QString::fromUtf8("folder \xE8\xAF\xB7\xE9\x80\x89\xE6\x8B\xA9\xE8\xBD\xAF\xE4\xBB\xB6\xE5\xAE\x89\xE8\xA3\x85\xE8\xB7\xAF\xE5\xBE\x84\xEF\xBC\x9A"));
+    }
+
+    void secondStartInTheSameProgramFolderEndsQuietly()
+    {
+        QProcess first;
+        first.setProcessEnvironment([] {
+            auto environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("QT_QPA_PLATFORM", "offscreen");
+            return environment;
+        }());
+        QProcess second;
+        second.setProcessEnvironment(first.processEnvironment());
+        first.start(ZEVRAN_WINDOW_PROGRAM, {"--home", m_home.path()});
+        QVERIFY(first.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_home.path() + "/zevran.lock"), 20000);
+        second.start(ZEVRAN_WINDOW_PROGRAM, {"--home", m_home.path()});
+        QVERIFY(second.waitForFinished(20000));
+        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.exitCode(), 0);
+        QCOMPARE(first.state(), QProcess::Running);
+        first.kill();
+        first.waitForFinished();
     }
 
     void missingHelpDocumentIsMessage33()
