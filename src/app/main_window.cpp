@@ -261,7 +261,6 @@ void Form1::menuopen_Click()
 void Form1::openPhoneFile(const QString& path)
 {
     const std::string file = path.toStdString();
-    m_image.FirmwarePath = file;
     m_settings.MobileFilePath = fromBytes(image::FolderOf(file));
     setBusy(true);
     std::vector<std::uint8_t> bytes;
@@ -269,11 +268,13 @@ void Form1::openPhoneFile(const QString& path)
         BusyPointer busy;
         bytes = image::readWholeFile(file);
     } catch (const std::exception& error) {
+        // The image and its path stay as they were, so a later save cannot land elsewhere.
         setBusy(false);
         showError(QString::fromUtf8(error.what()));
         return;
     }
     setBusy(false);
+    m_image.FirmwarePath = file;
     if (bytes.empty()) {
         ShowMessage(1);
         return;

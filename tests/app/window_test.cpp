@@ -217,9 +217,12 @@ private slots:
     void unreadableFileSaysWhichFile()
     {
         auto window = startWindow();
+        const QString path = phoneFile("a.asf", "abc");
+        window->openPhoneFile(path);
         window->openPhoneFile(m_home.path() + "/missing.bin");
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.contains("missing.bin"));
+        QCOMPARE(QString::fromStdString(window->imageState().FirmwarePath), path);
     }
 
     void inImagePatchEnablesSaveAndSaveWritesTheFile()
