@@ -97,6 +97,7 @@ void Form1::buildTabs()
         else m_aboutTab->stopScroller();
     });
     connect(m_aboutTab, &AboutTab::homePageRequested, this, &Form1::homepage_Click);
+    m_converterTab->attach(this);
 }
 
 void Form1::buildMenus()
@@ -391,7 +392,7 @@ void Form1::homepage_Click() { QDesktopServices::openUrl(QUrl(QString::fromLatin
 
 void Form1::closeEvent(QCloseEvent* event)
 {
-    if (!mayClose) {
+    if (!mayClose || m_converterTab->converting()) {
         ShowMessage(32);
         event->ignore();
         return;

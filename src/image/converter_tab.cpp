@@ -72,3 +72,180 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
 }
 
 }  // namespace zevran::image
+
+// ---- commands ----
+
+#include "app/main_window.hpp"
+#include "converter.hpp"
+#include "file_io.hpp"
+#include "hex_text.hpp"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <fstream>
+
+namespace zevran::image {
+
+namespace {
+
+// Progress is counted in KiB of input so a file of several GiB still fits the bar.
+int kibibytes(std::uint64_t bytes) { return static_cast<int>(std::min<std::uint64_t>(bytes / 1024, 0x7FFFFFFF)); }
+
+constexpr std::size_t kSliceBytes = 256 * 1024;
+
+}  // namespace
+
+void ConverterTab::attach(app::Form1* window)
+{
+    m_window = window;
+    connect(OpenS3File, &QPushButton::clicked, this, &ConverterTab::OpenS3File_Click);
+    connect(OpenBinFile, &QPushButton::clicked, this, &ConverterTab::OpenBinFile_Click);
+    connect(ComS3ToBin, &QPushButton::clicked, this, &ConverterTab::ComS3ToBin_Click);
+    connect(ComBinToS3, &QPushButton::clicked, this, &ConverterTab::ComBinToS3_Click);
+    for (QRadioButton* option : {AllAdd, PartAdd, AllAddressOption, PartAddressOption, FillDataOption})
+        connect(option, &QRadioButton::toggled, this, &ConverterTab::updateEnabled);
+    updateEnabled();
+}
+
+void ConverterTab::updateEnabled()
+{
+    const bool fill = AllAdd->isChecked();
+    Text3->setEnabled(fill);
+    if (auto* label = findChild<QLabel*>("Label2")) label->setEnabled(fill);
+    const bool range = !AllAddressOption->isChecked();
+    for (QWidget* control : std::initializer_list<QWidget*>{Text18, Text17, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
+        if (control) control->setEnabled(range);
+}
+
+void ConverterTab::OpenS3File_Click()
+{
+    const QString path = m_window->dialogs().openFile(m_window->settings().S3SavePath, m_window->filter(1), 2);
+    if (path.isEmpty()) return;
+    m_window->settings().S3SavePath = QString::fromStdString(FolderOf(path.toStdString()));
+    Text1->setText(path);
+}
+
+void ConverterTab::OpenBinFile_Click()
+{
+    const QString path = m_window->dialogs().openFile(m_window->settings().MobileFilePath, m_window->filter(3), 2);
+    if (path.isEmpty()) return;
+    m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
+    Text19->setText(path);
+}
+
+void ConverterTab::ComS3ToBin_Click()
+{
+    if (m_converting) {
+        // Honoured after the current slice: files closed, partial output kept.
+        m_stopRequested = true;
+        ComS3ToBin->setText(QStringLiteral("s3->bin"));
+        return;
+    }
+    if (Text1->text().isEmpty()) {
+        m_window->ShowMessage(kMessageNoInputFile);
+        return;
+    }
+    convertS3ToBin();
+}
+
+void ConverterTab::convertS3ToBin()
+{
+    const std::string input = Text1->text().toStdString();
+    const std::string output = convertedOutputPath(input, ".bin");
+    S3ToBinOptions options;
+    options.mode = AllAdd->isChecked() ? S3ToBinMode::FullAddress : S3ToBinMode::DataOnly;
+    try {
+        options.fill = fillByteFromText(Text3->text().toStdString());
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    std::ifstream in(input, std::ios::binary);
+    if (!in || QFileInfo(Text1->text()).isDir()) {
+        m_window->showError(QString::fromStdString(describeErrno(input, errno ? errno : ENOENT)));
+        return;
+    }
+    std::ofstream out(output, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        m_window->showError(QString::fromStdString(describeErrno(output, errno ? errno : EIO)));
+        return;
+    }
+    m_converting = true;
+    m_stopRequested = false;
+    ComS3ToBin->setText(m_window->texts().ComS3ToBin);
+    ProgressBar3->setRange(0, std::max(1, kibibytes(QFileInfo(Text1->text()).size())));
+    ProgressBar3->setValue(0);
+    ProgressBar3->setVisible(true);
+    SRecordToBinary converter(in, out, options);
+    QString failure;
+    try {
+        while (!m_stopRequested && converter.convertSome(kSliceBytes)) {
+            Text2->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
+            ProgressBar3->setValue(kibibytes(converter.inputBytesRead()));
+            QApplication::processEvents();
+        }
+        if (!m_stopRequested) {
+            Text2->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
+            ProgressBar3->setValue(ProgressBar3->maximum());
+        }
+        converter.flush();
+    } catch (const std::exception& error) {
+        failure = QString::fromStdString(input) + ": " + QString::fromUtf8(error.what());
+    }
+    out.close();
+    m_converting = false;
+    ProgressBar3->setVisible(false);
+    ProgressBar3->reset();
+    ComS3ToBin->setText(QStringLiteral("s3->bin"));
+    if (!failure.isEmpty()) m_window->showError(failure + " (the output so far stays in " + QString::fromStdString(output) + ")");
+    else if (!m_stopRequested) m_window->ShowMessage(10);
+}
+
+void ConverterTab::ComBinToS3_Click()
+{
+    BinToS3Fields fields;
+    fields.mode = AllAddressOption->isChecked() ? BinToS3Mode::WholeFile
+                  : PartAddressOption->isChecked() ? BinToS3Mode::FileAtRange
+                                                   : BinToS3Mode::FillOnly;
+    fields.startText = Text18->text().toStdString();
+    fields.endText = Text17->text().toStdString();
+    fields.fillText = Text20->text().toStdString();
+    fields.inputPath = Text19->text().toStdString();
+    try {
+        BinToS3Check check = checkBinToS3Fields(fields);
+        if (check.message != 0) {
+            m_window->ShowMessage(check.message);
+            return;
+        }
+        std::string output;
+        std::ifstream in;
+        if (fields.mode == BinToS3Mode::FillOnly) {
+            const QString path = m_window->dialogs().saveFile(m_window->settings().MobileFilePath, m_window->filter(1), 2);
+            if (path.isEmpty()) return;
+            m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
+            output = path.toStdString();
+        } else {
+            in.open(fields.inputPath, std::ios::binary);
+            if (!in || QFileInfo(Text19->text()).isDir())
+                throw FileError(describeErrno(fields.inputPath, errno ? errno : ENOENT));
+            output = convertedOutputPath(fields.inputPath, ".s3");
+        }
+        if (fields.mode == BinToS3Mode::WholeFile) {
+            const auto size = QFileInfo(Text19->text()).size();
+            if (size <= 0) throw FileError(fields.inputPath + ": the file is empty, there is nothing to convert");
+            check.start = 0;
+            check.end = static_cast<std::uint32_t>(size - 1);
+        }
+        std::ofstream out(output, std::ios::binary | std::ios::trunc);
+        if (!out) throw FileError(describeErrno(output, errno ? errno : EIO));
+        binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
+        out.close();
+        if (!out) throw FileError(output + ": could not be written (disk full?)");
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    m_window->ShowMessage(10);
+}
+
+}  // namespace zevran::image

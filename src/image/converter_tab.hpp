@@ -8,12 +8,23 @@ class QProgressBar;
 class QPushButton;
 class QRadioButton;
 
+namespace zevran::app { class Form1; }
+
 namespace zevran::image {
 
 class ConverterTab : public QWidget {
     Q_OBJECT
 public:
     explicit ConverterTab(QWidget* parent = nullptr);
+
+    // The window whose dialogs, folders and messages the commands use.
+    void attach(app::Form1* window);
+
+    void OpenS3File_Click();
+    void OpenBinFile_Click();
+    void ComS3ToBin_Click();
+    void ComBinToS3_Click();
+    bool converting() const { return m_converting; }
 
     QPushButton* OpenS3File;
     QLineEdit* Text1;   // S-record input
@@ -32,6 +43,14 @@ public:
     QLineEdit* Text17;  // end address
     QLineEdit* Text20;  // fill byte
     QPushButton* ComBinToS3;
+
+private:
+    void updateEnabled();
+    void convertS3ToBin();
+
+    app::Form1* m_window = nullptr;
+    bool m_converting = false;
+    bool m_stopRequested = false;
 };
 
 }  // namespace zevran::image

@@ -1,0 +1,194 @@
+// The converter tab through the dialogs double: every failure, the documented edge
+// cases, and a stop in the middle of a long conversion.
+#include "scripted_dialogs.hpp"
+
+#include "app/main_window.hpp"
+#include "image/converter_tab.hpp"
+
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using zevran::app::Form1;
+using zevran::image::ConverterTab;
+using zevran::test::ScriptedDialogs;
+
+namespace {
+
+void writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+QByteArray readBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+const QByteArray kTwoRecords = "S00600004844521B\r\nS3090000001001020304DC\r\nS3090000002005060708BC\r\nS705A002000058\r\n";
+
+}  // namespace
+
+class ConverterTabTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+    std::unique_ptr<Form1> m_window;
+    ScriptedDialogs* m_dialogs = nullptr;
+    ConverterTab* m_tab = nullptr;
+
+    QString path(const QString& name) const { return m_home.path() + "/" + name; }
+
+private slots:
+    void init()
+    {
+        auto dialogs = std::make_unique<ScriptedDialogs>();
+        m_dialogs = dialogs.get();
+        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
+        m_window->LoadSettings();
+        m_tab = m_window->findChild<ConverterTab*>();
+    }
+    void cleanup() { m_window.reset(); }
+
+    void emptyS3InputShowsMessage31()
+    {
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{31});
+    }
+
+    void twoRecordsInFullAddressModeFillTheGap()
+    {
+        writeBytes(path("two.s3"), kTwoRecords);
+        m_tab->Text1->setText(path("two.s3"));
+        m_tab->Text3->setText("00");
+        m_tab->ComS3ToBin->click();
+        QByteArray expected(0x24, '\0');
+        expected.replace(0x10, 4, "\x01\x02\x03\x04");
+        expected.replace(0x20, 4, "\x05\x06\x07\x08");
+        QCOMPARE(readBytes(path("two.bin")), expected);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
+        QCOMPARE(m_tab->Text2->text(), QString("00000020"));
+        QVERIFY(m_tab->ProgressBar3->isHidden());
+    }
+
+    void twoRecordsInDataOnlyModeGiveEightBytes()
+    {
+        writeBytes(path("two.s3"), kTwoRecords);
+        m_tab->Text1->setText(path("two.s3"));
+        m_tab->PartAdd->setChecked(true);
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(readBytes(path("two.bin")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
+    }
+
+    void badLineNamesItsNumberAndKeepsThePartialOutput()
+    {
+        writeBytes(path("bad.s3"), "S30600000000AA4F\r\nS304000000\r\n");
+        m_tab->Text1->setText(path("bad.s3"));
+        m_tab->PartAdd->setChecked(true);
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QVERIFY(m_dialogs->messages[0].text.contains("line 2"));
+        QCOMPARE(readBytes(path("bad.bin")), QByteArray("\xAA"));
+        QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
+    }
+
+    void stopInTheMiddleKeepsThePartialOutputAndHidesTheBar()
+    {
+        QByteArray text;
+        for (int address = 0; address < 0x100000; address += 16)
+            text += "S315" + QByteArray::number(address, 16).toUpper().rightJustified(8, '0') +
+                    "000102030405060708090A0B0C0D0E0F00\r\n";
+        writeBytes(path("big.s3"), text);
+        m_tab->Text1->setText(path("big.s3"));
+        m_tab->PartAdd->setChecked(true);
+        bool sawRunning = false;
+        QTimer::singleShot(0, this, [&] {
+            sawRunning = m_tab->converting() && !m_tab->ProgressBar3->isHidden();
+            m_tab->ComS3ToBin->click();
+        });
+        m_tab->ComS3ToBin->click();
+        QVERIFY(sawRunning);
+        QVERIFY(!m_tab->converting());
+        QVERIFY(m_tab->ProgressBar3->isHidden());
+        QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
+        const qint64 written = QFileInfo(path("big.bin")).size();
+        QVERIFY(written > 0);
+        QVERIFY(written < 0x100000);
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void seventeenByteFileGivesAFullLineAndACountSixLine()
+    {
+        writeBytes(path("b.bin"), QByteArray("\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10", 17));
+        m_tab->Text19->setText(path("b.bin"));
+        m_tab->ComBinToS3->click();
+        QCOMPARE(readBytes(path("b.s3")), QByteArray("S00600004844521B\r\n"
+                                                     "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
+                                                     "S3060000001010D9\r\n"
+                                                     "S705A002000058\r\n"));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
+    }
+
+    void fillOnlyRangeIsWrittenWhereTheUserChooses()
+    {
+        m_tab->FillDataOption->setChecked(true);
+        m_tab->Text18->setText("0");
+        m_tab->Text17->setText("0F");
+        m_tab->Text20->setText("FF");
+        m_dialogs->files.push_back(path("fill.s3"));
+        m_tab->ComBinToS3->click();
+        QCOMPARE(readBytes(path("fill.s3")),
+                 QByteArray("S00600004844521B\r\nS31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\nS705A002000058\r\n"));
+        QCOMPARE(m_window->settings().MobileFilePath, m_home.path());
+    }
+
+    void rangeFieldsAreCheckedInOrder()
+    {
+        m_tab->PartAddressOption->setChecked(true);
+        m_tab->ComBinToS3->click();
+        m_tab->Text18->setText("10");
+        m_tab->ComBinToS3->click();
+        m_tab->Text17->setText("10");
+        m_tab->ComBinToS3->click();
+        m_tab->Text17->setText("20");
+        m_tab->ComBinToS3->click();
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{28, 29, 30, 31}));
+    }
+
+    void optionsEnableTheirFields()
+    {
+        m_tab->PartAdd->setChecked(true);
+        QVERIFY(!m_tab->Text3->isEnabled());
+        m_tab->AllAdd->setChecked(true);
+        QVERIFY(m_tab->Text3->isEnabled());
+        QVERIFY(!m_tab->Text18->isEnabled());
+        QVERIFY(!m_tab->Text17->isEnabled());
+        m_tab->PartAddressOption->setChecked(true);
+        QVERIFY(m_tab->Text18->isEnabled());
+        QVERIFY(m_tab->findChild<QLabel*>("Label36")->isEnabled());
+    }
+
+    void chosenInputsFillTheirBoxesAndFolders()
+    {
+        m_dialogs->files = {path("in.s3"), path("in.bin")};
+        m_tab->OpenS3File->click();
+        m_tab->OpenBinFile->click();
+        QCOMPARE(m_tab->Text1->text(), path("in.s3"));
+        QCOMPARE(m_tab->Text19->text(), path("in.bin"));
+        QCOMPARE(m_window->settings().S3SavePath, m_home.path());
+        QVERIFY(m_dialogs->asked[0].endsWith("|2"));
+    }
+};
+
+QTEST_MAIN(ConverterTabTest)
+#include "converter_tab_test.moc"
