@@ -1,10 +1,17 @@
 #include "converter_tab.hpp"
 
+#include "app/main_window.hpp"
 #include "app/widget_helpers.hpp"
+#include "converter.hpp"
+#include "file_io.hpp"
+#include "hex_text.hpp"
 
+#include <QApplication>
 #include <QButtonGroup>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QVBoxLayout>
+#include <fstream>
 
 namespace zevran::image {
 
@@ -70,21 +77,6 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     layout->addWidget(frame19);
     layout->addStretch();
 }
-
-}  // namespace zevran::image
-
-// ---- commands ----
-
-#include "app/main_window.hpp"
-#include "converter.hpp"
-#include "file_io.hpp"
-#include "hex_text.hpp"
-
-#include <QApplication>
-#include <QFileInfo>
-#include <fstream>
-
-namespace zevran::image {
 
 namespace {
 
