@@ -1,5 +1,6 @@
 // The converter tab through the dialogs double: every failure, the documented edge
 // cases, and a stop in the middle of a long conversion.
+#include "qt_files.hpp"
 #include "scripted_dialogs.hpp"
 
 #include "app/main_window.hpp"
@@ -17,22 +18,11 @@
 
 using zevran::app::Form1;
 using zevran::image::ConverterTab;
+using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
+using zevran::test::writeBytes;
 
 namespace {
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 const QByteArray kTwoRecords = "S00600004844521B\r\nS3090000001001020304DC\r\nS3090000002005060708BC\r\nS705A002000058\r\n";
 

@@ -1,5 +1,6 @@
 // The window's life cycle through the dialogs double: start-up, language, opening,
 // in-image patches, saving and shut-down.
+#include "qt_files.hpp"
 #include "scripted_dialogs.hpp"
 
 #include "app/main_window.hpp"
@@ -19,22 +20,11 @@
 
 using zevran::app::Answer;
 using zevran::app::Form1;
+using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
+using zevran::test::writeBytes;
 
 namespace {
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // A small language file: a few captions and messages, every other key left out.
 const QByteArray kEnglish =
