@@ -10,7 +10,6 @@
 #include "image/phone_file.hpp"
 #include "image/srecord_reader.hpp"
 
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -47,37 +46,6 @@ std::uint32_t addressArgument(const std::string& text, const std::string& what)
     }
 }
 
-// Refuses to write over the input: a conversion opens its output before reading.
-void refuseSameFile(const std::string& input, const std::string& output)
-{
-    std::error_code error;
-    if (std::filesystem::equivalent(input, output, error))
-        throw std::runtime_error(output + ": the output would overwrite the input " + input);
-}
-
-std::ofstream openOutput(const std::string& path)
-{
-    errno = 0;
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) throw FileError(describeErrno(path, errno ? errno : EIO));
-    return out;
-}
-
-std::ifstream openInput(const std::string& path)
-{
-    if (std::filesystem::is_directory(path)) throw FileError(path + ": is a folder, not a file");
-    errno = 0;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
-    return in;
-}
-
-void closeOutput(std::ofstream& out, const std::string& path)
-{
-    out.close();
-    if (!out) throw FileError(path + ": could not be written (disk full?)");
-}
-
 int runInfo(const std::vector<std::string>& words, const Context&)
 {
     Arguments args(words, {}, {});
@@ -106,9 +74,9 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     options.anyRecords = args.has("--any-records");
     const std::string& input = args.positional()[0];
     const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".bin"));
-    std::ifstream in = openInput(input);
+    std::ifstream in = openInputFile(input);
     refuseSameFile(input, output);
-    std::ofstream out = openOutput(output);
+    std::ofstream out = openOutputFile(output);
     SRecordToBinary converter(in, out, options);
     try {
         converter.convertAll();
@@ -116,7 +84,7 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
         out.close();
         throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");
     }
-    closeOutput(out, output);
+    closeOutputFile(out, output);
     return 0;
 }
 
@@ -128,8 +96,7 @@ int runBinToS3(const std::vector<std::string>& words, const Context&)
     const std::uint8_t fill = fillArgument(args.value("--fill"));
     const std::string& input = args.positional()[0];
     const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".s3"));
-    std::ifstream in = openInput(input);
-    const auto size = std::filesystem::file_size(input);
+    std::ifstream in = openInputFile(input);
     std::uint32_t start = 0;
     std::uint32_t end = 0;
     if (args.has("--start")) {
@@ -137,14 +104,12 @@ int runBinToS3(const std::vector<std::string>& words, const Context&)
         end = addressArgument(*args.value("--end"), "--end");
         if (end <= start) throw std::runtime_error("the end address must lie above the start address");
     } else {
-        if (size == 0) throw std::runtime_error(input + ": the file is empty, there is nothing to convert");
-        if (size > 0x80000000u) throw std::runtime_error(input + ": the file reaches past the highest address 7FFFFFFF");
-        end = static_cast<std::uint32_t>(size - 1);
+        end = wholeFileLastAddress(input);
     }
     refuseSameFile(input, output);
-    std::ofstream out = openOutput(output);
+    std::ofstream out = openOutputFile(output);
     binaryToSRecord(&in, out, start, end, fill);
-    closeOutput(out, output);
+    closeOutputFile(out, output);
     return 0;
 }
 
@@ -159,9 +124,9 @@ int runFillS3(const std::vector<std::string>& words, const Context&)
     if (end <= start) throw std::runtime_error("the end address must lie above the start address");
     const std::uint8_t fill = fillArgument(args.value("--fill"));
     const std::string output = *args.value("-o");
-    std::ofstream out = openOutput(output);
+    std::ofstream out = openOutputFile(output);
     binaryToSRecord(nullptr, out, start, end, fill);
-    closeOutput(out, output);
+    closeOutputFile(out, output);
     return 0;
 }
 
@@ -175,7 +140,7 @@ int runApplyPatch(const std::vector<std::string>& words, const Context&)
     const std::string output = *args.value("-o");
     refuseSameFile(imagePath, output);
     std::vector<std::uint8_t> image = readWholeFile(imagePath);
-    std::ifstream patch = openInput(patchPath);
+    std::ifstream patch = openInputFile(patchPath);
     LineSplitter lines;
     SRecordData record;
     std::uint64_t lineNumber = 0;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 namespace zevran::image {
 
@@ -148,6 +149,16 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
     out.write(S7Line.data(), static_cast<std::streamsize>(S7Line.size()));
     out.flush();
     if (!out) throw FileError("the S-record output could not be written (disk full?)");
+}
+
+std::uint32_t wholeFileLastAddress(const std::string& path)
+{
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error) throw FileError(describeErrno(path, error.value()));
+    if (size == 0) throw FileError(path + ": the file is empty, there is nothing to convert");
+    if (size > 0x80000000u) throw FileError(path + ": the file reaches past the highest address 7FFFFFFF");
+    return static_cast<std::uint32_t>(size - 1);
 }
 
 std::uint8_t fillByteFromText(const std::string& text)

@@ -69,6 +69,10 @@ private:
 void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t start, std::uint32_t end,
                      std::uint8_t fill);
 
+// The last address of a whole binary file placed from address 0. Throws FileError for
+// an empty file or one that reaches past 7FFFFFFF.
+std::uint32_t wholeFileLastAddress(const std::string& path);
+
 enum class BinToS3Mode {
     WholeFile,    // the file at addresses 0 .. length - 1
     FileAtRange,  // the file placed at start .. end, cut or filled

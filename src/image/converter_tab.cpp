@@ -146,20 +146,15 @@ void ConverterTab::convertS3ToBin()
     const std::string output = convertedOutputPath(input, ".bin");
     S3ToBinOptions options;
     options.mode = AllAdd->isChecked() ? S3ToBinMode::FullAddress : S3ToBinMode::DataOnly;
+    std::ifstream in;
+    std::ofstream out;
     try {
         options.fill = fillByteFromText(Text3->text().toStdString());
+        in = openInputFile(input);
+        refuseSameFile(input, output);
+        out = openOutputFile(output);
     } catch (const std::exception& error) {
         m_window->showError(QString::fromUtf8(error.what()));
-        return;
-    }
-    std::ifstream in(input, std::ios::binary);
-    if (!in || QFileInfo(Text1->text()).isDir()) {
-        m_window->showError(QString::fromStdString(describeErrno(input, errno ? errno : ENOENT)));
-        return;
-    }
-    std::ofstream out(output, std::ios::binary | std::ios::trunc);
-    if (!out) {
-        m_window->showError(QString::fromStdString(describeErrno(output, errno ? errno : EIO)));
         return;
     }
     m_converting = true;
@@ -217,22 +212,17 @@ void ConverterTab::ComBinToS3_Click()
             m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
             output = path.toStdString();
         } else {
-            in.open(fields.inputPath, std::ios::binary);
-            if (!in || QFileInfo(Text19->text()).isDir())
-                throw FileError(describeErrno(fields.inputPath, errno ? errno : ENOENT));
+            in = openInputFile(fields.inputPath);
             output = convertedOutputPath(fields.inputPath, ".s3");
+            refuseSameFile(fields.inputPath, output);
         }
         if (fields.mode == BinToS3Mode::WholeFile) {
-            const auto size = QFileInfo(Text19->text()).size();
-            if (size <= 0) throw FileError(fields.inputPath + ": the file is empty, there is nothing to convert");
             check.start = 0;
-            check.end = static_cast<std::uint32_t>(size - 1);
+            check.end = wholeFileLastAddress(fields.inputPath);
         }
-        std::ofstream out(output, std::ios::binary | std::ios::trunc);
-        if (!out) throw FileError(describeErrno(output, errno ? errno : EIO));
+        std::ofstream out = openOutputFile(output);
         binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
-        out.close();
-        if (!out) throw FileError(output + ": could not be written (disk full?)");
+        closeOutputFile(out, output);
     } catch (const std::exception& error) {
         m_window->showError(QString::fromUtf8(error.what()));
         return;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,6 +44,37 @@ void writeAll(int fd, std::span<const std::uint8_t> bytes, const std::string& pa
 std::string describeErrno(const std::string& path, int errorNumber)
 {
     return path + ": " + std::strerror(errorNumber);
+}
+
+std::ifstream openInputFile(const std::string& path)
+{
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) throw FileError(path + ": is a folder, not a file");
+    errno = 0;
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
+    return in;
+}
+
+std::ofstream openOutputFile(const std::string& path)
+{
+    errno = 0;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) throw FileError(describeErrno(path, errno ? errno : EIO));
+    return out;
+}
+
+void closeOutputFile(std::ofstream& out, const std::string& path)
+{
+    out.close();
+    if (!out) throw FileError(path + ": could not be written (disk full?)");
+}
+
+void refuseSameFile(const std::string& input, const std::string& output)
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(input, output, error))
+        throw FileError(output + ": the output would overwrite the input " + input);
 }
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path)

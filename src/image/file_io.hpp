@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -21,6 +22,19 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path);
 // Writes the bytes to a temporary file in the same folder and renames it over
 // `path`, so a failed or interrupted write never leaves a half-written file behind.
 void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes);
+
+// A file opened for reading in binary; throws FileError naming the path (also for a folder).
+std::ifstream openInputFile(const std::string& path);
+
+// A file created or emptied for writing in binary; throws FileError naming the path.
+std::ofstream openOutputFile(const std::string& path);
+
+// Closes an output and throws FileError when what was written did not all reach the disk.
+void closeOutputFile(std::ofstream& out, const std::string& path);
+
+// Throws FileError when `output` is the file `input`: a conversion empties its output
+// before it reads the input.
+void refuseSameFile(const std::string& input, const std::string& output);
 
 // "path: cause" with the cause of the last failed C library call.
 std::string describeErrno(const std::string& path, int errorNumber);

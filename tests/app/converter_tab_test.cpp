@@ -129,6 +129,16 @@ private slots:
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
     }
 
+    void binaryWhoseOutputWouldBeItselfIsRefusedAndKept()
+    {
+        writeBytes(path("image.s3"), "raw bytes");
+        m_tab->Text19->setText(path("image.s3"));
+        m_tab->ComBinToS3->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QVERIFY(m_dialogs->messages[0].text.contains("would overwrite the input"));
+        QCOMPARE(readBytes(path("image.s3")), QByteArray("raw bytes"));
+    }
+
     void fillOnlyRangeIsWrittenWhereTheUserChooses()
     {
         m_tab->FillDataOption->setChecked(true);
