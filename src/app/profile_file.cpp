@@ -1,6 +1,7 @@
 #include "profile_file.hpp"
 
 #include "image/file_io.hpp"
+#include "image/table_text.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -16,20 +17,18 @@ struct Line {
     std::size_t next;     // first byte of the next line
 };
 
+// The table-file line reading, with each line's place in the text kept, since a write
+// splices the text around one line.
 std::vector<Line> splitLines(std::string_view text)
 {
+    const auto views = image::splitTextLines(text);
     std::vector<Line> lines;
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t end = text.find_first_of("\r\n", pos);
-        if (end == std::string_view::npos) {
-            lines.push_back({pos, text.size(), text.size()});
-            break;
-        }
-        std::size_t next = end + 1;
-        if (text[end] == '\r' && next < text.size() && text[next] == '\n') ++next;
-        lines.push_back({pos, end, next});
-        pos = next;
+    lines.reserve(views.size());
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        const auto begin = static_cast<std::size_t>(views[i].data() - text.data());
+        const std::size_t next = i + 1 < views.size() ? static_cast<std::size_t>(views[i + 1].data() - text.data())
+                                                     : text.size();
+        lines.push_back({begin, begin + views[i].size(), next});
     }
     return lines;
 }
