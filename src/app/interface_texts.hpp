@@ -14,6 +14,11 @@ struct InterfaceTexts {
     QString HelpStr;                  // the help document, relative to the program folder
     QString StatusBar1Str3;           // the version text when no marker is found
     QString ComS3ToBin;               // the converter's start caption
+    // The status-bar check of a selected tone: its CRC state and the caption of its title.
+    QString ToneCrcOk;
+    QString ToneCrcBad;
+    QString ToneCrcNone;
+    QString ToneTitle;
 };
 
 }  // namespace zevran::app

@@ -126,6 +126,10 @@ std::vector<Entry> languageEntries(QWidget* window, InterfaceTexts& texts)
     entries.push_back({"String", "StatusBar1Str2", panel(6)});
     entries.push_back({"String", "StatusBar1Str3", keep(texts.StatusBar1Str3)});
     entries.push_back({"String", "HelpStr", keep(texts.HelpStr)});
+    entries.push_back({"String", "ToneCrcOk", keep(texts.ToneCrcOk)});
+    entries.push_back({"String", "ToneCrcBad", keep(texts.ToneCrcBad)});
+    entries.push_back({"String", "ToneCrcNone", keep(texts.ToneCrcNone)});
+    entries.push_back({"String", "ToneTitle", keep(texts.ToneTitle)});
     for (int n : {1, 2, 3, 5, 6, 7}) entries.push_back({"String", "MsgTitle" + std::to_string(n), keep(texts.MsgTitle[static_cast<std::size_t>(n)])});
     // No key is read for message 38: it shows an empty text.
     for (int n = 1; n <= 39; ++n)

@@ -3,6 +3,7 @@
 #include "about_tab.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
+#include "widget_helpers.hpp"
 
 #include "image/converter_tab.hpp"
 #include "image/file_io.hpp"
@@ -36,17 +37,6 @@ namespace {
 
 constexpr const char* kHomePage = "https://zevran-workshop.example.org/";
 constexpr int kStatusPanels = 7;
-
-// The pointer shows busy while a command works, and returns on every exit.
-class BusyPointer {
-public:
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-};
-
-QString fromBytes(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
 
 QAction* namedAction(const char* name, const QString& text, QObject* parent)
 {
@@ -97,6 +87,7 @@ void Form1::buildTabs()
         else m_aboutTab->stopScroller();
     });
     connect(m_aboutTab, &AboutTab::homePageRequested, this, &Form1::homepage_Click);
+    m_tonesTab->attach(this);
     m_converterTab->attach(this);
 }
 
@@ -202,7 +193,7 @@ void Form1::LoadSettings()
     const ProfileFile settings(settingsPath().toStdString());
     const auto codePage = settings.read("Options", "Code Page");
     m_codePage = codePage && !codePage->empty() ? *codePage : std::string(strings::kDefaultCodePage);
-    m_settings.Language = fromBytes(settings.ReadSetting("Language", "Language", ""));
+    m_settings.Language = fromUtf8(settings.ReadSetting("Language", "Language", ""));
     BuildLanguageMenu();
     m_settings.loadFolders(settings, m_programFolder);
     m_tonesTab->setCurrentFolder(m_settings.mmfFilePath);
@@ -262,7 +253,7 @@ void Form1::menuopen_Click()
 void Form1::openPhoneFile(const QString& path)
 {
     const std::string file = path.toStdString();
-    m_settings.MobileFilePath = fromBytes(image::FolderOf(file));
+    m_settings.MobileFilePath = fromUtf8(image::FolderOf(file));
     setBusy(true);
     std::vector<std::uint8_t> bytes;
     try {
@@ -293,7 +284,7 @@ void Form1::openPhoneFile(const QString& path)
         showError(path + ": " + QString::fromUtf8(error.what()));
         return;
     }
-    findChild<QLabel*>("StatusBar1Panel6")->setText(fromBytes(image::FileNameOf(file)));
+    findChild<QLabel*>("StatusBar1Panel6")->setText(fromUtf8(image::FileNameOf(file)));
     findChild<QLabel*>("StatusBar1Panel4")->setText(version);
     m_tabs->setTabEnabled(1, true);
     m_tabs->setTabEnabled(2, true);
@@ -339,7 +330,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
     if (m_image.FileKind != "bin" || regions.empty()) return;
     const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
     if (path.isEmpty()) return;
-    m_settings.S3SavePath = fromBytes(image::FolderOf(path.toStdString()));
+    m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
     try {
         BusyPointer busy;
         image::writeSRecordPatch(path.toStdString(), regions);
@@ -350,7 +341,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
     ShowMessage(10);
 }
 
-void Form1::patchInImage(const std::vector<image::Region>& regions)
+void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDone)
 {
     if (m_image.FileKind != "asf") return;
     try {
@@ -360,7 +351,7 @@ void Form1::patchInImage(const std::vector<image::Region>& regions)
         return;
     }
     m_save->setEnabled(true);
-    ShowMessage(13);
+    if (showDone) ShowMessage(13);
 }
 
 QString Form1::BrowseForFolder()

@@ -48,9 +48,10 @@ public:
     void showError(const QString& text);
 
     // The two outputs every edit ends in: an S-record patch file chosen by the user
-    // (message 10), or the regions copied into the image (Save enabled, message 13).
+    // (message 10), or the regions copied into the image (Save enabled, message 13
+    // unless `showDone` is false, for an output that stopped part way).
     void writeSRecordPatch(const std::vector<image::Region>& regions);
-    void patchInImage(const std::vector<image::Region>& regions);
+    void patchInImage(const std::vector<image::Region>& regions, bool showDone = true);
 
     // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
     QString BrowseForFolder();

@@ -2,6 +2,7 @@
 // object name, so commands and tests find it by that name.
 #pragma once
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -11,6 +12,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTreeWidget>
+#include <string>
 
 namespace zevran::app {
 
@@ -39,6 +41,18 @@ inline QTreeWidget* reportList(const char* name, const QStringList& headers, QWi
     list->header()->setStretchLastSection(true);
     return list;
 }
+
+// The pointer shows busy while a command works, and returns on every exit.
+class BusyPointer {
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
+// The logic speaks UTF-8 in std::string; the window speaks QString.
+inline QString fromUtf8(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
 {

@@ -1,15 +1,31 @@
 #include "tones_tab.hpp"
 
-#include "app/widget_helpers.hpp"
+#include "tone_check.hpp"
+#include "tone_export.hpp"
+#include "tone_table.hpp"
 
+#include "app/main_window.hpp"
+#include "app/widget_helpers.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "strings/code_page.hpp"
+
+#include <QDesktopServices>
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QTreeView>
+#include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <optional>
+#include <span>
 
 namespace zevran::tones {
 
+using app::BusyPointer;
+using app::fromUtf8;
 using app::named;
 using app::reportList;
 
@@ -18,8 +34,9 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     setObjectName("TonesTab");
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
     ListView4 = reportList("ListView4", {tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")}, frame5);
-    Text5 = named(new QLineEdit(frame5), "Text5");
-    Text5->setPlaceholderText(tr("Note for the selected tone"));
+    // The note editor floats over the note cell of the row being edited.
+    Text5 = named(new QLineEdit(ListView4->viewport()), "Text5");
+    Text5->setVisible(false);
     GetTone = named(new QPushButton(frame5), "GetTone", tr("Scan tones"));
     SaveToneTable = named(new QPushButton(frame5), "SaveToneTable", tr("Save table"));
     OpenToneTable = named(new QPushButton(frame5), "OpenToneTable", tr("Open table"));
@@ -32,7 +49,6 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     auto* frame5Layout = new QVBoxLayout(frame5);
     frame5Layout->addLayout(buttons);
     frame5Layout->addWidget(ListView4, 1);
-    frame5Layout->addWidget(Text5);
     frame5Layout->addWidget(ProgressBar1);
 
     auto* frame7 = named(new QGroupBox(this), "Frame7", tr("Tone files"));
@@ -44,13 +60,13 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     for (int column = 1; column < folders->columnCount(); ++column) ET1->hideColumn(column);
     ET1->setHeaderHidden(true);
     ListView1 = reportList("ListView1", {tr("Name"), tr("Size")}, frame7);
-    ListView1->setSortingEnabled(true);
+    ListView1->header()->setSectionsClickable(true);
     auto* frame7Layout = new QVBoxLayout(frame7);
     frame7Layout->addWidget(ET1, 1);
     frame7Layout->addWidget(ListView1, 1);
 
     auto* frame8 = named(new QGroupBox(this), "Frame8", tr("Replacement plan"));
-    ListView3 = reportList("ListView3", {tr("Tone"), tr("File"), tr("Size")}, frame8);
+    ListView3 = reportList("ListView3", {tr("No."), tr("New tone"), tr("Target slot")}, frame8);
     auto* frame8Layout = new QVBoxLayout(frame8);
     frame8Layout->addWidget(ListView3);
 
@@ -60,6 +76,8 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     layout->addWidget(frame8, 1, 1);
     layout->setColumnStretch(0, 3);
     layout->setColumnStretch(1, 2);
+
+    playFile = [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); };
 }
 
 QString TonesTab::currentFolder() const { return folders->filePath(ET1->currentIndex()); }
@@ -69,6 +87,253 @@ void TonesTab::setCurrentFolder(const QString& folder)
     const QModelIndex index = folders->index(folder);
     ET1->setCurrentIndex(index);
     ET1->scrollTo(index);
+}
+
+void TonesTab::attach(app::Form1* window)
+{
+    m_window = window;
+    connectCommands();
+    connectMenus();
+}
+
+void TonesTab::connectCommands()
+{
+    connect(GetTone, &QPushButton::clicked, this, &TonesTab::GetTone_Click);
+    connect(SaveToneTable, &QPushButton::clicked, this, &TonesTab::SaveToneTable_Click);
+    connect(OpenToneTable, &QPushButton::clicked, this, &TonesTab::OpenToneTable_Click);
+    connect(ListView4, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) { editNote(row); });
+    connect(ListView4, &QTreeWidget::itemSelectionChanged, this, &TonesTab::showToneCheck);
+    connect(Text5, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
+    connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
+    connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
+    connect(ListView1, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) {
+        playFile(QDir(m_listedFolder).filePath(row->text(0)));
+    });
+    connect(ListView3, &QTreeWidget::itemChanged, this, &TonesTab::planCellChanged);
+}
+
+void TonesTab::connectMenus()
+{
+    struct Popup {
+        QTreeWidget* list;
+        const char* menu;
+        void (TonesTab::*enable)();
+    };
+    for (const Popup& popup : {Popup{ListView4, "menufile1", &TonesTab::enableMenufile1},
+                               Popup{ListView1, "menufile2", &TonesTab::enableMenufile2},
+                               Popup{ListView3, "menufile3", &TonesTab::enableMenufile3}}) {
+        QMenu* menu = m_window->findChild<QMenu*>(popup.menu);
+        connect(menu, &QMenu::aboutToShow, this, popup.enable);
+        connect(popup.list, &QWidget::customContextMenuRequested, this,
+                [menu, list = popup.list](const QPoint& at) { menu->popup(list->viewport()->mapToGlobal(at)); });
+    }
+    const std::vector<std::pair<const char*, void (TonesTab::*)()>> commands{
+        {"outputselect", &TonesTab::outputselect_Click}, {"outputall", &TonesTab::outputall_Click},
+        {"addaddress", &TonesTab::addaddress_Click},     {"addmmf", &TonesTab::addmmf_Click},
+        {"moveone", &TonesTab::moveone_Click},           {"moveall", &TonesTab::moveall_Click},
+        {"movemmf", &TonesTab::movemmf_Click},           {"moveaddress", &TonesTab::moveaddress_Click},
+        {"moveallmmf", &TonesTab::moveallmmf_Click},     {"movealladdress", &TonesTab::movealladdress_Click},
+        {"outputs3", &TonesTab::outputs3_Click},         {"outputaxf", &TonesTab::outputaxf_Click},
+    };
+    for (const auto& [name, command] : commands)
+        connect(m_window->findChild<QAction*>(name), &QAction::triggered, this, command);
+}
+
+void TonesTab::enableMenufile1()
+{
+    const bool rows = ListView4->topLevelItemCount() > 0;
+    const bool loaded = m_window->imageState().ImageLoaded;
+    m_window->findChild<QAction*>("addaddress")->setEnabled(rows);
+    m_window->findChild<QAction*>("outputselect")->setEnabled(rows && loaded);
+    m_window->findChild<QAction*>("outputall")->setEnabled(rows && loaded);
+}
+
+void TonesTab::enableMenufile2() { m_window->findChild<QAction*>("addmmf")->setEnabled(!ListView1->selectedItems().isEmpty()); }
+
+std::vector<ToneSlot> TonesTab::toneRows() const
+{
+    std::vector<ToneSlot> rows;
+    rows.reserve(static_cast<std::size_t>(ListView4->topLevelItemCount()));
+    for (int i = 0; i < ListView4->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = ListView4->topLevelItem(i);
+        rows.push_back({item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
+                        item->text(3).toStdString(), item->text(4).toStdString()});
+    }
+    return rows;
+}
+
+void TonesTab::showToneRows(const std::vector<ToneSlot>& rows)
+{
+    // One batch with updates suspended: thousands of rows go in at once.
+    ListView4->setUpdatesEnabled(false);
+    ListView4->clear();
+    QList<QTreeWidgetItem*> items;
+    items.reserve(static_cast<qsizetype>(rows.size()));
+    for (const ToneSlot& row : rows)
+        items.append(new QTreeWidgetItem(
+            QStringList{fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end), fromUtf8(row.size), fromUtf8(row.note)}));
+    ListView4->addTopLevelItems(items);
+    ListView4->setUpdatesEnabled(true);
+}
+
+void TonesTab::GetTone_Click()
+{
+    image::ImageState& image = m_window->imageState();
+    if (!image.ImageLoaded) {
+        m_window->ShowMessage(3);
+        return;
+    }
+    ProgressBar1->setVisible(true);
+    ListView4->clear();
+    const int length = static_cast<int>(std::min<std::size_t>(image.FirmwareImage.size(), 0x7FFFFFFF));
+    ProgressBar1->setRange(1, std::max(1, length));
+    ProgressBar1->setValue(std::clamp(100000, 1, std::max(1, length)));
+    std::vector<ToneSlot> rows;
+    {
+        BusyPointer busy;
+        rows = scanTones(image, [this](std::int32_t at) { ProgressBar1->setValue(std::max(1, at)); });
+    }
+    showToneRows(rows);
+    QCoreApplication::processEvents();
+    ProgressBar1->setValue(1);
+    ProgressBar1->setVisible(false);
+}
+
+void TonesTab::SaveToneTable_Click()
+{
+    if (ListView4->topLevelItemCount() == 0) {
+        m_window->ShowMessage(4);
+        return;
+    }
+    const QString path = m_window->dialogs().saveFile(m_window->settings().TableSavePath, m_window->filter(4), 2);
+    if (path.isEmpty()) return;
+    m_window->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    try {
+        const std::string caption = ListView4->headerItem()->text(3).toStdString();
+        const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_window->codePage());
+        // An existing table is replaced whole, never left half old and half new.
+        image::saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    } catch (const std::exception& error) {
+        m_window->showError(path + ": " + QString::fromUtf8(error.what()));
+        return;
+    }
+    m_window->ShowMessage(6);
+}
+
+void TonesTab::OpenToneTable_Click()
+{
+    const QString path = m_window->dialogs().openFile(m_window->settings().TableSavePath, m_window->filter(4), 2);
+    if (path.isEmpty()) return;
+    m_window->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    ToneTableRead table;
+    try {
+        const std::vector<std::uint8_t> bytes = image::readWholeFile(path.toStdString());
+        table = readToneTable(strings::decodeText(std::string(bytes.begin(), bytes.end()), m_window->codePage()));
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    showToneRows(table.rows);
+    if (table.stoppedAtLine)
+        m_window->showError(QStringLiteral("%1: line %2 has fewer than ten fields; the %3 rows before it were read.")
+                                .arg(path)
+                                .arg(*table.stoppedAtLine)
+                                .arg(table.rows.size()));
+}
+
+bool TonesTab::hasSelectedTone() const { return !ListView4->selectedItems().isEmpty(); }
+
+void TonesTab::outputselect_Click() { exportTones(false); }
+
+void TonesTab::outputall_Click() { exportTones(true); }
+
+void TonesTab::exportTones(bool everyRow)
+{
+    if (!hasSelectedTone()) {
+        m_window->ShowMessage(8);
+        return;
+    }
+    const QString picked = m_window->dialogs().saveFile(m_window->settings().RingSavePath, m_window->filter(6), 2);
+    if (picked.isEmpty()) return;
+    m_window->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
+    const std::vector<ToneSlot> rows = toneRows();
+    std::vector<bool> selected(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
+    ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
+    ProgressBar1->setVisible(true);
+    QString failure;
+    try {
+        std::optional<BusyPointer> busy;
+        if (everyRow) busy.emplace();
+        tones::exportTones(m_window->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
+                           picked.toStdString(), [this](std::size_t i) {
+                               QCoreApplication::processEvents();
+                               ProgressBar1->setValue(static_cast<int>(i) + 1);
+                           });
+    } catch (const std::exception& error) {
+        failure = QString::fromUtf8(error.what());
+    }
+    if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
+    if (failure.isEmpty()) m_window->ShowMessage(9);
+    else m_window->showError(failure + " (the tones before it were exported)");
+    if (everyRow) ProgressBar1->setValue(1);
+    ProgressBar1->setVisible(false);
+}
+
+void TonesTab::editNote(QTreeWidgetItem* row)
+{
+    if (!row || !row->isSelected()) return;
+    m_noteRow = ListView4->indexOfTopLevelItem(row);
+    const QRect cell = ListView4->visualItemRect(row);
+    const int x = ListView4->header()->sectionViewportPosition(4);
+    Text5->setGeometry(x, cell.top(), ListView4->header()->sectionSize(4), cell.height());
+    Text5->setText(row->text(4));
+    Text5->setVisible(true);
+    Text5->selectAll();
+    Text5->setFocus();
+}
+
+void TonesTab::Text5_LostFocus()
+{
+    const int row = std::exchange(m_noteRow, -1);
+    if (row < 0) return;
+    Text5->setVisible(false);
+    ListView4->setFocus();
+    if (QTreeWidgetItem* item = ListView4->topLevelItem(row)) item->setText(4, Text5->text());
+}
+
+void TonesTab::showToneCheck()
+{
+    auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
+    const QList<QTreeWidgetItem*> selected = ListView4->selectedItems();
+    if (selected.isEmpty()) {
+        panel->clear();
+        return;
+    }
+    const QTreeWidgetItem* item = selected.front();
+    const ToneSlot row{item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
+                       item->text(3).toStdString(), item->text(4).toStdString()};
+    ToneCheck check;
+    try {
+        check = checkTone(toneBytes(m_window->imageState(), row));
+    } catch (const std::exception&) {
+        // A row from a table of another image, or a tone cut by the image's end.
+        check.crc = CrcState::Bad;
+    }
+    const app::InterfaceTexts& texts = m_window->texts();
+    QString text = item->text(0) + ": " +
+                   (check.crc == CrcState::Ok ? texts.ToneCrcOk : check.crc == CrcState::Bad ? texts.ToneCrcBad : texts.ToneCrcNone);
+    if (!check.title.empty()) {
+        QString title;
+        try {
+            title = fromUtf8(strings::decodeText(check.title, m_window->codePage()));
+        } catch (const strings::CodePageError&) {
+            title = QString::fromLatin1(check.title.data(), static_cast<qsizetype>(check.title.size()));
+        }
+        text += "  " + texts.ToneTitle + " " + title;
+    }
+    panel->setText(text);
 }
 
 }  // namespace zevran::tones

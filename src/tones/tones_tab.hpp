@@ -2,7 +2,13 @@
 // replacement plan between them.
 #pragma once
 
+#include "tone_plan.hpp"
+#include "image/patch_writer.hpp"
+#include "tone_scan.hpp"
+
 #include <QWidget>
+#include <functional>
+#include <vector>
 
 class QFileSystemModel;
 class QLineEdit;
@@ -10,6 +16,9 @@ class QProgressBar;
 class QPushButton;
 class QTreeView;
 class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace zevran::app { class Form1; }
 
 namespace zevran::tones {
 
@@ -18,12 +27,15 @@ class TonesTab : public QWidget {
 public:
     explicit TonesTab(QWidget* parent = nullptr);
 
+    // The window whose image, dialogs, folders and messages the commands use.
+    void attach(app::Form1* window);
+
     QTreeWidget* ListView1;  // ".mmf" files of the folder chosen in ET1
     QTreeWidget* ListView3;  // the replacement plan
     QTreeWidget* ListView4;  // tones found in the image
     QTreeView* ET1;          // folder tree
     QFileSystemModel* folders;
-    QLineEdit* Text5;        // note editor
+    QLineEdit* Text5;        // note editor, shown over a row's note cell
     QPushButton* GetTone;
     QPushButton* SaveToneTable;
     QPushButton* OpenToneTable;
@@ -32,6 +44,58 @@ public:
     // The folder shown by the folder tree, remembered as "mmf File Path".
     QString currentFolder() const;
     void setCurrentFolder(const QString& folder);
+
+    void GetTone_Click();
+    void SaveToneTable_Click();
+    void OpenToneTable_Click();
+    void outputselect_Click();
+    void outputall_Click();
+    void addaddress_Click();
+    void addmmf_Click();
+    void moveone_Click();
+    void moveall_Click();
+    void movemmf_Click();
+    void moveaddress_Click();
+    void moveallmmf_Click();
+    void movealladdress_Click();
+    void outputs3_Click();
+    void outputaxf_Click();
+
+    // Lists the ".mmf" files of a folder in ListView1, as choosing it in ET1 does.
+    void showToneFiles(const QString& folder);
+    // Starts editing the note of a row of ListView4; the edit ends when Text5 loses focus.
+    void editNote(QTreeWidgetItem* row);
+    void Text5_LostFocus();
+    void ListView1_ColumnClick(int column);
+
+    // Plays a tone file; the desktop's default handler unless a test replaces it.
+    std::function<void(const QString& path)> playFile;
+
+    // The rows of the lists as the logic sees them, read from the cells.
+    std::vector<ToneSlot> toneRows() const;
+    std::vector<ReplacementRow> planRows() const;
+
+private:
+    void connectCommands();
+    void connectMenus();
+    void enableMenufile1();
+    void enableMenufile2();
+    void enableMenufile3();
+    void showToneRows(const std::vector<ToneSlot>& rows);
+    void showPlanRows(const std::vector<ReplacementRow>& rows);
+    void planCellChanged(QTreeWidgetItem* item, int column);
+    void exportTones(bool everyRow);
+    void showToneCheck();
+    bool hasSelectedTone() const;
+    int selectedPlanRow() const;
+    std::vector<image::Region> planRegions(bool& stopped);
+
+    app::Form1* m_window = nullptr;
+    QString m_listedFolder;       // the folder whose files ListView1 lists
+    int m_noteRow = -1;           // the ListView4 row whose note Text5 edits
+    bool m_fillingPlan = false;
+    int m_fileSortColumn = 0;
+    bool m_fileSortDescending = true;
 };
 
 }  // namespace zevran::tones
