@@ -58,6 +58,9 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     buildMenus();
     buildToolBar();
     buildStatusBar();
+    // The tabs wire their commands to the pop-up menus and status panels built above.
+    m_tonesTab->attach(this);
+    m_converterTab->attach(this);
     resize(1100, 720);
 }
 
@@ -87,8 +90,6 @@ void Form1::buildTabs()
         else m_aboutTab->stopScroller();
     });
     connect(m_aboutTab, &AboutTab::homePageRequested, this, &Form1::homepage_Click);
-    m_tonesTab->attach(this);
-    m_converterTab->attach(this);
 }
 
 void Form1::buildMenus()
