@@ -3,13 +3,16 @@
 #include "command.hpp"
 #include "phone_argument.hpp"
 
+#include "image/file_io.hpp"
 #include "image/phone_file.hpp"
 #include "tones/tone_check.hpp"
 #include "tones/tone_export.hpp"
 #include "tones/tone_scan.hpp"
 
 #include <algorithm>
+#include <fstream>
 #include <iostream>
+#include <limits>
 #include <set>
 #include <sstream>
 
@@ -20,28 +23,45 @@ namespace {
 using namespace zevran::image;
 using namespace zevran::tones;
 
+// The rows alone need no image in memory: the file is scanned as it is read.
+std::vector<ToneSlot> streamedTones(const std::string& path)
+{
+    std::ifstream in = openInputFile(path);
+    const ToneStreamScan scan = scanToneStream(in);
+    if (scan.imageBytes == 0) throw std::runtime_error(path + ": the file is empty (0 bytes)");
+    if (scan.imageBytes > std::numeric_limits<std::int32_t>::max())
+        throw std::runtime_error(path + ": a phone file of 2 GiB or more cannot be held");
+    return scan.rows;
+}
+
+std::string toneDetails(const ImageState& state, const ToneSlot& row)
+{
+    ToneCheck check;
+    try {
+        check = checkTone(toneBytes(state, row));
+    } catch (const ToneExportError&) {
+        // The scan takes a declared size at its word: a tone running past the
+        // image's end is cut short (bad), and the rows after it still list.
+        check.crc = CrcState::Bad;
+    }
+    std::string title = check.title;
+    // One tone, one line: a control byte in a damaged title must not break it.
+    std::replace_if(title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+    return " crc=" + std::string(crcStateName(check.crc)) + " title=" + title;
+}
+
 int runTones(const std::vector<std::string>& words, const Context&)
 {
     Arguments args(words, {}, {"--details"});
     args.expectPositional(1, "tones FILE [--details]");
-    ImageState state = openPhoneFile(args.positional()[0]);
+    const std::string& path = args.positional()[0];
+    const bool details = args.has("--details");
+    ImageState state;
+    if (details) state = openPhoneFile(path);
     std::string out;
-    for (const ToneSlot& row : scanTones(state)) {
+    for (const ToneSlot& row : details ? scanTones(state) : streamedTones(path)) {
         out += row.number + " " + row.start + " " + row.end + " " + row.size;
-        if (args.has("--details")) {
-            ToneCheck check;
-            try {
-                check = checkTone(toneBytes(state, row));
-            } catch (const ToneExportError&) {
-                // The scan takes a declared size at its word: a tone running past the
-                // image's end is cut short (bad), and the rows after it still list.
-                check.crc = CrcState::Bad;
-            }
-            std::string title = check.title;
-            // One tone, one line: a control byte in a damaged title must not break it.
-            std::replace_if(title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
-            out += " crc=" + std::string(crcStateName(check.crc)) + " title=" + title;
-        }
+        if (details) out += toneDetails(state, row);
         out += "\n";
     }
     std::cout << out;

@@ -68,9 +68,10 @@ bool CopyToImage(ImageState& state, std::span<const std::uint8_t> source, std::i
     return fits == static_cast<std::size_t>(count);
 }
 
-std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset)
+std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset) { return ChunkSizeAt(state.FirmwareImage, offset); }
+
+std::int64_t ChunkSizeAt(std::span<const std::uint8_t> image, std::int64_t offset)
 {
-    const auto& image = state.FirmwareImage;
     if (offset < 0 || offset + 8 > static_cast<std::int64_t>(image.size()))
         throw std::out_of_range("chunk length at 0x" + HexPad(static_cast<std::uint32_t>(offset + 4), 8) +
                                 " lies outside the image");

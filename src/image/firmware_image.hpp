@@ -38,6 +38,8 @@ bool CopyToImage(ImageState& state, std::span<const std::uint8_t> source, std::i
 // length near 4 GiB stays exact. Throws std::out_of_range when the length field lies
 // outside the image.
 std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset);
+// The same over any bytes whose first is offset 0.
+std::int64_t ChunkSizeAt(std::span<const std::uint8_t> bytes, std::int64_t offset);
 
 // Replaces the image and path with a freshly read phone file; the kind is left to
 // the caller. Clears nothing else.

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <istream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,5 +31,22 @@ inline constexpr std::int64_t kLargestTone = 99999;
 // inside an accepted tone is examined too. Leaves LastMatch at 0, as any search that
 // runs to the image's end does. `onMatch` hears the offset of each signature found.
 std::vector<ToneSlot> scanTones(image::ImageState& state, const std::function<void(std::int32_t)>& onMatch = {});
+
+// Examines the signatures starting at indices `from` to `end` - 1 of `bytes`, whose
+// first byte lies at image offset `offset`, appending the tones to `rows`. A signature
+// whose length field lies past the end of `bytes` is no tone. Returns the index of the
+// last signature seen, or image::kNotFound.
+std::size_t scanToneSignatures(std::span<const std::uint8_t> bytes, std::int64_t offset, std::size_t from,
+                               std::size_t end, std::vector<ToneSlot>& rows,
+                               const std::function<void(std::int64_t)>& onMatch = {});
+
+struct ToneStreamScan {
+    std::vector<ToneSlot> rows;
+    std::int64_t imageBytes = 0;
+};
+
+// The rows of a fresh scan of a whole phone file read chunk by chunk, so that a large
+// file is never held: the same rows as scanTones over the loaded image.
+ToneStreamScan scanToneStream(std::istream& in, std::size_t chunkBytes = 1 << 20);
 
 }  // namespace zevran::tones

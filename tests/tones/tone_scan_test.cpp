@@ -1,6 +1,11 @@
 #include "tones/tone_scan.hpp"
 
+#include "image/hex_text.hpp"
+
 #include <gtest/gtest.h>
+
+#include <random>
+#include <sstream>
 
 using namespace zevran::tones;
 using zevran::image::ImageState;
@@ -147,4 +152,70 @@ TEST(ToneScan, MatchesTheSharedSearchStepByStep)
     std::vector<std::int32_t> byScan;
     scanTones(scanned, [&](std::int32_t at) { byScan.push_back(at); });
     EXPECT_EQ(byScan, bySearch);
+}
+
+namespace {
+
+std::vector<std::string> rowLines(const std::vector<ToneSlot>& rows)
+{
+    std::vector<std::string> lines;
+    for (const ToneSlot& row : rows) lines.push_back(row.number + " " + row.start + " " + row.end + " " + row.size);
+    return lines;
+}
+
+ToneStreamScan streamScan(const std::vector<std::uint8_t>& image, std::size_t chunkBytes)
+{
+    std::istringstream in(std::string(image.begin(), image.end()));
+    return scanToneStream(in, chunkBytes);
+}
+
+}  // namespace
+
+TEST(ToneStreamScan, SignatureAcrossAChunkBoundaryIsFoundOnce)
+{
+    // Every split of the eight header bytes over two 64-byte chunks, and a tone whose
+    // length field ends the file.
+    for (std::size_t at = 56; at <= 64; ++at) {
+        std::vector<std::uint8_t> image(200, 0);
+        plantSignature(image, at, 100);
+        plantSignature(image, 192, 100);
+        const ToneStreamScan scan = streamScan(image, 64);
+        EXPECT_EQ(scan.imageBytes, 200);
+        const std::string start = "0x000000" + zevran::image::HexPad(static_cast<std::uint32_t>(at), 2);
+        EXPECT_EQ(rowLines(scan.rows), (std::vector<std::string>{"001 " + start + " 0x000000" +
+                                                                     zevran::image::HexPad(static_cast<std::uint32_t>(at + 107), 2) + " 108",
+                                                                 "002 0x000000C0 0x0000012B 108"}))
+            << "signature at " << at;
+    }
+}
+
+TEST(ToneStreamScan, SignatureAtOffsetZeroIsNeverFound)
+{
+    std::vector<std::uint8_t> image(300, 0);
+    plantSignature(image, 0, 100);
+    EXPECT_TRUE(streamScan(image, 64).rows.empty());
+}
+
+TEST(ToneStreamScan, GivesTheRowsOfTheWholeImageScanForAnyChunkSize)
+{
+    std::mt19937 random(7);
+    std::vector<std::uint8_t> image(5000);
+    for (auto& byte : image) byte = static_cast<std::uint8_t>(random() % 4 == 0 ? 'M' : random());
+    for (std::size_t at = 3; at + 8 < image.size(); at += 97 + random() % 50) plantSignature(image, at, 93 + random() % 300);
+    plantSignature(image, image.size() - 16, 200);  // a tone whose header ends 8 bytes short of the end
+    // A signature whose length field runs off the end.
+    image[image.size() - 6] = image[image.size() - 5] = image[image.size() - 4] = 'M';
+    image[image.size() - 3] = 'D';
+    ImageState state = imageOf(image);
+    const std::vector<std::string> expected = rowLines(scanTones(state));
+    ASSERT_GT(expected.size(), 20u);
+    for (std::size_t chunk : {8u, 9u, 13u, 64u, 1000u, 4999u, 5000u, 5001u, 1u << 20})
+        EXPECT_EQ(rowLines(streamScan(image, chunk).rows), expected) << "chunk " << chunk;
+}
+
+TEST(ToneStreamScan, EmptyInputHasNoBytesAndNoRows)
+{
+    const ToneStreamScan scan = streamScan({}, 64);
+    EXPECT_EQ(scan.imageBytes, 0);
+    EXPECT_TRUE(scan.rows.empty());
 }
