@@ -40,7 +40,7 @@ test-asan:
 	  ctest --test-dir $(ASAN_BUILD) --output-on-failure -j$(JOBS)
 
 bench: deps
-	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_BENCH=ON -DZEVRAN_TESTS=OFF -DZEVRAN_WINDOW=OFF
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_BENCH=ON -DZEVRAN_TESTS=OFF
 	cmake --build $(BENCH_BUILD) -j$(JOBS)
 	bench/run.sh $(BENCH_BUILD)
 

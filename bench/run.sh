@@ -141,6 +141,24 @@ echo "  objcopy / ours:  $s2b_objcopy  $VERDICT (target >= 4)"
 echo "  srec_cat / ours: $s2b_srec"
 rm -f "$DATA/out.bin" "$DATA/out2.bin" "$DATA/out3.bin"
 
+# --- the same conversion in the window, and the tone list ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "In the window (offscreen): S-record to binary in slices on the event loop; 5000 tone rows"
+  ln -sf image.s3 "$DATA/window.s3"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" "$DATA/window.s3" >"$DATA/window.txt" 2>>"$LOG"
+  window_value() { awk -v key="$1" '$1 == key { print $2 }' "$DATA/window.txt"; }
+  check "window output = image.bin" cmp "$DATA/window.bin" "$DATA/image.bin"
+  window_ratio=$(awk -v w="$(window_value window_s3_to_bin_s)" -v c="${MEDIAN[s2b:zevran-cli]}" 'BEGIN { printf "%.2f", w * 1e6 / c }')
+  verdict "window s3-to-bin, window time / zevran-cli's" "$window_ratio" "<=" 1.5
+  echo "  window $(window_value window_s3_to_bin_s) s, zevran-cli $(awk -v c="${MEDIAN[s2b:zevran-cli]}" 'BEGIN { printf "%.3f", c / 1e6 }') s: $window_ratio  $VERDICT (target <= 1.5)"
+  verdict "window s3-to-bin, longest pause of the event loop, ms" "$(window_value window_longest_pause_ms)" "<=" 100
+  echo "  longest pause between event-loop turns: $(window_value window_longest_pause_ms) ms  $VERDICT (target <= 100)"
+  verdict "ListView4 filled with 5000 rows, s" "$(window_value listview4_fill_s)" "<=" 0.5
+  echo "  ListView4, $(window_value listview4_rows) rows: $(window_value listview4_fill_s) s  $VERDICT (target <= 0.5)"
+  rm -f "$DATA/window.bin"
+fi
+
 # --- binary to S-record ---
 echo
 echo "Binary to S-record: $bin_bytes bytes -> S3 text"
@@ -185,7 +203,7 @@ echo "  peak with 2.5 GiB of output: ${high_mib} MiB  $VERDICT (target <= 16)"
 echo
 echo "Tone scan of image.bin: zevran-cli tones against LC_ALL=C grep -c -a -o MMMD"
 time_runs tones:zevran-cli "$RUNS" "$DATA/none" sh -c "\"$CLI\" tones \"$DATA/image.bin\" >\"$DATA/tones.txt\""
-time_runs tones:grep "$RUNS" "$DATA/none" sh -c "grep -c -a -o MMMD \"$DATA/image.bin\" >\"$DATA/grep.txt\""
+time_runs tones:grep "$RUNS" "$DATA/none" sh -c "LC_ALL=C grep -c -a -o MMMD \"$DATA/image.bin\" >\"$DATA/grep.txt\""
 TABLE_BYTES=$bin_bytes table tones:zevran-cli tones:grep
 tone_rows=$(wc -l <"$DATA/tones.txt")
 check "at least the 300 planted tones listed" test "$tone_rows" -ge 300

@@ -1,0 +1,115 @@
+// The window's own long jobs, timed in the window as the user meets them: filling the
+// tone list with 5000 rows, and an S-record conversion in slices on the event loop,
+// with the longest pause between two turns of the loop while it runs.
+// Usage: zevran-window-bench S3FILE  (writes S3FILE less ".s3" plus ".bin")
+#include "app/main_window.hpp"
+#include "image/converter_tab.hpp"
+#include "tones/tones_tab.hpp"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+using zevran::app::Answer;
+using zevran::app::MessageKind;
+
+// Every dialog answered at once; a message other than "file written" ends the run.
+class SilentDialogs : public zevran::app::Dialogs {
+public:
+    QString openFile(const QString&, const QString&, int) override { return {}; }
+    QString saveFile(const QString&, const QString&, int) override { return {}; }
+    QString chooseFolder(const QString&) override { return {}; }
+    void message(int code, MessageKind, const QString&, const QString& text) override
+    {
+        if (code != 10) {
+            std::fprintf(stderr, "window bench: message %d: %s\n", code, qPrintable(text));
+            std::exit(1);
+        }
+    }
+    Answer askYesNoCancel(const QString&, const QString&) override { return Answer::No; }
+};
+
+// 5000 tones of 101 bytes, one every 128 bytes.
+QByteArray imageWithTones(int tones)
+{
+    QByteArray image(tones * 128 + 128, '\0');
+    for (int i = 0; i < tones; ++i) {
+        char* at = image.data() + 64 + i * 128;
+        std::copy_n("MMMD\0\0\0\x5D", 8, at);
+    }
+    return image;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: zevran-window-bench S3FILE\n");
+        return 2;
+    }
+    QTemporaryDir home;
+    zevran::app::Form1 window(home.path(), std::make_unique<SilentDialogs>());
+    window.LoadSettings();
+    window.show();
+
+    const QString phone = home.path() + "/tones.bin";
+    QFile file(phone);
+    if (!file.open(QIODevice::WriteOnly) || file.write(imageWithTones(5000)) < 0) return 1;
+    file.close();
+    window.openPhoneFile(phone);
+    auto* tones = window.findChild<zevran::tones::TonesTab*>();
+    std::vector<double> fills;
+    for (int run = 0; run < 5; ++run) {
+        QElapsedTimer clock;
+        clock.start();
+        tones->GetTone_Click();
+        fills.push_back(clock.nsecsElapsed() / 1e9);
+    }
+    if (tones->ListView4->topLevelItemCount() != 5000) return 1;
+    std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->ListView4->topLevelItemCount(), median(fills));
+
+    auto* converter = window.findChild<zevran::image::ConverterTab*>();
+    converter->Text1->setText(QString::fromLocal8Bit(argv[1]));
+    converter->PartAdd->setChecked(true);
+    std::vector<double> times;
+    std::vector<double> gaps;
+    for (int run = 0; run < 3; ++run) {
+        QElapsedTimer clock;
+        QElapsedTimer sinceTurn;
+        qint64 longestGap = 0;
+        QTimer ticker;
+        ticker.setInterval(1);
+        QObject::connect(&ticker, &QTimer::timeout, [&] {
+            longestGap = std::max(longestGap, sinceTurn.nsecsElapsed());
+            sinceTurn.restart();
+        });
+        ticker.start();
+        clock.start();
+        sinceTurn.start();
+        converter->ComS3ToBin_Click();
+        times.push_back(clock.nsecsElapsed() / 1e9);
+        gaps.push_back(std::max(longestGap, sinceTurn.nsecsElapsed()) / 1e6);
+    }
+    std::printf("window_s3_to_bin_s %.4f\nwindow_longest_pause_ms %.1f\n", median(times), *std::max_element(gaps.begin(), gaps.end()));
+    return 0;
+}
