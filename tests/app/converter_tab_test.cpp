@@ -7,11 +7,14 @@
 #include "image/converter_tab.hpp"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QMouseEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -25,6 +28,17 @@ using zevran::test::writeBytes;
 namespace {
 
 const QByteArray kTwoRecords = "S00600004844521B\r\nS3090000001001020304DC\r\nS3090000002005060708BC\r\nS705A002000058\r\n";
+
+// Counts the paint events a widget receives.
+class PaintCounter : public QObject {
+public:
+    int count = 0;
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) ++count;
+        return false;
+    }
+};
 
 }  // namespace
 
@@ -115,6 +129,59 @@ private slots:
         QVERIFY(written > 0);
         QVERIFY(written < 0x100000);
         QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void windowRepaintsAndTakesClicksDuringA64MiBConversion()
+    {
+        // 64 MiB of S3 text: 16 data bytes a line, checksums left at 00 as the reader allows.
+        constexpr int kLines = (64 << 20) / 48;
+        QByteArray text;
+        text.reserve(kLines * 48);
+        QByteArray line = "S3150000000000112233445566778899AABBCCDDEEFF00\r\n";
+        for (int i = 0; i < kLines; ++i) {
+            const QByteArray address = QByteArray::number(i * 16, 16).toUpper().rightJustified(8, '0');
+            line.replace(4, 8, address);
+            text += line;
+        }
+        writeBytes(path("large.s3"), text);
+        text.clear();
+        m_window->findChild<QTabWidget*>("SSTab1")->setCurrentWidget(m_tab);
+        m_window->show();
+        auto* button = new QPushButton("elsewhere", m_window.get());
+        button->show();
+        PaintCounter paints;
+        m_tab->installEventFilter(&paints);
+        int ticks = 0;
+        int ticksWhileConverting = 0;
+        bool clickedWhileConverting = false;
+        connect(button, &QPushButton::clicked, this, [&] { clickedWhileConverting = m_tab->converting(); });
+        QTimer ticker;
+        ticker.setInterval(5);
+        connect(&ticker, &QTimer::timeout, this, [&] {
+            ++ticks;
+            if (m_tab->converting()) ++ticksWhileConverting;
+            m_tab->update();
+            // Posted, not sent: the click arrives only if the event loop turns.
+            if (ticks == 2) {
+                const QPoint centre = button->rect().center();
+                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonPress, centre, button->mapToGlobal(centre),
+                                                                    Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
+                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonRelease, centre, button->mapToGlobal(centre),
+                                                                    Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
+            }
+        });
+        m_tab->Text1->setText(path("large.s3"));
+        m_tab->PartAdd->setChecked(true);
+        ticker.start();
+        QTimer::singleShot(0, this, [&] { paints.count = 0; });
+        m_tab->ComS3ToBin->click();
+        ticker.stop();
+        QVERIFY2(ticksWhileConverting >= 3, qPrintable(QString::number(ticksWhileConverting)));
+        QVERIFY(clickedWhileConverting);
+        QVERIFY(paints.count >= 1);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
+        QCOMPARE(QFileInfo(path("large.bin")).size(), qint64{kLines} * 16);
+        QCOMPARE(m_tab->Text2->text(), QByteArray::number((kLines - 1) * 16, 16).toUpper().rightJustified(8, '0'));
     }
 
     void seventeenByteFileGivesAFullLineAndACountSixLine()
