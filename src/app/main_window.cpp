@@ -21,6 +21,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QIcon>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
@@ -30,6 +31,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <cstdlib>
 
 namespace zevran::app {
 
@@ -54,6 +56,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     setObjectName("Form1");
     setWindowTitle(QStringLiteral("Zevran Handset Workshop V1.11"));
     setAcceptDrops(true);
+    setWindowIcon(QIcon(m_programFolder + "/zevran.xpm"));
     buildTabs();
     buildMenus();
     buildToolBar();
@@ -203,6 +206,9 @@ void Form1::LoadSettings()
     m_tabs->setCurrentIndex(0);
     const std::string geometry = settings.read("Window", "Geometry").value_or("");
     if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
+    // The tab last used, unless it waits for a phone file.
+    const int tab = std::atoi(settings.read("Window", "Tab").value_or("0").c_str());
+    if (tab > 0 && tab < m_tabs->count() && m_tabs->isTabEnabled(tab)) m_tabs->setCurrentIndex(tab);
 }
 
 void Form1::BuildLanguageMenu()
@@ -399,6 +405,7 @@ void Form1::closeEvent(QCloseEvent* event)
     const ProfileFile settings(settingsPath().toStdString());
     m_settings.save(settings, m_tonesTab->currentFolder());
     settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
+    settings.WriteSetting("Window", "Tab", std::to_string(m_tabs->currentIndex()));
     m_picturesTab->Timer2->stop();
     m_aboutTab->stopScroller();
     event->accept();
