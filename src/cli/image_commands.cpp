@@ -7,6 +7,7 @@
 #include "image/converter.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/patch_writer.hpp"
 #include "image/phone_file.hpp"
 #include "image/srecord_reader.hpp"
 
@@ -141,26 +142,8 @@ int runApplyPatch(const std::vector<std::string>& words, const Context&)
     refuseSameFile(imagePath, output);
     std::vector<std::uint8_t> image = readWholeFile(imagePath);
     std::ifstream patch = openInputFile(patchPath);
-    LineSplitter lines;
-    SRecordData record;
-    std::uint64_t lineNumber = 0;
-    auto layOver = [&](std::string_view line) {
-        readStrictRecord(line, ++lineNumber, record);
-        if (!record.isData) return;
-        if (std::uint64_t{record.address} + record.bytes.size() > image.size())
-            throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
-                                               std::to_string(record.bytes.size()) +
-                                               " bytes reaches past the image's end (" + std::to_string(image.size()) +
-                                               " bytes)");
-        std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
-    };
-    std::vector<char> block(1 << 20);
     try {
-        while (patch) {
-            patch.read(block.data(), static_cast<std::streamsize>(block.size()));
-            lines.feed(std::string_view(block.data(), static_cast<std::size_t>(patch.gcount())), layOver);
-        }
-        lines.finish(layOver);
+        applySRecordPatch(image, patch);
     } catch (const SRecordError& error) {
         throw std::runtime_error(patchPath + ": " + error.what() + "; " + output + " was not written");
     }

@@ -1,7 +1,11 @@
 #include "patch_writer.hpp"
 
 #include "file_io.hpp"
+#include "hex_text.hpp"
 #include "srecord.hpp"
+#include "srecord_reader.hpp"
+
+#include <algorithm>
 
 namespace zevran::image {
 
@@ -24,5 +28,28 @@ bool patchImage(ImageState& state, const std::vector<Region>& regions)
 }
 
 void Saveaxf(const ImageState& state) { saveFileSafely(state.FirmwarePath, state.FirmwareImage); }
+
+void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
+{
+    LineSplitter lines;
+    SRecordData record;
+    std::uint64_t lineNumber = 0;
+    auto layOver = [&](std::string_view line) {
+        readStrictRecord(line, ++lineNumber, record);
+        if (!record.isData) return;
+        if (std::uint64_t{record.address} + record.bytes.size() > image.size())
+            throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
+                                               std::to_string(record.bytes.size()) +
+                                               " bytes reaches past the image's end (" + std::to_string(image.size()) +
+                                               " bytes)");
+        std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
+    };
+    std::vector<char> block(1 << 20);
+    while (patch) {
+        patch.read(block.data(), static_cast<std::streamsize>(block.size()));
+        lines.feed(std::string_view(block.data(), static_cast<std::size_t>(patch.gcount())), layOver);
+    }
+    lines.finish(layOver);
+}
 
 }  // namespace zevran::image

@@ -6,6 +6,7 @@
 #include "firmware_image.hpp"
 
 #include <cstdint>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,12 @@ void writeSRecordPatch(const std::string& path, const std::vector<Region>& regio
 // over earlier ones. Returns false when a region reached past the image's end; the
 // bytes before that point stay patched.
 bool patchImage(ImageState& state, const std::vector<Region>& regions);
+
+// Lays every data record of an S-record patch over the image, as flashing it over the
+// handset's memory would, reading any record type strictly (checksums included).
+// Throws SRecordError naming the line of a bad record or of one that reaches past the
+// image's end; the records before it are laid over already.
+void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch);
 
 // Writes the whole image back over its phone file through a temporary file, so the
 // phone file is either the old one or the new one, never a mix.
