@@ -3,6 +3,7 @@
 #include "about_tab.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
+#include "widget_helpers.hpp"
 
 #include "image/converter_tab.hpp"
 #include "image/file_io.hpp"
@@ -14,7 +15,6 @@
 #include "strings/strings_tab.hpp"
 #include "tones/tones_tab.hpp"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
@@ -36,15 +36,6 @@ namespace {
 
 constexpr const char* kHomePage = "https://zevran-workshop.example.org/";
 constexpr int kStatusPanels = 7;
-
-// The pointer shows busy while a command works, and returns on every exit.
-class BusyPointer {
-public:
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-};
 
 QString fromBytes(const std::string& bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
 

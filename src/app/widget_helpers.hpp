@@ -2,6 +2,7 @@
 // object name, so commands and tests find it by that name.
 #pragma once
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -13,6 +14,15 @@
 #include <QTreeWidget>
 
 namespace zevran::app {
+
+// The pointer shows busy while a command works, and returns on every exit.
+class BusyPointer {
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+};
 
 template <typename Widget>
 Widget* named(Widget* widget, const char* name, const QString& text = QString())
