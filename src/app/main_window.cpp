@@ -304,8 +304,8 @@ QString Form1::versionText()
 
 void Form1::enableOutputsForKind()
 {
-    const bool bin = m_image.FileKind == "bin";
-    const bool asf = m_image.FileKind == "asf";
+    const bool bin = takesSRecordPatch();
+    const bool asf = takesInImagePatch();
     for (const char* name : {"outputs3", "outputStrS3"}) findChild<QAction*>(name)->setEnabled(bin);
     for (const char* name : {"outputaxf", "outputStraxf"}) findChild<QAction*>(name)->setEnabled(asf);
 }
@@ -327,7 +327,7 @@ bool Form1::Saveaxf(bool showDone)
 
 void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 {
-    if (m_image.FileKind != "bin" || regions.empty()) return;
+    if (!takesSRecordPatch() || regions.empty()) return;
     const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
     if (path.isEmpty()) return;
     m_settings.S3SavePath = fromBytes(image::FolderOf(path.toStdString()));
@@ -343,7 +343,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 
 void Form1::patchInImage(const std::vector<image::Region>& regions)
 {
-    if (m_image.FileKind != "asf") return;
+    if (!takesInImagePatch()) return;
     try {
         image::patchImage(m_image, regions);
     } catch (const std::exception& error) {

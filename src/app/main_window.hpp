@@ -51,6 +51,10 @@ public:
     // (message 10), or the regions copied into the image (Save enabled, message 13).
     void writeSRecordPatch(const std::vector<image::Region>& regions);
     void patchInImage(const std::vector<image::Region>& regions);
+    // The output that fits the opened phone file: an S-record patch for "bin", the
+    // image itself for "asf"; neither for "other" or before a file is opened.
+    bool takesSRecordPatch() const { return m_image.FileKind == "bin"; }
+    bool takesInImagePatch() const { return m_image.FileKind == "asf"; }
 
     // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
     QString BrowseForFolder();
