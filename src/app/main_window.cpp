@@ -57,6 +57,8 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     setAcceptDrops(true);
     buildTabs();
     buildMenus();
+    // The string list's commands sit in a pop-up menu built with the menus.
+    m_stringsTab->attach(this);
     buildToolBar();
     buildStatusBar();
     resize(1100, 720);
@@ -304,10 +306,10 @@ QString Form1::versionText()
 
 void Form1::enableOutputsForKind()
 {
-    const bool bin = takesSRecordPatch();
-    const bool asf = takesInImagePatch();
-    for (const char* name : {"outputs3", "outputStrS3"}) findChild<QAction*>(name)->setEnabled(bin);
-    for (const char* name : {"outputaxf", "outputStraxf"}) findChild<QAction*>(name)->setEnabled(asf);
+    findChild<QAction*>("outputs3")->setEnabled(takesSRecordPatch());
+    findChild<QAction*>("outputaxf")->setEnabled(takesInImagePatch());
+    // The string outputs also wait for a checked row of their list.
+    m_stringsTab->updateListMenu();
 }
 
 bool Form1::Saveaxf(bool showDone)
