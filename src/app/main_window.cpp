@@ -15,7 +15,6 @@
 #include "strings/strings_tab.hpp"
 #include "tones/tones_tab.hpp"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
@@ -63,6 +62,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     buildStatusBar();
     // The tabs wire their commands to the pop-up menus and status panels built above.
     m_tonesTab->attach(this);
+    m_stringsTab->attach(this);
     m_converterTab->attach(this);
     resize(1100, 720);
 }
@@ -311,10 +311,10 @@ QString Form1::versionText()
 
 void Form1::enableOutputsForKind()
 {
-    const bool bin = m_image.FileKind == "bin";
-    const bool asf = m_image.FileKind == "asf";
-    for (const char* name : {"outputs3", "outputStrS3"}) findChild<QAction*>(name)->setEnabled(bin);
-    for (const char* name : {"outputaxf", "outputStraxf"}) findChild<QAction*>(name)->setEnabled(asf);
+    findChild<QAction*>("outputs3")->setEnabled(takesSRecordPatch());
+    findChild<QAction*>("outputaxf")->setEnabled(takesInImagePatch());
+    // The string outputs also wait for a checked row of their list.
+    m_stringsTab->updateListMenu();
 }
 
 bool Form1::Saveaxf(bool showDone)
@@ -334,7 +334,7 @@ bool Form1::Saveaxf(bool showDone)
 
 void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 {
-    if (m_image.FileKind != "bin" || regions.empty()) return;
+    if (!takesSRecordPatch() || regions.empty()) return;
     const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
     if (path.isEmpty()) return;
     m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
@@ -350,7 +350,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 
 void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDone)
 {
-    if (m_image.FileKind != "asf") return;
+    if (!takesInImagePatch()) return;
     try {
         image::patchImage(m_image, regions);
     } catch (const std::exception& error) {

@@ -52,6 +52,10 @@ public:
     // unless `showDone` is false, for an output that stopped part way).
     void writeSRecordPatch(const std::vector<image::Region>& regions);
     void patchInImage(const std::vector<image::Region>& regions, bool showDone = true);
+    // The output that fits the opened phone file: an S-record patch for "bin", the
+    // image itself for "asf"; neither for "other" or before a file is opened.
+    bool takesSRecordPatch() const { return m_image.FileKind == "bin"; }
+    bool takesInImagePatch() const { return m_image.FileKind == "asf"; }
 
     // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
     QString BrowseForFolder();

@@ -5,7 +5,10 @@
 #include "code_page.hpp"
 #include "image/patch_writer.hpp"
 
+#include <cstdint>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,5 +38,31 @@ std::vector<std::uint8_t> editRowBytes(const StringEditRow& row, bool handsetCod
 
 // The region of a row, first and last address from its start and end cells.
 image::Region editRowRegion(const StringEditRow& row, bool handsetCodes, std::string_view codePage = kDefaultCodePage);
+
+// What keeps a replacement from filling its string exactly; the text names the
+// string (or the row) and the byte counts.
+class EditRowError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The row that adding a replacement makes for the string found between Text10 and
+// Text9 in the search's encoding: nullopt (message 25) when the start, end or
+// replacement is empty. The spaces are counted in bytes, one a space in single-byte
+// codes and two (A1 20) in handset codes, so the padded replacement fills the string
+// exactly also where a character takes two bytes of the code page. Throws
+// EditRowError when the replacement is longer than the string, or when handset
+// codes, two bytes a character, cannot fill an odd byte count.
+std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::string_view Text10, std::string_view Text9,
+                                               std::string_view Text7, std::string_view Text8, bool handsetCodes,
+                                               std::string_view codePage = kDefaultCodePage);
+
+// The regions of the rows to write, in the order given, in the chosen encoding.
+// Checked before anything is written, so a bad row leaves no half-written output:
+// throws EditRowError naming the row when its bytes do not fill its range exactly
+// (the list was searched in the other encoding) or its range lies outside an image
+// of `imageLength` bytes (the row was found in another phone file).
+std::vector<image::Region> editListRegions(std::span<const StringEditRow> rows, bool handsetCodes,
+                                           std::int64_t imageLength, std::string_view codePage = kDefaultCodePage);
 
 }  // namespace zevran::strings

@@ -11,6 +11,9 @@
 
 namespace zevran::strings {
 
+inline constexpr int kMessageNoFurtherOccurrence = 26;
+inline constexpr int kMessageEmptySearchText = 27;
+
 // The hex search pattern of a UTF-8 text: in handset codes (two bytes a character)
 // or in single-byte codes, where each character's code is written unpadded, so a
 // Chinese character gives its two code-page bytes, high byte first.

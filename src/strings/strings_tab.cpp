@@ -1,16 +1,29 @@
 #include "strings_tab.hpp"
 
+#include "app/main_window.hpp"
 #include "app/widget_helpers.hpp"
+#include "string_search.hpp"
 
+#include <QAction>
 #include <QButtonGroup>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QVBoxLayout>
 
 namespace zevran::strings {
 
 using app::named;
+
+namespace {
+
+// Columns of ListView2.
+enum Column { kNumber, kStart, kEnd, kText, kLength };
+
+QString fromUtf8(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+}  // namespace
 
 StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 {
@@ -58,6 +71,8 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     ListView2 = app::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
+    // `Removeone` removes "the selected row": there is never more than one.
+    ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
     Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
     Option4 = named(new QRadioButton(frame13), "Option4", tr("Write single-byte codes"));
     Option4->setChecked(true);
@@ -77,6 +92,156 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     layout->addWidget(frame10);
     layout->addWidget(frame11);
     layout->addWidget(frame13, 1);
+}
+
+void StringsTab::attach(app::Form1* window)
+{
+    m_window = window;
+    menufile4 = window->findChild<QMenu*>("menufile4");
+    Removeone = menufile4->findChild<QAction*>("Removeone");
+    Removeall = menufile4->findChild<QAction*>("Removeall");
+    outputStrS3 = menufile4->findChild<QAction*>("outputStrS3");
+    outputStraxf = menufile4->findChild<QAction*>("outputStraxf");
+    connect(SeachString, &QPushButton::clicked, this, &StringsTab::SeachString_Click);
+    connect(Text11, &QLineEdit::returnPressed, this, &StringsTab::SeachString_Click);
+    connect(Add2List, &QPushButton::clicked, this, &StringsTab::Add2List_Click);
+    connect(Removeone, &QAction::triggered, this, &StringsTab::Removeone_Click);
+    connect(Removeall, &QAction::triggered, this, &StringsTab::Removeall_Click);
+    connect(outputStrS3, &QAction::triggered, this, &StringsTab::outputStrS3_Click);
+    connect(outputStraxf, &QAction::triggered, this, &StringsTab::outputStraxf_Click);
+    connect(ListView2, &QTreeWidget::customContextMenuRequested, this, &StringsTab::ListView2_ContextMenu);
+    connect(ListView2, &QTreeWidget::itemChanged, this, &StringsTab::updateListMenu);
+    connect(ListView2, &QTreeWidget::itemSelectionChanged, this, &StringsTab::updateListMenu);
+    connect(menufile4, &QMenu::aboutToShow, this, &StringsTab::updateListMenu);
+    updateListMenu();
+}
+
+void StringsTab::SeachString_Click()
+{
+    image::ImageState& state = m_window->imageState();
+    if (SearchBegin->isChecked()) state.LastMatch = 0;
+    if (Text11->text().isEmpty()) {
+        m_window->ShowMessage(kMessageEmptySearchText);
+        return;
+    }
+    for (QLineEdit* shown : {Text8, Text9, Text10}) shown->clear();
+    const bool handsetCodes = Option1->isChecked();
+    std::string pattern;
+    try {
+        pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_window->codePage());
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    int passCount = Text4->text().toInt();
+    std::optional<StringHit> hit;
+    {
+        app::BusyPointer busy;
+        hit = findNextString(state, pattern, handsetCodes, passCount);
+    }
+    Text4->setText(QString::number(passCount));
+    if (hit) {
+        Text10->setText(fromUtf8(hit->Text10));
+        Text9->setText(fromUtf8(hit->Text9));
+        Text8->setText(fromUtf8(hit->Text8));
+        Text7->setMaxLength(hit->maxLength);
+        m_hitInHandsetCodes = handsetCodes;
+    } else {
+        m_window->ShowMessage(kMessageNoFurtherOccurrence);
+    }
+    Add2List->setEnabled(true);
+}
+
+void StringsTab::Add2List_Click()
+{
+    std::optional<StringEditRow> row;
+    try {
+        row = makeFittedEditRow(static_cast<std::size_t>(ListView2->topLevelItemCount()), Text10->text().toStdString(),
+                                Text9->text().toStdString(), Text7->text().toStdString(), Text8->text().toStdString(),
+                                m_hitInHandsetCodes, m_window->codePage());
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    if (!row) {
+        m_window->ShowMessage(kMessageEmptyEditFields);
+        return;
+    }
+    auto* item = new QTreeWidgetItem(
+        {fromUtf8(row->number), fromUtf8(row->start), fromUtf8(row->end), fromUtf8(row->text), fromUtf8(row->length)});
+    item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+    // A new replacement is meant to be written: it starts checked.
+    item->setCheckState(kNumber, Qt::Checked);
+    ListView2->addTopLevelItem(item);
+    updateListMenu();
+}
+
+void StringsTab::Removeone_Click()
+{
+    const QList<QTreeWidgetItem*> selected = ListView2->selectedItems();
+    if (selected.isEmpty()) return;
+    delete selected.first();
+    updateListMenu();
+}
+
+void StringsTab::Removeall_Click()
+{
+    ListView2->clear();
+    updateListMenu();
+}
+
+void StringsTab::updateListMenu()
+{
+    if (!m_window) return;
+    bool anyChecked = false;
+    for (int i = 0; i < ListView2->topLevelItemCount() && !anyChecked; ++i)
+        anyChecked = ListView2->topLevelItem(i)->checkState(kNumber) == Qt::Checked;
+    Removeone->setEnabled(!ListView2->selectedItems().isEmpty());
+    Removeall->setEnabled(ListView2->topLevelItemCount() > 0);
+    outputStrS3->setEnabled(anyChecked && m_window->takesSRecordPatch());
+    outputStraxf->setEnabled(anyChecked && m_window->takesInImagePatch());
+}
+
+void StringsTab::ListView2_ContextMenu(const QPoint& position)
+{
+    menufile4->popup(ListView2->viewport()->mapToGlobal(position));
+}
+
+std::vector<StringEditRow> StringsTab::checkedRows() const
+{
+    std::vector<StringEditRow> rows;
+    for (int i = 0; i < ListView2->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = ListView2->topLevelItem(i);
+        if (item->checkState(kNumber) != Qt::Checked) continue;
+        rows.push_back({item->text(kNumber).toStdString(), item->text(kStart).toStdString(),
+                        item->text(kEnd).toStdString(), item->text(kText).toStdString(),
+                        item->text(kLength).toStdString()});
+    }
+    return rows;
+}
+
+std::optional<std::vector<image::Region>> StringsTab::checkedRegions()
+{
+    const std::vector<StringEditRow> rows = checkedRows();
+    if (rows.empty()) return std::nullopt;
+    try {
+        return editListRegions(rows, Option3->isChecked(), m_window->imageState().FirmwareLength, m_window->codePage());
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return std::nullopt;
+    }
+}
+
+void StringsTab::outputStrS3_Click()
+{
+    if (!m_window->takesSRecordPatch()) return;
+    if (const auto regions = checkedRegions()) m_window->writeSRecordPatch(*regions);
+}
+
+void StringsTab::outputStraxf_Click()
+{
+    if (!m_window->takesInImagePatch()) return;
+    if (const auto regions = checkedRegions()) m_window->patchInImage(*regions);
 }
 
 }  // namespace zevran::strings

@@ -1,13 +1,21 @@
 // The text-string tab: search the image for a text and plan same-length replacements.
 #pragma once
 
-#include <QWidget>
+#include "string_edit.hpp"
 
+#include <QWidget>
+#include <vector>
+
+class QAction;
 class QCheckBox;
 class QLineEdit;
+class QMenu;
+class QPoint;
 class QPushButton;
 class QRadioButton;
 class QTreeWidget;
+
+namespace zevran::app { class Form1; }
 
 namespace zevran::strings {
 
@@ -15,6 +23,23 @@ class StringsTab : public QWidget {
     Q_OBJECT
 public:
     explicit StringsTab(QWidget* parent = nullptr);
+
+    // The window whose image, dialogs, messages and pop-up menu `menufile4` the
+    // commands use; called once the window's menus exist.
+    void attach(app::Form1* window);
+
+    void SeachString_Click();
+    void Add2List_Click();
+    void Removeone_Click();
+    void Removeall_Click();
+    void outputStrS3_Click();
+    void outputStraxf_Click();
+
+    // The list's pop-up items: `Removeone` needs a selected row, `Removeall` any row,
+    // and each output a checked row and a phone file of its kind ("bin" for
+    // `outputStrS3`, "asf" for `outputStraxf`). Run on every item event of the list,
+    // when a phone file is opened and when the menu opens.
+    void updateListMenu();
 
     QLineEdit* Text11;  // text to look for
     QLineEdit* Text4;   // hits so far in this pass
@@ -30,6 +55,22 @@ public:
     QPushButton* SeachString;
     QPushButton* Add2List;
     QTreeWidget* ListView2;
+
+private:
+    void ListView2_ContextMenu(const QPoint& position);
+    std::vector<StringEditRow> checkedRows() const;
+    // The checked rows' regions in the output encoding; nullopt when a row cannot be
+    // written (its error shown) or nothing is checked.
+    std::optional<std::vector<image::Region>> checkedRegions();
+
+    app::Form1* m_window = nullptr;
+    QMenu* menufile4 = nullptr;
+    QAction* Removeone = nullptr;
+    QAction* Removeall = nullptr;
+    QAction* outputStrS3 = nullptr;
+    QAction* outputStraxf = nullptr;
+    // The encoding the shown hit was found in, which the replacement is padded in.
+    bool m_hitInHandsetCodes = false;
 };
 
 }  // namespace zevran::strings
