@@ -351,13 +351,20 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDone)
 {
     if (!takesInImagePatch()) return;
+    bool whole = true;
     try {
-        image::patchImage(m_image, regions);
+        whole = image::patchImage(m_image, regions);
     } catch (const std::exception& error) {
         showError(QString::fromUtf8(error.what()));
         return;
     }
+    // Even a region cut at the image's end changed the bytes before it.
     m_save->setEnabled(true);
+    if (!whole) {
+        showError(QStringLiteral("A change reaches past the end of the image (%1 bytes): only the bytes up to the end were changed.")
+                      .arg(m_image.FirmwareImage.size()));
+        return;
+    }
     if (showDone) ShowMessage(13);
 }
 
