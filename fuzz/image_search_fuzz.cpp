@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,18 @@ void checkToneScan(const std::vector<std::uint8_t>& bytes)
             fail("scanTones gave another row than a plain walk");
     }
     if (state.LastMatch != 0) fail("scanTones left a LastMatch behind");
+
+    // Read in chunks, as zevran-cli tones reads a file, the rows are the same.
+    for (std::size_t chunk : {std::size_t{8}, std::size_t{9} + bytes.size() % 23, std::size_t{4096}}) {
+        std::istringstream in(std::string(bytes.begin(), bytes.end()));
+        const tones::ToneStreamScan streamed = tones::scanToneStream(in, chunk);
+        if (streamed.imageBytes != static_cast<std::int64_t>(bytes.size())) fail("scanToneStream miscounted the bytes");
+        if (streamed.rows.size() != expected.size()) fail("scanToneStream found another number of tones");
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            if (streamed.rows[i].start != expected[i].start || streamed.rows[i].size != expected[i].size ||
+                streamed.rows[i].number != expected[i].number || streamed.rows[i].end != expected[i].end)
+                fail("scanToneStream gave another row than the whole-image scan");
+    }
 }
 
 // The pattern bytes of a hex text as the shared search reads them: byte k from

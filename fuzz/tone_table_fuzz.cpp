@@ -1,14 +1,18 @@
 // The input as a tone table file. Every row read is exported against a fixed 4 KiB
 // image holding three tones, the last running past the image's end: the bytes must
 // be exactly start to end, or a ToneExportError. Rows whose cells hold no space, TAB
-// or line end must come back unchanged through toneTableText and readToneTable.
+// or line end must come back unchanged through toneTableText and readToneTable. Each
+// row is also the slot of a replacement-plan pair whose patch region must cover the
+// whole slot inside the image, or be refused.
 #include "image/hex_text.hpp"
 #include "tones/tone_export.hpp"
+#include "tones/tone_patch.hpp"
 #include "tones/tone_table.hpp"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 #include <limits>
 #include <optional>
 #include <string>
@@ -92,6 +96,44 @@ void checkExport(const ToneSlot& row)
     }
 }
 
+// A new tone of 150 bytes on disk, made once, that every row read is paired with.
+const std::string& newToneFolder()
+{
+    static const std::string folder = [] {
+        char pattern[] = "/tmp/tone-table-fuzz-XXXXXX";
+        if (!::mkdtemp(pattern)) fail("no temporary folder for the new tone");
+        std::FILE* file = std::fopen((std::string(pattern) + "/new.mmf").c_str(), "wb");
+        if (!file) fail("cannot write the new tone");
+        for (int i = 0; i < 150; ++i) std::fputc('N', file);
+        std::fclose(file);
+        return std::string(pattern);
+    }();
+    return folder;
+}
+
+// The row paired with the new tone in the replacement plan, and its patch region:
+// whole slot, in the image, the tone first and zeros after; or one of the answers.
+void checkPatchRegion(const ToneSlot& slot)
+{
+    const image::ImageState& state = fixedImage();
+    const ReplacementRow row{"001", planFileText("new.mmf", "150"), planSlotText(slot), true};
+    PlanRowPatch patch;
+    try {
+        patch = tonePatchRegion(row, newToneFolder(), static_cast<std::int64_t>(state.FirmwareImage.size()));
+    } catch (const TonePlanError&) {
+        return;
+    }
+    if (patch.result != PlanRowResult::Region) return;
+    const image::Region& region = patch.region;
+    if (region.first < 0 || region.last < region.first ||
+        static_cast<std::size_t>(region.last) >= state.FirmwareImage.size())
+        fail("a patch region lies outside the image", slot);
+    if (region.bytes.size() != static_cast<std::size_t>(region.last - region.first + 1)) fail("a region's bytes differ from its range", slot);
+    if (region.bytes.size() < 150) fail("a tone was let into a smaller slot", slot);
+    for (std::size_t i = 0; i < region.bytes.size(); ++i)
+        if (region.bytes[i] != (i < 150 ? 'N' : 0)) fail("a region is not the tone followed by zeros", slot);
+}
+
 bool plainCell(std::string_view cell) { return cell.find_first_of(" \t\r\n") == std::string_view::npos; }
 
 bool plainRow(const ToneSlot& row)
@@ -114,6 +156,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<ToneSlot> plain;
     for (const ToneSlot& row : read.rows) {
         checkExport(row);
+        checkPatchRegion(row);
         if (plainRow(row)) plain.push_back(row);
     }
 
