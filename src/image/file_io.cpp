@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -133,13 +134,31 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
 
 void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes)
 {
-    std::string temporary = path + ".saving-XXXXXX";
+    struct stat original {};
+    const bool exists = ::stat(path.c_str(), &original) == 0;
+    if (exists && S_ISDIR(original.st_mode)) throw FileError(path + ": is a folder, not a file");
+    if (exists && !S_ISREG(original.st_mode)) {
+        // A device or pipe takes the bytes where it is: renaming over it would replace it.
+        UniqueFd fd = openFd(path, O_WRONLY);
+        if (*fd < 0) throw FileError(describeErrno(path, errno));
+        writeAll(*fd, bytes, path);
+        int closing = *fd;
+        *fd = -1;
+        if (::close(closing) != 0) throw FileError(describeErrno(path, errno));
+        return;
+    }
+    // Through a link the file it names is replaced, and the link stays.
+    std::string target = path;
+    if (exists) {
+        std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+        if (real) target = real.get();
+    }
+    std::string temporary = target + ".saving-XXXXXX";
     int rawFd = ::mkstemp(temporary.data());
     if (rawFd < 0) throw FileError(describeErrno(temporary, errno));
     UniqueFd fd(new int(rawFd));
     try {
-        struct stat original {};
-        if (::stat(path.c_str(), &original) == 0) {
+        if (exists) {
             ::fchmod(*fd, original.st_mode & 07777);
         } else {
             // A new file gets the usual permissions rather than the private ones of mkstemp.
@@ -152,7 +171,7 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
         int closing = *fd;
         *fd = -1;
         if (::close(closing) != 0) throw FileError(describeErrno(temporary, errno));
-        if (::rename(temporary.c_str(), path.c_str()) != 0) throw FileError(describeErrno(path, errno));
+        if (::rename(temporary.c_str(), target.c_str()) != 0) throw FileError(describeErrno(path, errno));
     } catch (...) {
         ::unlink(temporary.c_str());
         throw;
