@@ -102,6 +102,8 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
     struct stat info {};
     if (::fstat(*fd, &info) != 0) throw FileError(describeErrno(path, errno));
     if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
+    // A device such as /dev/zero never ends: reading it whole would never finish.
+    if (S_ISCHR(info.st_mode) || S_ISBLK(info.st_mode)) throw FileError(path + ": is a device, not a file");
     std::vector<std::uint8_t> bytes;
     // A regular file is read in one block; other files (pipes, devices) as they come.
     const std::size_t size = S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;

@@ -80,6 +80,12 @@ TEST(ReadWholeFile, FolderAndMissingFileNameThePath)
     EXPECT_EQ(whatOf([&] { readWholeFile(folder.path("none.bin")); }), folder.path("none.bin") + ": No such file or directory");
 }
 
+TEST(ReadWholeFile, EndlessDeviceIsRefusedRatherThanReadForever)
+{
+    EXPECT_EQ(whatOf([] { readWholeFile("/dev/zero"); }), "/dev/zero: is a device, not a file");
+    EXPECT_EQ(whatOf([] { readWholeFile("/dev/full"); }), "/dev/full: is a device, not a file");
+}
+
 TEST(ReadWholeFile, FileThatCannotBeReadNamesThePath)
 {
     // A folder under /proc refuses reads whoever asks, root included.
