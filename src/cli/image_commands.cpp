@@ -80,7 +80,7 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     std::ofstream out = openOutputFile(output);
     SRecordToBinary converter(in, out, options);
     try {
-        converter.convertAll();
+        withOutputName(output, [&] { converter.convertAll(); });
     } catch (const SRecordError& error) {
         out.close();
         throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");
@@ -109,7 +109,7 @@ int runBinToS3(const std::vector<std::string>& words, const Context&)
     }
     refuseSameFile(input, output);
     std::ofstream out = openOutputFile(output);
-    binaryToSRecord(&in, out, start, end, fill);
+    withOutputName(output, [&] { binaryToSRecord(&in, out, start, end, fill); });
     closeOutputFile(out, output);
     return 0;
 }
@@ -126,7 +126,7 @@ int runFillS3(const std::vector<std::string>& words, const Context&)
     const std::uint8_t fill = fillArgument(args.value("--fill"));
     const std::string output = *args.value("-o");
     std::ofstream out = openOutputFile(output);
-    binaryToSRecord(nullptr, out, start, end, fill);
+    withOutputName(output, [&] { binaryToSRecord(nullptr, out, start, end, fill); });
     closeOutputFile(out, output);
     return 0;
 }

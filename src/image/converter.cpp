@@ -36,7 +36,7 @@ void SRecordToBinary::flush()
     m_outputWritten += m_outBuffer.size();
     m_outBuffer.clear();
     m_out.flush();
-    if (!m_out) throw FileError("the binary output could not be written (disk full?)");
+    if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
 }
 
 void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
@@ -45,7 +45,7 @@ void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
     if (count >= kBlock) {
         m_out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
         m_outputWritten += count;
-        if (!m_out) throw FileError("the binary output could not be written (disk full?)");
+        if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
         return;
     }
     m_outBuffer.insert(m_outBuffer.end(), bytes, bytes + count);
@@ -142,13 +142,13 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
         text.clear();
         appendSRecordLines(text, std::span<const std::uint8_t>(block.data(), piece), address);
         out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        if (!out) throw FileError("the S-record output could not be written (disk full?)");
+        if (!out) throw OutputWriteError("the S-record output could not be written (disk full?)");
         address += static_cast<std::uint32_t>(piece);
         remaining -= piece;
     }
     out.write(S7Line.data(), static_cast<std::streamsize>(S7Line.size()));
     out.flush();
-    if (!out) throw FileError("the S-record output could not be written (disk full?)");
+    if (!out) throw OutputWriteError("the S-record output could not be written (disk full?)");
 }
 
 std::uint32_t wholeFileLastAddress(const std::string& path)

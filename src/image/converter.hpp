@@ -2,6 +2,8 @@
 // Both stream: memory stays a few MiB whatever the size of input or output.
 #pragma once
 
+#include "file_io.hpp"
+
 #include "srecord_reader.hpp"
 
 #include <cstdint>
@@ -16,6 +18,24 @@ enum class S3ToBinMode {
     FullAddress,  // an image of the address space from 0, gaps filled
     DataOnly,     // the records' data one after another, addresses ignored
 };
+
+// The output stream refused bytes; the converter knows no file name, so whoever
+// opened the output names it (see withOutputName).
+class OutputWriteError : public FileError {
+public:
+    using FileError::FileError;
+};
+
+// Runs a conversion, naming `output` in an OutputWriteError it raises.
+template <typename Job>
+void withOutputName(const std::string& output, Job&& job)
+{
+    try {
+        job();
+    } catch (const OutputWriteError& error) {
+        throw FileError(output + ": " + error.what());
+    }
+}
 
 struct S3ToBinOptions {
     S3ToBinMode mode = S3ToBinMode::FullAddress;

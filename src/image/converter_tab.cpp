@@ -176,6 +176,8 @@ void ConverterTab::convertS3ToBin()
             ProgressBar3->setValue(ProgressBar3->maximum());
         }
         converter.flush();
+    } catch (const OutputWriteError& error) {
+        failure = QString::fromStdString(output) + ": " + QString::fromUtf8(error.what());
     } catch (const std::exception& error) {
         failure = QString::fromStdString(input) + ": " + QString::fromUtf8(error.what());
     }
@@ -221,7 +223,9 @@ void ConverterTab::ComBinToS3_Click()
             check.end = wholeFileLastAddress(fields.inputPath);
         }
         std::ofstream out = openOutputFile(output);
-        binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
+        withOutputName(output, [&] {
+            binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
+        });
         closeOutputFile(out, output);
     } catch (const std::exception& error) {
         m_window->showError(QString::fromUtf8(error.what()));

@@ -68,6 +68,8 @@ std::ifstream openInputFile(const std::string& path)
 {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) throw FileError(path + ": is a folder, not a file");
+    if (std::filesystem::is_character_file(path, ignored) || std::filesystem::is_block_file(path, ignored))
+        throw FileError(path + ": is a device, not a file");
     errno = 0;
     std::ifstream in(path, std::ios::binary);
     if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
