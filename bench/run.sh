@@ -159,6 +159,22 @@ if [[ -x $BIN/zevran-window-bench ]]; then
   rm -f "$DATA/window.bin"
 fi
 
+# --- load: a 256 MiB phone file opened, scanned and searched in the window ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "Load: a 256 MiB phone file (image.bin four times) opened in the window, tones scanned, a text searched"
+  [[ -f $DATA/large.bin ]] || cat "$DATA/image.bin" "$DATA/image.bin" "$DATA/image.bin" "$DATA/image.bin" >"$DATA/large.bin"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" --load "$DATA/large.bin" >"$DATA/load.txt" 2>>"$LOG"
+  load_value() { awk -v key="$1" '$1 == key { print $2 }' "$DATA/load.txt"; }
+  check "1200 tones listed in the 256 MiB image" test "$(load_value load_tone_rows)" -eq 1200
+  check "the text found" test -n "$(load_value load_found_at)"
+  over_mib=$(awk -v peak="$(load_value load_peak_kib)" -v bytes="$(load_value load_image_bytes)" \
+    'BEGIN { printf "%.1f", (peak * 1024 - bytes) / 1048576 }')
+  verdict "256 MiB load, peak memory above the image size, MiB" "$over_mib" "<=" 100
+  echo "  open $(load_value load_open_s) s, scan $(load_value load_scan_s) s, search $(load_value load_search_s) s"
+  echo "  peak $(awk -v k="$(load_value load_peak_kib)" 'BEGIN { printf "%.0f", k / 1024 }') MiB: the image plus $over_mib MiB  $VERDICT (target <= 100)"
+fi
+
 # --- binary to S-record ---
 echo
 echo "Binary to S-record: $bin_bytes bytes -> S3 text"

@@ -2,8 +2,11 @@
 // tone list with 5000 rows, and an S-record conversion in slices on the event loop,
 // with the longest pause between two turns of the loop while it runs.
 // Usage: zevran-window-bench S3FILE  (writes S3FILE less ".s3" plus ".bin")
+//        zevran-window-bench --load PHONEFILE  (opens it, scans tones, searches a text;
+//        prints the peak memory, which must not hold the image twice)
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
+#include "strings/strings_tab.hpp"
 #include "tones/tones_tab.hpp"
 
 #include <QApplication>
@@ -16,6 +19,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <algorithm>
+#include <sys/resource.h>
 #include <cstdio>
 #include <vector>
 
@@ -57,14 +61,47 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+long peakKibibytes()
+{
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+int loadLargeImage(const QString& phone)
+{
+    QTemporaryDir home;
+    zevran::app::Form1 window(home.path(), std::make_unique<SilentDialogs>());
+    window.LoadSettings();
+    const long before = peakKibibytes();
+    QElapsedTimer clock;
+    clock.start();
+    window.openPhoneFile(phone);
+    const double opened = clock.nsecsElapsed() / 1e9;
+    auto* tones = window.findChild<zevran::tones::TonesTab*>();
+    tones->GetTone_Click();
+    const double scanned = clock.nsecsElapsed() / 1e9;
+    auto* strings = window.findChild<zevran::strings::StringsTab*>();
+    strings->Text11->setText(QStringLiteral("Melody"));
+    strings->SeachString_Click();
+    const double searched = clock.nsecsElapsed() / 1e9;
+    std::printf("load_image_bytes %lld\nload_tone_rows %d\nload_found_at %s\n",
+                static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->topLevelItemCount(),
+                qPrintable(strings->Text10->text()));
+    std::printf("load_open_s %.3f\nload_scan_s %.3f\nload_search_s %.3f\n", opened, scanned - opened, searched - scanned);
+    std::printf("load_peak_before_kib %ld\nload_peak_kib %ld\n", before, peakKibibytes());
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    if (argc == 3 && QByteArray(argv[1]) == "--load") return loadLargeImage(QString::fromLocal8Bit(argv[2]));
     if (argc != 2) {
-        std::fprintf(stderr, "usage: zevran-window-bench S3FILE\n");
+        std::fprintf(stderr, "usage: zevran-window-bench S3FILE | --load PHONEFILE\n");
         return 2;
     }
     QTemporaryDir home;
