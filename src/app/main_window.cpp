@@ -68,6 +68,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     buildMenus();
     buildToolBar();
     buildStatusBar();
+    m_picturesTab->attach(this);
     resize(1100, 720);
 }
 
@@ -407,7 +408,7 @@ void Form1::closeEvent(QCloseEvent* event)
     const ProfileFile settings(settingsPath().toStdString());
     m_settings.save(settings, m_tonesTab->currentFolder());
     settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
-    m_picturesTab->Timer2->stop();
+    m_picturesTab->shutDown();
     m_aboutTab->stopScroller();
     event->accept();
 }
