@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -737,6 +738,37 @@ private slots:
         QVERIFY(!m_tab->Timer2->isActive());
         QCOMPARE(m_dialogs->codes(), std::vector<int>{18});
         QVERIFY(QFile::exists(path("logo-03.bmp")));
+    }
+
+    void closingDuringAnExportIsRefused()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        row(Logo)->setSelected(true);
+        m_dialogs->folders.push_back(m_home.path());
+        bool accepted = true;
+        QTimer::singleShot(0, this, [&] {
+            QCloseEvent event;
+            QCoreApplication::sendEvent(m_window.get(), &event);
+            accepted = event.isAccepted();
+        });
+        choose(m_tab->outputpic);
+        QVERIFY(!accepted);
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{32, 18}));
+        QVERIFY(m_window->mayClose);
+    }
+
+    void shutDownStopsThePlayerAndClearsThePause()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->PlayPicture->click();
+        m_tab->PausePlay->click();
+        QVERIFY(m_tab->paused());
+        QVERIFY(m_window->close());
+        QVERIFY(!m_tab->Timer2->isActive());
+        QVERIFY(!m_tab->paused());
     }
 
     // ---- The S-record patch ----
