@@ -63,6 +63,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     // The tabs wire their commands to the pop-up menus and status panels built above.
     m_tonesTab->attach(this);
     m_stringsTab->attach(this);
+    m_picturesTab->attach(this);
     m_converterTab->attach(this);
     resize(1100, 720);
 }
@@ -413,7 +414,7 @@ void Form1::closeEvent(QCloseEvent* event)
     m_settings.save(settings, m_tonesTab->currentFolder());
     settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
     settings.WriteSetting("Window", "Tab", std::to_string(m_tabs->currentIndex()));
-    m_picturesTab->Timer2->stop();
+    m_picturesTab->shutDown();
     m_aboutTab->stopScroller();
     event->accept();
 }

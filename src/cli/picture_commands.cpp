@@ -7,6 +7,7 @@
 #include "image/patch_writer.hpp"
 #include "image/phone_file.hpp"
 #include "pictures/picture_frames.hpp"
+#include "pictures/picture_player.hpp"
 #include "pictures/picture_table.hpp"
 #include "pictures/pixel_decode.hpp"
 
@@ -46,10 +47,10 @@ bool decodeFrame(const ImageState& state, const PictureEntry& row, std::int64_t 
 {
     const FrameGeometry geometry = frameGeometry(row);
     const std::int64_t address = frameAddress(geometry, frame);
-    if (geometry.depth == 1 && monoAllowed)
-        return DecodeMonoFrame(state.FirmwareImage, address, path, geometry.width, geometry.height);
+    const std::string colourTable = context.home + "/16.dat";
+    if (monoAllowed) return decodePreviewFrame(state.FirmwareImage, geometry, address, path, colourTable);
     return DecodePictureFrame(state.FirmwareImage, address, path, geometry.width, geometry.height, geometry.depth,
-                              readColourTable(context.home + "/16.dat"));
+                              coloursForDepth(geometry.depth, colourTable));
 }
 
 int runPicture(const std::vector<std::string>& words, const Context& context)

@@ -1,12 +1,26 @@
 #include "pictures_tab.hpp"
 
+#include "app/main_window.hpp"
 #include "app/widget_helpers.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "picture_frames.hpp"
+#include "picture_table.hpp"
+#include "pixel_decode.hpp"
+#include "strings/code_page.hpp"
 
+#include <QApplication>
+#include <QEvent>
+#include <QFile>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QMenu>
+#include <QPixmap>
 #include <QSlider>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace zevran::pictures {
 
@@ -17,6 +31,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     setObjectName("PicturesTab");
     auto* table = new QWidget(this);
     auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
+    m_frame16 = frame16;
     ListView5 = app::reportList("ListView5",
                                 {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
                                 table);
@@ -43,6 +58,9 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Picture2->setMinimumSize(256, 320);
     Picture2->setAlignment(Qt::AlignCenter);
     Picture2->setFrameShape(QFrame::StyledPanel);
+    // The frame is scaled to the label, never the label to the frame: a typed size of
+    // thousands of pixels must not stretch the window.
+    Picture2->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     Text15 = named(new QLineEdit(this), "Text15");
     Text16 = named(new QLineEdit(this), "Text16");
     Text15->setReadOnly(true);
@@ -78,6 +96,453 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(table, 3);
     layout->addWidget(frame16, 2);
+}
+
+using namespace zevran::image;
+
+namespace {
+
+QString qText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+PictureEntry entryOf(const QTreeWidgetItem* item)
+{
+    if (!item) return {};  // no row chosen: every cell reads as empty, every number as 0
+    auto cell = [item](int column) { return item->text(column).toStdString(); };
+    return {cell(0), cell(1), cell(2), cell(3), cell(4), cell(5), cell(6)};
+}
+
+// Each pixel as a square block of zoom x zoom. QImage::scaled does not replicate an
+// indexed image's pixels exactly, so the blocks are laid out here.
+QImage enlarged(const QImage& picture, int zoom)
+{
+    const QImage source = picture.convertToFormat(QImage::Format_RGB32);
+    QImage out(source.width() * zoom, source.height() * zoom, QImage::Format_RGB32);
+    for (int y = 0; y < out.height(); ++y) {
+        const auto* in = reinterpret_cast<const QRgb*>(source.constScanLine(y / zoom));
+        auto* line = reinterpret_cast<QRgb*>(out.scanLine(y));
+        for (int x = 0; x < out.width(); ++x) line[x] = in[x / zoom];
+    }
+    return out;
+}
+
+// "row 003: " before a reason, so a message names the row it is about.
+QString onRow(const PictureEntry& row, const std::exception& error)
+{
+    return row.number.empty() ? qText(error.what()) : qText("row " + row.number + ": " + error.what());
+}
+
+}  // namespace
+
+// A long command at work: the pointer is busy, the tab's controls wait, and the window
+// may not close, since pending events run between the frames or rows written.
+class PicturesTab::Work {
+public:
+    explicit Work(PicturesTab& tab) : m_tab(tab), m_mayClose(tab.m_window->mayClose)
+    {
+        m_tab.m_working = true;
+        m_tab.m_window->mayClose = false;
+        for (QWidget* control : m_tab.workControls()) control->setEnabled(false);
+    }
+    ~Work()
+    {
+        for (QWidget* control : m_tab.workControls()) control->setEnabled(true);
+        m_tab.m_window->mayClose = m_mayClose;
+        m_tab.m_working = false;
+    }
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+
+private:
+    PicturesTab& m_tab;
+    bool m_mayClose;
+    app::BusyPointer m_busy;
+};
+
+std::vector<QWidget*> PicturesTab::workControls() const
+{
+    return {ListView5, OpenPicTable, SavePicTable, Check1, Text21, m_frame16};
+}
+
+void PicturesTab::attach(app::Form1* window)
+{
+    m_window = window;
+    menufile5 = window->findChild<QMenu*>("menufile5");
+    outputpic = menufile5->findChild<QAction*>("outputpic");
+    outputpicall = menufile5->findChild<QAction*>("outputpicall");
+    outputpics3 = menufile5->findChild<QAction*>("outputpics3");
+    connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
+    connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
+    connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
+    // A row chosen with the keyboard is shown too; a mouse press is left to the click.
+    connect(ListView5, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+        if (item && item->isSelected() && QApplication::mouseButtons() == Qt::NoButton) ListView5_ItemClick(item);
+    });
+    connect(ListView5, &QTreeWidget::customContextMenuRequested, this, &PicturesTab::ListView5_MouseUp);
+    ListView5->viewport()->installEventFilter(this);
+    Picture2->installEventFilter(this);
+    connect(nextpicture, &QPushButton::clicked, this, &PicturesTab::nextpicture_Click);
+    connect(PreviousPicture, &QPushButton::clicked, this, &PicturesTab::PreviousPicture_Click);
+    connect(PlayPicture, &QPushButton::clicked, this, &PicturesTab::PlayPicture_Click);
+    connect(PausePlay, &QPushButton::clicked, this, &PicturesTab::PausePlay_Click);
+    connect(StopPlay, &QPushButton::clicked, this, &PicturesTab::StopPlay_Click);
+    connect(Slider1, &QSlider::valueChanged, this, &PicturesTab::Slider1_Change);
+    connect(Timer2, &QTimer::timeout, this, &PicturesTab::Timer2_Timer);
+    connect(outputpic, &QAction::triggered, this, &PicturesTab::outputpic_Click);
+    connect(outputpicall, &QAction::triggered, this, &PicturesTab::outputpicall_Click);
+    connect(outputpics3, &QAction::triggered, this, &PicturesTab::outputpics3_Click);
+    enablePictureMenu();
+}
+
+bool PicturesTab::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == ListView5->viewport() && event->type() == QEvent::MouseButtonDblClick) ListView5_DblClick();
+    if (watched == Picture2 && event->type() == QEvent::Resize) scalePreview();
+    return QWidget::eventFilter(watched, event);
+}
+
+// ---- Picture tables ----
+
+void PicturesTab::OpenPicTable_Click()
+{
+    m_frame = 0;  // also when the dialog is then cancelled
+    app::ShellSettings& settings = m_window->settings();
+    const QString path = m_window->dialogs().openFile(settings.TableSavePath, m_window->filter(2), 2);
+    if (path.isEmpty()) return;
+    settings.TableSavePath = qText(FolderOf(path.toStdString()));
+    // The list is replaced, so an animation of one of its rows ends here.
+    stopPlayer();
+    ListView5->clear();
+    std::vector<PictureEntry> rows;
+    try {
+        const auto bytes = readWholeFile(path.toStdString());
+        const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_window->codePage());
+        rows = readPictureTable(text, Check1->isChecked());
+    } catch (const std::exception&) {
+        for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
+        m_window->ShowMessage(kMessageBadPictureTable);
+        return;
+    }
+    for (const PictureEntry& row : rows) {
+        auto* item = new QTreeWidgetItem(ListView5, {qText(row.number), qText(row.name), qText(row.address),
+                                                     qText(row.frames), qText(row.frameSize), qText(row.dimensions),
+                                                     qText(row.depth)});
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        item->setCheckState(0, Qt::Unchecked);
+    }
+    for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
+}
+
+void PicturesTab::SavePicTable_Click()
+{
+    if (ListView5->topLevelItemCount() == 0) {
+        m_window->ShowMessage(4);
+        return;
+    }
+    app::ShellSettings& settings = m_window->settings();
+    const QString path = m_window->dialogs().saveFile(settings.TableSavePath, m_window->filter(2), 2);
+    if (path.isEmpty()) return;
+    settings.TableSavePath = qText(FolderOf(path.toStdString()));
+    std::vector<PictureEntry> rows;
+    for (int i = 0; i < ListView5->topLevelItemCount(); ++i) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    // The frame, size, dimension and depth columns are labelled with their headers as shown.
+    std::array<std::string, 4> headers;
+    for (int column = 3; column <= 6; ++column)
+        headers[static_cast<std::size_t>(column - 3)] = ListView5->headerItem()->text(column).toStdString();
+    try {
+        const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
+        const std::string bytes = strings::encodeText(text, m_window->codePage());
+        saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+    } catch (const std::exception& error) {
+        m_window->showError(path + ": " + qText(error.what()));
+        return;
+    }
+    m_window->ShowMessage(16);
+}
+
+// ---- The preview and its player ----
+
+QTreeWidgetItem* PicturesTab::selectedRow() const
+{
+    QTreeWidgetItem* current = ListView5->currentItem();
+    if (current && current->isSelected()) return current;
+    const auto selected = ListView5->selectedItems();
+    return selected.isEmpty() ? nullptr : selected.first();
+}
+
+std::string PicturesTab::colourTablePath() const { return (m_window->programFolder() + "/16.dat").toStdString(); }
+
+void PicturesTab::showWrongFormat()
+{
+    m_window->dialogs().message(0, app::MessageKind::Critical, qText(kWrongFormatTitle), qText(kWrongFormatText));
+}
+
+// Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
+// loaded into Picture2, and the file deleted again. Returns why it could not, or "".
+QString PicturesTab::showFrame(const std::string& path)
+{
+    const PictureEntry row = entryOf(selectedRow());
+    const QString file = QString::fromStdString(path);
+    try {
+        const FrameGeometry geometry = pictures::frameGeometry(row);
+        const std::int32_t address = shownFrameAddress(geometry, m_frame);
+        Text15->setText(qText(frameAddressText(address)));
+        Text16->setText(qText(frameOrdinalText(m_frame)));
+        // A refused depth leaves the picture on show as it was.
+        if (!decodePreviewFrame(m_window->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
+            showWrongFormat();
+            return {};
+        }
+        emit previewFileWritten(file);
+        loadPreview(file);
+    } catch (const std::exception& error) {
+        QFile::remove(file);
+        return onRow(row, error);
+    }
+    QFile::remove(file);
+    return {};
+}
+
+void PicturesTab::showFrameOrError(const std::string& path)
+{
+    const QString failure = showFrame(path);
+    if (!failure.isEmpty()) m_window->showError(failure);
+}
+
+void PicturesTab::loadPreview(const QString& path)
+{
+    m_preview = QImage();
+    m_preview.load(path, "BMP");
+    scalePreview();
+}
+
+// The frame is enlarged by the largest whole factor that fits the label, without
+// smoothing, so a 96 x 64 picture fills the preview. The BMP files stay as decoded.
+void PicturesTab::scalePreview()
+{
+    if (m_preview.isNull()) {
+        Picture2->clear();
+        return;
+    }
+    const int frame = 2 * Picture2->frameWidth();
+    const QSize area = Picture2->size().expandedTo(Picture2->minimumSize()) - QSize(frame, frame);
+    m_zoom = std::max(1, std::min(area.width() / m_preview.width(), area.height() / m_preview.height()));
+    Picture2->setPixmap(QPixmap::fromImage(enlarged(m_preview, m_zoom)));
+}
+
+void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
+{
+    if (!item || m_working) return;
+    m_frame = 0;
+    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+}
+
+void PicturesTab::ListView5_DblClick() { m_window->ShowMessage(39); }
+
+void PicturesTab::nextpicture_Click()
+{
+    try {
+        m_frame = steppedFrame(m_frame, 1);
+    } catch (const PlayerOverflow& error) {
+        m_window->showError(qText(error.what()));
+        return;
+    }
+    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+}
+
+void PicturesTab::PreviousPicture_Click()
+{
+    try {
+        m_frame = steppedFrame(m_frame, -1);
+    } catch (const PlayerOverflow& error) {
+        m_window->showError(qText(error.what()));
+        return;
+    }
+    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+}
+
+void PicturesTab::PlayPicture_Click()
+{
+    // After a pause the timer is still running: play only lets its ticks work again.
+    if (!m_paused) Timer2->start();
+    m_paused = false;
+    PausePlay->setEnabled(true);
+    StopPlay->setEnabled(true);
+    PlayPicture->setEnabled(false);
+    ListView5->setFocus();
+}
+
+void PicturesTab::PausePlay_Click()
+{
+    m_paused = true;
+    PausePlay->setEnabled(false);
+    PlayPicture->setEnabled(true);
+    ListView5->setFocus();
+}
+
+void PicturesTab::StopPlay_Click()
+{
+    Timer2->stop();
+    m_paused = false;
+    PlayPicture->setEnabled(true);
+    StopPlay->setEnabled(false);
+    m_frame = 0;
+}
+
+void PicturesTab::stopPlayer()
+{
+    Timer2->stop();
+    m_paused = false;
+    PlayPicture->setEnabled(true);
+    PausePlay->setEnabled(false);
+    StopPlay->setEnabled(false);
+}
+
+void PicturesTab::Slider1_Change(int value) { Timer2->setInterval(value * 100); }
+
+void PicturesTab::Timer2_Timer()
+{
+    // While the player is paused, or a message of the last tick is still open, a tick passes.
+    if (m_paused || m_inTick || m_working) return;
+    m_inTick = true;
+    const PictureEntry row = entryOf(selectedRow());
+    QString failure;
+    try {
+        const AnimationTick tick = animationTick(m_frame, pictures::frameGeometry(row).frames, RepeatPlay->isChecked());
+        m_frame = tick.show;
+        failure = showFrame(animationFilePath(m_window->programFolder().toStdString(), tick.show));
+        if (failure.isEmpty()) {
+            m_frame = tick.next;
+            if (tick.stop) stopPlayer();
+        }
+    } catch (const std::exception& error) {
+        failure = onRow(row, error);
+    }
+    if (!failure.isEmpty()) {
+        // A frame that cannot be shown ends the animation before its reason is shown.
+        stopPlayer();
+        m_frame = 0;
+        m_window->showError(failure);
+    }
+    m_inTick = false;
+}
+
+void PicturesTab::shutDown()
+{
+    Timer2->stop();
+    m_paused = false;
+}
+
+// ---- The pop-up menu: export and patch ----
+
+void PicturesTab::ListView5_MouseUp(const QPoint& position)
+{
+    if (m_working) return;
+    enablePictureMenu();
+    menufile5->popup(ListView5->viewport()->mapToGlobal(position));
+}
+
+void PicturesTab::enablePictureMenu()
+{
+    const bool rows = ListView5->topLevelItemCount() > 0;
+    outputpic->setEnabled(rows);
+    outputpicall->setEnabled(rows);
+    outputpics3->setEnabled(rows && m_window->imageState().FileKind == "bin");
+}
+
+void PicturesTab::outputpic_Click() { exportPictures(true); }
+
+void PicturesTab::outputpicall_Click() { exportPictures(false); }
+
+// Every frame of the chosen rows as FOLDER/NAME-NN.bmp. The selected rows' export
+// advances the progress bar frame by frame within each row; the export of all rows
+// advances it row by row.
+void PicturesTab::exportPictures(bool selectedOnly)
+{
+    if (m_working) return;
+    const QString folder = m_window->BrowseForFolder();
+    m_window->settings().PictureSavePath = folder;  // a cancel is remembered too
+    if (folder.isEmpty()) return;
+    Timer2->stop();
+    // The rows are read once: the list may change while pending events run.
+    std::vector<PictureEntry> rows;
+    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
+        if (!selectedOnly || ListView5->topLevelItem(i)->isSelected()) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    const std::string target = folder.toStdString();
+    QString failure;
+    {
+        Work work(*this);
+        if (!selectedOnly) {
+            ProgressBar2->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
+            ProgressBar2->setVisible(true);
+        }
+        for (std::size_t r = 0; r < rows.size() && failure.isEmpty(); ++r) {
+            const PictureEntry& row = rows[r];
+            try {
+                const FrameGeometry geometry = pictures::frameGeometry(row);
+                const ColourTable colours = coloursForDepth(geometry.depth, colourTablePath());
+                if (selectedOnly) {
+                    ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, geometry.frames)));
+                    ProgressBar2->setVisible(true);
+                }
+                for (std::int64_t j = 0; j < geometry.frames; ++j) {
+                    // Fetched each frame: a phone file opened meanwhile replaces the image.
+                    if (!DecodePictureFrame(m_window->imageState().FirmwareImage, frameAddress(geometry, j),
+                                            pictureFramePath(target, row.name, j), geometry.width, geometry.height,
+                                            geometry.depth, colours))
+                        showWrongFormat();
+                    if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
+                    QApplication::processEvents();
+                }
+            } catch (const std::exception& error) {
+                failure = onRow(row, error);
+            }
+            if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(r + 1));
+        }
+    }
+    ProgressBar2->setVisible(false);
+    ProgressBar2->reset();
+    if (!failure.isEmpty()) m_window->showError(failure);
+    else m_window->ShowMessage(18);
+}
+
+// The bytes of every checked row, all frames together, as one S-record patch file at
+// the rows' own addresses. Offered for "bin" phone files only: an "asf" image would
+// take back the very bytes it holds.
+void PicturesTab::outputpics3_Click()
+{
+    if (m_working || m_window->imageState().FileKind != "bin") return;
+    app::ShellSettings& settings = m_window->settings();
+    const QString path = m_window->dialogs().saveFile(settings.S3SavePath, m_window->filter(1), 2);
+    if (path.isEmpty()) return;
+    settings.S3SavePath = qText(FolderOf(path.toStdString()));
+    Timer2->stop();
+    std::vector<PictureEntry> checked;
+    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
+        if (ListView5->topLevelItem(i)->checkState(0) == Qt::Checked) checked.push_back(entryOf(ListView5->topLevelItem(i)));
+    std::vector<Region> regions;
+    QString failure;
+    {
+        Work work(*this);
+        try {
+            for (const PictureEntry& row : checked) {
+                std::optional<Region> region;
+                try {
+                    region = picturePatchRegion(m_window->imageState(), row);
+                } catch (const HexOverflow& error) {
+                    throw std::runtime_error(onRow(row, error).toStdString());
+                }
+                // A row of no bytes is reported and left out, so the file still ends in its S7 line.
+                if (region) regions.push_back(std::move(*region));
+                else m_window->ShowMessage(kMessageEmptyRegion);
+                QApplication::processEvents();
+            }
+            if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
+        } catch (const std::exception& error) {
+            failure = qText(error.what());
+        }
+    }
+    if (!failure.isEmpty()) m_window->showError(failure);
+    else if (!regions.empty()) m_window->ShowMessage(10);
 }
 
 }  // namespace zevran::pictures

@@ -1,16 +1,28 @@
 // The picture tab: picture tables, the preview with its player, export and patches.
 #pragma once
 
+#include "picture_player.hpp"
+
+#include <QImage>
 #include <QWidget>
 
+#include <string>
+#include <vector>
+
+class QAction;
 class QCheckBox;
+class QGroupBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QProgressBar;
 class QPushButton;
 class QSlider;
 class QTimer;
 class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace zevran::app { class Form1; }
 
 namespace zevran::pictures {
 
@@ -18,6 +30,41 @@ class PicturesTab : public QWidget {
     Q_OBJECT
 public:
     explicit PicturesTab(QWidget* parent = nullptr);
+
+    // The window whose image, dialogs, folders and messages the commands use; its
+    // pop-up menu `menufile5` must exist by then.
+    void attach(app::Form1* window);
+
+    // Picture tables.
+    void OpenPicTable_Click();
+    void SavePicTable_Click();
+
+    // The preview and its player.
+    void ListView5_ItemClick(QTreeWidgetItem* item);
+    void ListView5_DblClick();
+    void nextpicture_Click();
+    void PreviousPicture_Click();
+    void PlayPicture_Click();
+    void PausePlay_Click();
+    void StopPlay_Click();
+    void Slider1_Change(int value);
+    void Timer2_Timer();
+
+    // The pop-up menu: enabled by the list and the file kind, then shown at `position`
+    // (in the list's viewport).
+    void ListView5_MouseUp(const QPoint& position);
+    void enablePictureMenu();
+    void outputpic_Click();
+    void outputpicall_Click();
+    void outputpics3_Click();
+
+    // Shut-down: the animation stops and the paused flag clears.
+    void shutDown();
+
+    FrameNumber currentFrame() const { return m_frame; }
+    bool paused() const { return m_paused; }
+    // The integer factor by which Picture2 shows the frame on show.
+    int previewZoom() const { return m_zoom; }
 
     QTreeWidget* ListView5;
     QPushButton* OpenPicTable;
@@ -36,6 +83,40 @@ public:
     QSlider* Slider1;
     QTimer* Timer2;
     QProgressBar* ProgressBar2;
+    QMenu* menufile5 = nullptr;
+    QAction* outputpic = nullptr;
+    QAction* outputpicall = nullptr;
+    QAction* outputpics3 = nullptr;
+
+signals:
+    // The preview's temporary BMP is written and about to be loaded, then deleted.
+    void previewFileWritten(const QString& path);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    class Work;
+
+    std::vector<QWidget*> workControls() const;
+    QTreeWidgetItem* selectedRow() const;
+    QString showFrame(const std::string& path);
+    void showFrameOrError(const std::string& path);
+    void loadPreview(const QString& path);
+    void scalePreview();
+    void stopPlayer();
+    void showWrongFormat();
+    std::string colourTablePath() const;
+    void exportPictures(bool selectedOnly);
+
+    app::Form1* m_window = nullptr;
+    QGroupBox* m_frame16 = nullptr;
+    FrameNumber m_frame = 0;
+    bool m_paused = false;
+    bool m_inTick = false;
+    bool m_working = false;
+    QImage m_preview;
+    int m_zoom = 1;
 };
 
 }  // namespace zevran::pictures

@@ -1,0 +1,430 @@
+// The picture tab through the dialogs double: picture tables in and out, the preview
+// and its player.
+#include "pictures_tab_fixture.hpp"
+
+#include "pictures/pixel_decode.hpp"
+
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTimer>
+
+using namespace zevran::test;
+
+class PicturesTabTest : public PicturesTabFixture {
+    Q_OBJECT
+
+private slots:
+    void init() { QVERIFY(m_home.isValid()); }
+    void cleanup() { resetHome(); }
+
+    // ---- Picture tables ----
+
+    void openTableFillsTheRowsRenumbered()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 8);
+        QCOMPARE(rowTexts(row(Logo)), (QStringList{"001", "logo", "0X00000100", "3", "12", "2*2", "24"}));
+        QCOMPARE(rowTexts(row(Screen)), (QStringList{"002", "screen", "0X00000200", "1", "12288", "96*64", "16"}));
+        QCOMPARE(rowTexts(row(Odd)), (QStringList{"008", "odd", "0X00003730", "1", "1", "2*2", "2"}));
+        QCOMPARE(row(Logo)->checkState(0), Qt::Unchecked);
+        QVERIFY(row(Logo)->flags() & Qt::ItemIsUserCheckable);
+        QVERIFY(m_tab->PlayPicture->isEnabled());
+        QVERIFY(m_tab->nextpicture->isEnabled());
+        QVERIFY(m_tab->PreviousPicture->isEnabled());
+        QVERIFY(!m_tab->PausePlay->isEnabled());
+        QVERIFY(!m_tab->StopPlay->isEnabled());
+        QCOMPARE(m_dialogs->asked.last(),
+                 "open " + m_home.path() + "|All files (*);;Picture tables (*.txt)|2");
+        QCOMPARE(m_window->settings().TableSavePath, m_home.path());
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void checkedCheck1RecomputesFrameSizes()
+    {
+        startWindow("phone.bin");
+        const QByteArray table = line("001", "big", "00000100", "1", "99", "128*160", "16") +
+                                 line("002", "mono", "00000200", "1", "99", "12*12", "1") +
+                                 line("003", "odd", "00000300", "1", "99", "10*5", "1");
+        openTable(table, false);
+        QCOMPARE(row(0)->text(4), QString("99"));
+        QCOMPARE(row(2)->text(4), QString("99"));
+        openTable(table, true);
+        QCOMPARE(row(0)->text(4), QString("40960"));
+        QCOMPARE(row(1)->text(4), QString("18"));
+        QCOMPARE(row(2)->text(4), QString("6"));
+    }
+
+    void badLineShowsMessage38AndClearsTheList()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24") + "002 short\t 0X00000200\t Frames: 1\r\n");
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
+        QCOMPARE(m_dialogs->messages[0].text, QString());
+        QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Critical);
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
+        QVERIFY(!m_tab->PlayPicture->isEnabled());
+        QVERIFY(!m_tab->nextpicture->isEnabled());
+        QVERIFY(!m_tab->PreviousPicture->isEnabled());
+    }
+
+    void unreadableTableIsMessage38Too()
+    {
+        startWindow("phone.bin");
+        m_dialogs->files.push_back(path("missing.txt"));
+        m_tab->OpenPicTable->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
+    }
+
+    void cancelledOpenKeepsTheRowsAndResetsTheFrame()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->nextpicture->click();
+        QCOMPARE(m_tab->currentFrame(), 1);
+        m_tab->OpenPicTable->click();  // no answer scripted: cancelled
+        QCOMPARE(m_tab->currentFrame(), 0);
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 8);
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void saveWritesEveryRowWithTheOffsetAndTheHeaders()
+    {
+        startWindow("phone.bin");
+        // A name in the code page (GBK 标志) and an address above six hex digits.
+        openTable(line("001", "\xB1\xEA\xD6\xBE", "00000100", "3", "12", "2*2", "24") +
+                  line("002", "far", "01234567", "1", "2", "2*1", "8"));
+        QCOMPARE(row(0)->text(1), QString::fromUtf8("标志"));
+        m_tab->Text21->setText("100");
+        m_dialogs->files.push_back(path("saved.txt"));
+        m_tab->SavePicTable->click();
+        QCOMPARE(readBytes(path("saved.txt")),
+                 QByteArray("001 \xB1\xEA\xD6\xBE\t 0X00000200\t Frames: 3\t Size: 12\t Pixels: 2*2\t Bits: 24\t\r\n"
+                            "002 far\t 0X00234667\t Frames: 1\t Size: 2\t Pixels: 2*1\t Bits: 8\t\r\n"));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{16});
+        QCOMPARE(m_dialogs->messages[0].title, QString("Done"));
+        QCOMPARE(m_dialogs->asked.last(), "save " + m_home.path() + "|All files (*);;Picture tables (*.txt)|2");
+    }
+
+    void saveReplacesALongerFileAndReloadsTheSameRows()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        writeBytes(path("saved.txt"), QByteArray(5000, 'x'));
+        m_dialogs->files.push_back(path("saved.txt"));
+        m_tab->SavePicTable->click();
+        QVERIFY(readBytes(path("saved.txt"))
+                    .startsWith("001 logo\t 0X00000100\t Frames: 3\t Size: 12\t Pixels: 2*2\t Bits: 24\t\r\n"
+                                "002 screen\t 0X00000200\t Frames: 1\t Size: 12288\t Pixels: 96*64\t Bits: 16\t\r\n"));
+        QVERIFY(!readBytes(path("saved.txt")).contains("xxxx"));
+        std::vector<QStringList> before;
+        for (int i = 0; i < 8; ++i) before.push_back(rowTexts(row(i)));
+        m_dialogs->files.push_back(path("saved.txt"));
+        m_tab->OpenPicTable->click();
+        for (int i = 0; i < 8; ++i) QCOMPARE(rowTexts(row(i)), before[static_cast<std::size_t>(i)]);
+    }
+
+    void saveOfAnEmptyListIsMessage4()
+    {
+        startWindow("phone.bin");
+        m_tab->SavePicTable->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{4});
+        QVERIFY(m_dialogs->asked.isEmpty());
+    }
+
+    void saveWithAnOverflowingOffsetNamesTheCause()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        m_tab->Text21->setText("7FFFFFFF");
+        m_dialogs->files.push_back(path("saved.txt"));
+        m_tab->SavePicTable->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QVERIFY(m_dialogs->messages[0].text.startsWith(path("saved.txt")));
+        QVERIFY(!QFile::exists(path("saved.txt")));
+    }
+
+    // ---- Preview ----
+
+    void clickedRowShowsFrameZeroEnlargedWithoutSmoothing()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        QByteArray temporary;
+        QString temporaryPath;
+        connect(m_tab, &PicturesTab::previewFileWritten, this, [&](const QString& file) {
+            temporaryPath = file;
+            temporary = readBytes(file);
+        });
+        QSignalSpy written(m_tab, &PicturesTab::previewFileWritten);
+        clickRow(Screen);
+        QCOMPARE(written.size(), 1);
+        QCOMPARE(temporaryPath, path("temp.bmp"));
+        QVERIFY(!QFile::exists(path("temp.bmp")));
+        const QByteArray image = phoneImage();
+        const auto expected = zevran::pictures::pictureFrameBmp(
+            std::span(reinterpret_cast<const std::uint8_t*>(image.constData()), static_cast<std::size_t>(image.size())),
+            0x200, 96, 64, 16, {});
+        QCOMPARE(temporary, QByteArray(reinterpret_cast<const char*>(expected->data()), static_cast<qsizetype>(expected->size())));
+        QCOMPARE(temporary.left(70), bmpHeader(70 + 12288, 70, 96, 64, 16, 3, 12288) +
+                                         QByteArray::fromHex("00F80000E00700001F00000000000000"));
+        QCOMPARE(m_tab->Text15->text(), QString("0x200"));
+        QCOMPARE(m_tab->Text16->text(), QString("1"));
+        int zoom = 0;
+        const QImage shownImage = shown(96, 64, &zoom);
+        QVERIFY(!shownImage.isNull());
+        QVERIFY(zoom >= 2);
+        QCOMPARE(zoom, m_tab->previewZoom());
+        QVERIFY(96 * zoom <= m_tab->Picture2->contentsRect().width());
+        QVERIFY(64 * zoom <= m_tab->Picture2->contentsRect().height());
+        // Qt reads a bit-field BMP by shifting: a full 5-bit channel gives 248, a full 6-bit one 252.
+        QCOMPARE(block(shownImage, zoom, 0, 0), 0x00FC00u);
+        QCOMPARE(block(shownImage, zoom, 95, 0), 0x00FC00u);
+        QCOMPARE(block(shownImage, zoom, 47, 1), 0xF80000u);
+        QCOMPARE(block(shownImage, zoom, 48, 1), 0x0000F8u);
+        QCOMPARE(block(shownImage, zoom, 0, 63), 0xF80000u);
+        QCOMPARE(block(shownImage, zoom, 95, 63), 0x0000F8u);
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void nextAndPreviousStepPastEitherEnd()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        expectLogoFrame(qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 255));
+        m_tab->nextpicture->click();
+        QCOMPARE(m_tab->Text15->text(), QString("0x10C"));
+        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        expectLogoFrame(qRgb(0, 0, 0), qRgb(255, 255, 0), qRgb(0, 255, 255), qRgb(255, 0, 255));
+        m_tab->nextpicture->click();
+        m_tab->nextpicture->click();
+        // Past the last frame: the bytes that follow the picture.
+        QCOMPARE(m_tab->Text15->text(), QString("0x124"));
+        QCOMPARE(m_tab->Text16->text(), QString("4"));
+        expectLogoFrame(qRgb(0x03, 0x02, 0x01), qRgb(0x06, 0x05, 0x04),
+                        qRgb(0x09, 0x08, 0x07), qRgb(0x0C, 0x0B, 0x0A));
+        for (int i = 0; i < 4; ++i) m_tab->PreviousPicture->click();
+        // Below frame 0: the bytes before it.
+        QCOMPARE(m_tab->Text15->text(), QString("0xF4"));
+        QCOMPARE(m_tab->Text16->text(), QString("0"));
+        QCOMPARE(m_tab->currentFrame(), -1);
+        expectLogoFrame(qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA),
+                        qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA));
+        QVERIFY(m_dialogs->messages.empty());
+        QVERIFY(!QFile::exists(path("temp.bmp")));
+    }
+
+    void arrowKeysShowTheRowTheyReach()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->nextpicture->click();
+        QSignalSpy written(m_tab, &PicturesTab::previewFileWritten);
+        QTest::keyClick(m_tab->ListView5, Qt::Key_Down);
+        QCOMPARE(written.size(), 1);
+        QCOMPARE(m_tab->Text15->text(), QString("0x200"));
+        QCOMPARE(m_tab->Text16->text(), QString("1"));
+        QCOMPARE(m_tab->currentFrame(), 0);
+        QTest::keyClick(m_tab->ListView5, Qt::Key_Up);
+        QCOMPARE(m_tab->Text15->text(), QString("0x100"));
+    }
+
+    void everyDepthPreviewsItsColours()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        int zoom = 0;
+        clickRow(Mono);
+        QImage image = shown(64, 96, &zoom);
+        QVERIFY(!image.isNull());
+        QCOMPARE(block(image, zoom, 0, 0), 0xFFFFFFu);
+        QCOMPARE(block(image, zoom, 1, 0), 0u);
+        QCOMPARE(block(image, zoom, 63, 95), 0xFFFFFFu);
+        QCOMPARE(block(image, zoom, 62, 95), 0u);
+        QCOMPARE(block(image, zoom, 0, 95), 0u);
+        clickRow(Pal);  // the colours of 16.dat: black, navy, green, teal / blue, lime, aqua, red
+        image = shown(4, 2, &zoom);
+        const std::vector<QRgb> expected{0x000000, 0x000080, 0x008000, 0x008080, 0x0000FF, 0x00FF00, 0x00FFFF, 0xFF0000};
+        for (int i = 0; i < 8; ++i) QCOMPARE(block(image, zoom, i % 4, i / 4), expected[static_cast<std::size_t>(i)]);
+        clickRow(D8);
+        image = shown(2, 1, &zoom);
+        QCOMPARE(block(image, zoom, 0, 0), 0x0000FFu);
+        QCOMPARE(block(image, zoom, 1, 0), 0xFF0000u);
+        clickRow(D12);
+        image = shown(2, 1, &zoom);
+        QCOMPARE(block(image, zoom, 0, 0), 0xFF0000u);
+        QCOMPARE(block(image, zoom, 1, 0), 0x00FF00u);
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void refusedDepthShowsTheFixedMessageAndKeepsThePicture()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(D8);
+        const QImage before = m_tab->Picture2->pixmap().toImage();
+        clickRow(Odd);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QCOMPARE(m_dialogs->messages[0].text, QString::fromUtf8("错误的bmp文件格式"));
+        QCOMPARE(m_dialogs->messages[0].title, QString::fromUtf8("错误"));
+        QCOMPARE(m_tab->Picture2->pixmap().toImage(), before);
+        QCOMPARE(m_tab->Text15->text(), QString("0x3730"));
+    }
+
+    void doubleClickShowsMessage39()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        QTest::mouseDClick(m_tab->ListView5->viewport(), Qt::LeftButton, {},
+                           m_tab->ListView5->visualItemRect(row(Logo)).center());
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{39});
+        QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Information);
+        QCOMPARE(m_dialogs->messages[0].text, QString("Click a picture to see it."));
+    }
+
+    // ---- The player ----
+
+    void playPauseAndStopSetTheButtons()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->Slider1->setValue(5);
+        QCOMPARE(m_tab->Timer2->interval(), 500);
+        m_tab->PlayPicture->click();
+        QVERIFY(m_tab->Timer2->isActive());
+        QVERIFY(!m_tab->PlayPicture->isEnabled());
+        QVERIFY(m_tab->PausePlay->isEnabled());
+        QVERIFY(m_tab->StopPlay->isEnabled());
+        m_tab->PausePlay->click();
+        QVERIFY(m_tab->paused());
+        QVERIFY(m_tab->Timer2->isActive());
+        QVERIFY(m_tab->PlayPicture->isEnabled());
+        QVERIFY(!m_tab->PausePlay->isEnabled());
+        QVERIFY(m_tab->StopPlay->isEnabled());
+        m_tab->PlayPicture->click();
+        QVERIFY(!m_tab->paused());
+        QVERIFY(m_tab->Timer2->isActive());
+        QVERIFY(!m_tab->PlayPicture->isEnabled());
+        QVERIFY(m_tab->PausePlay->isEnabled());
+        m_tab->Timer2_Timer();
+        QCOMPARE(m_tab->currentFrame(), 1);
+        m_tab->StopPlay->click();
+        QVERIFY(!m_tab->Timer2->isActive());
+        QVERIFY(!m_tab->paused());
+        QVERIFY(m_tab->PlayPicture->isEnabled());
+        QVERIFY(!m_tab->StopPlay->isEnabled());
+        QVERIFY(m_tab->PausePlay->isEnabled());  // left as it was
+        QCOMPARE(m_tab->currentFrame(), 0);
+        m_tab->Slider1->setValue(10);
+        QCOMPARE(m_tab->Timer2->interval(), 1000);
+    }
+
+    void ticksWithoutRepeatShowEveryFrameThenFrameZeroAndStop()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->Slider1->setValue(10);
+        QStringList files;
+        connect(m_tab, &PicturesTab::previewFileWritten, this, [&](const QString& file) { files << QFileInfo(file).fileName(); });
+        m_tab->PlayPicture->click();
+        QStringList ordinals;
+        for (int tick = 0; tick < 4; ++tick) {
+            QVERIFY(m_tab->Timer2->isActive());
+            m_tab->Timer2_Timer();
+            ordinals << m_tab->Text16->text();
+        }
+        QCOMPARE(ordinals, (QStringList{"1", "2", "3", "1"}));
+        QCOMPARE(files, (QStringList{"temp0.bmp", "temp1.bmp", "temp2.bmp", "temp0.bmp"}));
+        QVERIFY(!m_tab->Timer2->isActive());
+        QVERIFY(m_tab->PlayPicture->isEnabled());
+        QVERIFY(!m_tab->PausePlay->isEnabled());
+        QVERIFY(!m_tab->StopPlay->isEnabled());
+        QCOMPARE(m_tab->currentFrame(), 0);
+        expectLogoFrame(qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 255));
+        for (const char* file : {"temp0.bmp", "temp1.bmp", "temp2.bmp"}) QVERIFY(!QFile::exists(path(file)));
+    }
+
+    void ticksWithRepeatLoopShowingFrameZeroOnce()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->Slider1->setValue(10);
+        m_tab->RepeatPlay->setChecked(true);
+        m_tab->PlayPicture->click();
+        QStringList ordinals;
+        for (int tick = 0; tick < 8; ++tick) {
+            m_tab->Timer2_Timer();
+            ordinals << m_tab->Text16->text();
+        }
+        QCOMPARE(ordinals, (QStringList{"1", "2", "3", "1", "2", "3", "1", "2"}));
+        QVERIFY(m_tab->Timer2->isActive());
+        QVERIFY(m_tab->StopPlay->isEnabled());
+    }
+
+    void pausedTicksDoNothingAndPlayContinues()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        m_tab->Slider1->setValue(10);
+        m_tab->PlayPicture->click();
+        m_tab->Timer2_Timer();
+        m_tab->Timer2_Timer();
+        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        m_tab->PausePlay->click();
+        m_tab->Timer2_Timer();
+        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        QCOMPARE(m_tab->Text15->text(), QString("0x10C"));
+        m_tab->PlayPicture->click();
+        m_tab->Timer2_Timer();
+        QCOMPARE(m_tab->Text16->text(), QString("3"));
+        QCOMPARE(m_tab->Text15->text(), QString("0x118"));
+    }
+
+    void theRunningTimerPlaysToTheEndAndStops()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        QStringList files;
+        connect(m_tab, &PicturesTab::previewFileWritten, this, [&](const QString& file) { files << QFileInfo(file).fileName(); });
+        m_tab->Slider1->setValue(1);
+        QCOMPARE(m_tab->Timer2->interval(), 100);
+        m_tab->PlayPicture->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_tab->Timer2->isActive(), 20000);
+        QCOMPARE(files, (QStringList{"temp0.bmp", "temp1.bmp", "temp2.bmp", "temp0.bmp"}));
+        QVERIFY(m_tab->PlayPicture->isEnabled());
+        QVERIFY(!m_tab->StopPlay->isEnabled());
+    }
+
+    void frameCounterPastItsRangeIsReportedAndKept()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        // A refused depth only shows the fixed message, so stepping to the counter's end is quick.
+        clickRow(Odd);
+        for (int i = 0; i < 32767; ++i) m_tab->nextpicture_Click();
+        QCOMPARE(m_dialogs->messages.size(), std::size_t{32768});
+        QCOMPARE(m_dialogs->messages.back().text, QString::fromUtf8("错误的bmp文件格式"));
+        QCOMPARE(m_tab->currentFrame(), 32767);
+        QCOMPARE(m_tab->Text16->text(), QString("32768"));
+        m_dialogs->messages.clear();
+        m_tab->nextpicture->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QVERIFY(m_dialogs->messages[0].text.contains("32768"));
+        QCOMPARE(m_tab->currentFrame(), 32767);
+        QCOMPARE(m_tab->Text16->text(), QString("32768"));
+    }
+};
+
+QTEST_MAIN(PicturesTabTest)
+#include "pictures_tab_test.moc"
