@@ -69,17 +69,15 @@ StringEditRow planRow(std::string_view line, std::size_t lineNumber, std::size_t
     const std::int64_t bytes = last - first + 1;
     // The length as the search shows it: bytes, or characters in handset codes.
     const std::string length = handsetCodes ? std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "") : std::to_string(bytes);
-    auto row = makeEditRow(rowsBefore, HexPad(static_cast<std::uint32_t>(first), 8),
-                           HexPad(static_cast<std::uint32_t>(last), 8), text, length);
+    // Padded in bytes as the edit list pads it, so a GBK text shorter than its range fills it too.
+    std::optional<StringEditRow> row;
+    try {
+        row = makeFittedEditRow(rowsBefore, HexPad(static_cast<std::uint32_t>(first), 8),
+                                HexPad(static_cast<std::uint32_t>(last), 8), text, length, handsetCodes, codePage);
+    } catch (const EditRowError& error) {
+        throw std::runtime_error(where + error.what());
+    }
     if (!row) throw std::runtime_error(where + "the replacement text is empty");
-    const auto encoded = editRowBytes(*row, handsetCodes, codePage);
-    if (static_cast<std::int64_t>(encoded.size()) > bytes)
-        throw std::runtime_error(where + "\"" + text + "\" takes " + std::to_string(encoded.size()) +
-                                 " bytes, more than the " + std::to_string(bytes) + " of its range");
-    // Handset codes take two bytes a character, so an odd range cannot be covered exactly.
-    if (static_cast<std::int64_t>(encoded.size()) < bytes)
-        throw std::runtime_error(where + "\"" + text + "\" padded fills " + std::to_string(encoded.size()) + " of the " +
-                                 std::to_string(bytes) + " bytes of its range");
     return *row;
 }
 

@@ -242,3 +242,12 @@ TEST(PatchStringsCommand, FoundStringPatchedAndAppliedIsFoundAgainUnderItsNewTex
     EXPECT_EQ(again.out, "00000002 0000000C 11\n");
     EXPECT_EQ(readBytes(folder.path("image.bin")), kHelloImage);
 }
+
+TEST(PatchStringsCommand, ChineseTextShorterThanItsRangeIsPaddedInBytes)
+{
+    TempFolder folder;
+    writeFile(folder.path("image.bin"), counting(16));
+    // "中" is D6 D0 in GBK; four spaces fill the six bytes. 0B + 04 + D6 + D0 + 4 * 20 = 02 35 -> CA.
+    ASSERT_TRUE(succeeded(patchStrings(folder, "image.bin", "00000004 00000009 中\n", {"-o", "out.s3"})));
+    EXPECT_EQ(readText(folder.path("out.s3")), kHeader + "S30B00000004D6D020202020CA\r\n" + kTrailer);
+}
