@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QVBoxLayout>
+#include <filesystem>
 #include <fstream>
 
 namespace zevran::image {
@@ -87,6 +88,15 @@ constexpr std::size_t kSliceBytes = 256 * 1024;
 
 }  // namespace
 
+void ConverterTab::refuseOpenPhoneFile(const std::string& output) const
+{
+    // The phone file open in the workshop is changed only by saving its image.
+    const std::string& phone = m_window->imageState().FirmwarePath;
+    std::error_code error;
+    if (!phone.empty() && std::filesystem::equivalent(phone, output, error))
+        throw FileError(output + ": is the phone file open in the workshop; a conversion never writes over it");
+}
+
 void ConverterTab::attach(app::Form1* window)
 {
     m_window = window;
@@ -152,6 +162,7 @@ void ConverterTab::convertS3ToBin()
         options.fill = fillByteFromText(Text3->text().toStdString());
         in = openInputFile(input);
         refuseSameFile(input, output);
+        refuseOpenPhoneFile(output);
         out = openOutputFile(output);
     } catch (const std::exception& error) {
         m_window->showError(QString::fromUtf8(error.what()));
@@ -222,6 +233,7 @@ void ConverterTab::ComBinToS3_Click()
             check.start = 0;
             check.end = wholeFileLastAddress(fields.inputPath);
         }
+        refuseOpenPhoneFile(output);
         std::ofstream out = openOutputFile(output);
         withOutputName(output, [&] {
             binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
