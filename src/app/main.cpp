@@ -1,12 +1,12 @@
 // zevran: the workshop window. `zevran [--home DIR] [FILE]`.
 #include "main_window.hpp"
+#include "screenshots.hpp"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QLockFile>
-#include <QTabWidget>
-#include <QTimer>
+#include <memory>
 
 int main(int argc, char** argv)
 {
@@ -30,20 +30,14 @@ int main(int argc, char** argv)
     instance.setStaleLockTime(0);
     if (!instance.tryLock(0)) return 0;
 
-    zevran::app::Form1 window(home);
+    // Screenshots are taken on a window whose few dialogs answer themselves.
+    const bool screenshots = parser.isSet("screenshots");
+    auto staged = std::make_unique<zevran::app::StagedDialogs>();
+    zevran::app::StagedDialogs* stagedDialogs = staged.get();
+    zevran::app::Form1 window(home, screenshots ? std::move(staged) : nullptr);
     window.LoadSettings();
     window.show();
     if (!parser.positionalArguments().isEmpty()) window.openPhoneFile(QDir().absoluteFilePath(parser.positionalArguments().first()));
-    if (parser.isSet("screenshots")) {
-        const QString folder = parser.value("screenshots");
-        QDir().mkpath(folder);
-        auto* tabs = window.findChild<QTabWidget*>("SSTab1");
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
-            QApplication::processEvents();
-            window.grab().save(QStringLiteral("%1/tab-%2.png").arg(folder).arg(i));
-        }
-        return 0;
-    }
+    if (screenshots) return zevran::app::saveScreenshots(window, *stagedDialogs, parser.value("screenshots")) ? 0 : 1;
     return QApplication::exec();
 }

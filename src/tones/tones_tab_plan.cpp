@@ -62,6 +62,8 @@ void TonesTab::showPlanRows(const std::vector<ReplacementRow>& rows)
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(0, row.checked ? Qt::Checked : Qt::Unchecked);
     }
+    // The file cell is read at a glance only when it is shown whole.
+    if (!rows.empty()) ListView3->resizeColumnToContents(1);
     m_fillingPlan = false;
 }
 
