@@ -159,6 +159,16 @@ if [[ -x $BIN/zevran-window-bench ]]; then
   rm -f "$DATA/window.bin"
 fi
 
+# --- the picture preview: one frame shown, decode and load included ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "Picture preview in the window: 60 frames of 128*160 at 16 bits shown one after another"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" --preview >"$DATA/preview.txt" 2>>"$LOG"
+  preview_ms=$(awk '$1 == "preview_frame_ms" { print $2 }' "$DATA/preview.txt")
+  verdict "preview of one 128*160 frame, ms (median)" "$preview_ms" "<=" 16
+  echo "  median $preview_ms ms, worst $(awk '$1 == "preview_frame_worst_ms" { print $2 }' "$DATA/preview.txt") ms  $VERDICT (target <= 16)"
+fi
+
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---
 if [[ -x $BIN/zevran-window-bench ]]; then
   echo

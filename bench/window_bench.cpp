@@ -4,14 +4,17 @@
 // Usage: zevran-window-bench S3FILE  (writes S3FILE less ".s3" plus ".bin")
 //        zevran-window-bench --load PHONEFILE  (opens it, scans tones, searches a text;
 //        prints the peak memory, which must not hold the image twice)
+//        zevran-window-bench --preview  (times showing 128*160 frames of 16 bits)
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
+#include "pictures/pictures_tab.hpp"
 #include "strings/strings_tab.hpp"
 #include "tones/tones_tab.hpp"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QStringList>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -31,7 +34,8 @@ using zevran::app::MessageKind;
 // Every dialog answered at once; a message other than "file written" ends the run.
 class SilentDialogs : public zevran::app::Dialogs {
 public:
-    QString openFile(const QString&, const QString&, int) override { return {}; }
+    QStringList files;  // answers of the open dialog, in order
+    QString openFile(const QString&, const QString&, int) override { return files.isEmpty() ? QString() : files.takeFirst(); }
     QString saveFile(const QString&, const QString&, int) override { return {}; }
     QString chooseFolder(const QString&) override { return {}; }
     void message(int code, MessageKind, const QString&, const QString& text) override
@@ -59,6 +63,50 @@ double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
+}
+
+// 20 frames of 128*160 pixels at 16 bits, one after another from 0x1000, and the
+// picture table that lists them.
+void writePictureFixture(const QString& folder)
+{
+    constexpr int kFrameBytes = 128 * 160 * 2;
+    QByteArray image(0x1000 + 20 * kFrameBytes, '\0');
+    for (int i = 0x1000; i < image.size(); ++i) image[i] = static_cast<char>(i * 7 / 3);
+    QFile phone(folder + "/pictures.bin");
+    if (phone.open(QIODevice::WriteOnly)) phone.write(image);
+    QFile table(folder + "/pictures.txt");
+    if (table.open(QIODevice::WriteOnly))
+        table.write("001 frames\t 0X00001000\t Frames: 20\t Size: 40960\t Pixels: 128*160\t Bits: 16\t\r\n");
+}
+
+// Showing frame after frame as the player does: decode, temporary BMP, load, zoom.
+int previewFrames()
+{
+    QTemporaryDir home;
+    auto dialogs = std::make_unique<SilentDialogs>();
+    SilentDialogs* answers = dialogs.get();
+    zevran::app::Form1 window(home.path(), std::move(dialogs));
+    window.LoadSettings();
+    window.show();
+    writePictureFixture(home.path());
+    window.openPhoneFile(home.path() + "/pictures.bin");
+    auto* pictures = window.findChild<zevran::pictures::PicturesTab*>();
+    answers->files = {home.path() + "/pictures.txt"};
+    pictures->OpenPicTable_Click();
+    if (pictures->ListView5->topLevelItemCount() != 1) return 1;
+    pictures->ListView5->topLevelItem(0)->setSelected(true);
+    pictures->ListView5_ItemClick(pictures->ListView5->topLevelItem(0));
+    std::vector<double> shown;
+    for (int frame = 0; frame < 60; ++frame) {
+        QElapsedTimer clock;
+        clock.start();
+        if (frame % 20 == 19) pictures->ListView5_ItemClick(pictures->ListView5->topLevelItem(0));
+        else pictures->nextpicture_Click();
+        QApplication::processEvents();
+        shown.push_back(clock.nsecsElapsed() / 1e6);
+    }
+    std::printf("preview_frame_ms %.2f\npreview_frame_worst_ms %.2f\n", median(shown), *std::max_element(shown.begin(), shown.end()));
+    return 0;
 }
 
 long peakKibibytes()
@@ -100,6 +148,7 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     if (argc == 3 && QByteArray(argv[1]) == "--load") return loadLargeImage(QString::fromLocal8Bit(argv[2]));
+    if (argc == 2 && QByteArray(argv[1]) == "--preview") return previewFrames();
     if (argc != 2) {
         std::fprintf(stderr, "usage: zevran-window-bench S3FILE | --load PHONEFILE\n");
         return 2;

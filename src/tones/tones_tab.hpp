@@ -8,6 +8,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QFileSystemModel;
@@ -88,7 +89,10 @@ private:
     void showToneCheck();
     bool hasSelectedTone() const;
     int selectedPlanRow() const;
-    std::vector<image::Region> planRegions(bool& stopped);
+    bool anyPlanRowChecked() const;
+    // The regions of the checked pairs; `stopped` when a tone did not fit its slot.
+    // None, with the message shown, when a pair cannot be written at all.
+    std::optional<std::vector<image::Region>> planRegions(bool& stopped);
 
     app::Form1* m_window = nullptr;
     QString m_listedFolder;       // the folder whose files ListView1 lists

@@ -151,58 +151,56 @@ void TonesTab::movealladdress_Click()
     showPlanRows(rows);
 }
 
-std::vector<image::Region> TonesTab::planRegions(bool& stopped)
+bool TonesTab::anyPlanRowChecked() const
+{
+    const std::vector<ReplacementRow> rows = planRows();
+    return std::any_of(rows.begin(), rows.end(), [](const ReplacementRow& row) { return row.checked; });
+}
+
+std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
 {
     stopped = false;
     std::vector<image::Region> regions;
     const auto imageLength = static_cast<std::int64_t>(m_window->imageState().FirmwareImage.size());
-    for (const ReplacementRow& row : planRows()) {
-        PlanRowPatch patch = tonePatchRegion(row, m_listedFolder.toStdString(), imageLength);
-        if (patch.result == PlanRowResult::EmptySlot) m_window->ShowMessage(1);
-        if (patch.result == PlanRowResult::TooLarge) {
-            stopped = true;
-            break;
+    try {
+        for (const ReplacementRow& row : planRows()) {
+            PlanRowPatch patch = tonePatchRegion(row, m_listedFolder.toStdString(), imageLength);
+            if (patch.result == PlanRowResult::EmptySlot) m_window->ShowMessage(1);
+            if (patch.result == PlanRowResult::TooLarge) {
+                stopped = true;
+                break;
+            }
+            if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
         }
-        if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
+    } catch (const std::exception& error) {
+        m_window->showError(QString::fromUtf8(error.what()));
+        return std::nullopt;
     }
     return regions;
 }
 
 void TonesTab::outputs3_Click()
 {
-    if (m_window->imageState().FileKind != "bin") return;
-    const std::vector<ReplacementRow> rows = planRows();
-    if (std::none_of(rows.begin(), rows.end(), [](const ReplacementRow& row) { return row.checked; })) return;
+    if (m_window->imageState().FileKind != "bin" || !anyPlanRowChecked()) return;
     bool stopped = false;
-    std::vector<image::Region> regions;
-    try {
-        regions = planRegions(stopped);
-    } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
-        return;
-    }
+    const auto regions = planRegions(stopped);
+    if (!regions) return;
     // The pairs before a tone that does not fit are written; the rest are not.
-    m_window->writeSRecordPatch(regions);
+    m_window->writeSRecordPatch(*regions);
     if (stopped) m_window->ShowMessage(12);
 }
 
 void TonesTab::outputaxf_Click()
 {
     if (m_window->imageState().FileKind != "asf") return;
-    const std::vector<ReplacementRow> rows = planRows();
-    if (std::none_of(rows.begin(), rows.end(), [](const ReplacementRow& row) { return row.checked; })) {
+    if (!anyPlanRowChecked()) {
         m_window->ShowMessage(11);
         return;
     }
     bool stopped = false;
-    std::vector<image::Region> regions;
-    try {
-        regions = planRegions(stopped);
-    } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
-        return;
-    }
-    if (!regions.empty()) m_window->patchInImage(regions, !stopped);
+    const auto regions = planRegions(stopped);
+    if (!regions) return;
+    if (!regions->empty()) m_window->patchInImage(*regions, !stopped);
     else if (!stopped) m_window->ShowMessage(13);
     if (stopped) m_window->ShowMessage(12);
 }

@@ -1,7 +1,7 @@
 // A "bin" phone file is never written: every command of every tab runs on one, and
 // its bytes, size and modification time are the same afterwards.
 #include "qt_files.hpp"
-#include "scripted_dialogs.hpp"
+#include "test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
@@ -161,10 +161,7 @@ private slots:
         ::utime(phone.toLocal8Bit().constData(), &old);
         const FileStamp before = stampOf(phone);
 
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        auto window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        window->LoadSettings();
+        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_dialogs->files = {phone};
         window->menuopen_Click();
         QCOMPARE(window->imageState().FileKind, std::string("bin"));

@@ -1,7 +1,7 @@
 // The converter tab through the dialogs double: every failure, the documented edge
 // cases, and a stop in the middle of a long conversion.
 #include "qt_files.hpp"
-#include "scripted_dialogs.hpp"
+#include "test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
@@ -56,10 +56,7 @@ private:
 private slots:
     void init()
     {
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        m_window->LoadSettings();
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<ConverterTab*>();
     }
     void cleanup() { m_window.reset(); }

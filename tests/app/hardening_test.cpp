@@ -2,7 +2,7 @@
 // files, and changes that run off the image. Each case shows a message saying what and
 // where, and leaves every file it was not asked to write as it was.
 #include "qt_files.hpp"
-#include "scripted_dialogs.hpp"
+#include "test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "tones/tones_tab.hpp"
@@ -73,10 +73,7 @@ private:
 private slots:
     void init()
     {
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        m_window->LoadSettings();
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
     }
     void cleanup()
     {

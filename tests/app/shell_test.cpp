@@ -2,7 +2,7 @@
 // version markers at the image's edges, remembered window state, and settings or
 // language files that are damaged or cannot be written.
 #include "qt_files.hpp"
-#include "scripted_dialogs.hpp"
+#include "test_window.hpp"
 
 #include "app/about_tab.hpp"
 #include "app/main_window.hpp"
@@ -36,10 +36,7 @@ private:
 
     std::unique_ptr<Form1> startWindow()
     {
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        auto window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        window->LoadSettings();
+        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         return window;
     }
 

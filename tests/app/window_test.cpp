@@ -1,7 +1,7 @@
 // The window's life cycle through the dialogs double: start-up, language, opening,
 // in-image patches, saving and shut-down.
 #include "qt_files.hpp"
-#include "scripted_dialogs.hpp"
+#include "test_window.hpp"
 
 #include "app/main_window.hpp"
 
@@ -49,10 +49,7 @@ private:
         writeBytes(m_home.path() + "/language/English.ini", kEnglish);
         writeBytes(m_home.path() + "/language/ChineseS.ini", "[SSTab1]\r\nTab1Name=\xE9\x93\x83\xE5\xA3\xB0\r\n");
         if (!settings.isNull()) writeBytes(m_home.path() + "/zevran.ini", settings);
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        auto window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        window->LoadSettings();
+        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         return window;
     }
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/qt_files.hpp"
-#include "app/scripted_dialogs.hpp"
+#include "app/test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "pictures/pictures_tab.hpp"
@@ -120,10 +120,7 @@ protected:
         writeBytes(path("language/English.ini"), kLanguage);
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         QVERIFY(QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat"), path("16.dat")));
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        m_window->LoadSettings();
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<PicturesTab*>();
         writeBytes(path(phoneName), phoneImage());
         m_window->openPhoneFile(path(phoneName));

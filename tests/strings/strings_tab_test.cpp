@@ -1,7 +1,7 @@
 // The strings tab through the dialogs double: the search in both encodings, the
 // edit list and its pop-up menu, and both outputs, on phone files the test writes.
 #include "app/qt_files.hpp"
-#include "app/scripted_dialogs.hpp"
+#include "app/test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "strings/strings_tab.hpp"
@@ -119,10 +119,7 @@ private:
 private slots:
     void init()
     {
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        m_window->LoadSettings();
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<StringsTab*>();
     }
     void cleanup() { m_window.reset(); }

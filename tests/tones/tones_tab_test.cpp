@@ -1,7 +1,7 @@
 // The ring-tone tab through the dialogs double: scan, tone tables, export, notes, the
 // file browser, the replacement plan and both patch outputs.
 #include "app/qt_files.hpp"
-#include "app/scripted_dialogs.hpp"
+#include "app/test_window.hpp"
 
 #include "app/main_window.hpp"
 #include "image/srecord.hpp"
@@ -155,10 +155,7 @@ private slots:
         QDir().mkpath(path("language"));
         writeBytes(path("language/English.ini"), kLanguage);
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
-        auto dialogs = std::make_unique<ScriptedDialogs>();
-        m_dialogs = dialogs.get();
-        m_window = std::make_unique<Form1>(m_home.path(), std::move(dialogs));
-        m_window->LoadSettings();
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<TonesTab*>();
     }
     void cleanup()
