@@ -6,6 +6,7 @@
 #include "srecord_reader.hpp"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace zevran::image {
 
@@ -27,7 +28,18 @@ bool patchImage(ImageState& state, const std::vector<Region>& regions)
     return allInside;
 }
 
-void Saveaxf(const ImageState& state) { saveFileSafely(state.FirmwarePath, state.FirmwareImage); }
+void Saveaxf(const ImageState& state)
+{
+    // The image always has the length of the file it was read from. A file of another
+    // length is not that file (an empty file opened since, say): it is left alone.
+    std::error_code error;
+    const std::uintmax_t onDisk = std::filesystem::file_size(state.FirmwarePath, error);
+    if (!error && onDisk != state.FirmwareImage.size())
+        throw FileError(state.FirmwarePath + ": holds " + std::to_string(onDisk) + " bytes, not the " +
+                        std::to_string(state.FirmwareImage.size()) +
+                        " of the image in memory; it is not the file the image was read from and stays as it is");
+    saveFileSafely(state.FirmwarePath, state.FirmwareImage);
+}
 
 void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
 {

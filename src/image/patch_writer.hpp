@@ -35,7 +35,8 @@ bool patchImage(ImageState& state, const std::vector<Region>& regions);
 void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch);
 
 // Writes the whole image back over its phone file through a temporary file, so the
-// phone file is either the old one or the new one, never a mix.
+// phone file is either the old one or the new one, never a mix. A phone file whose
+// length differs from the image's is not the one it was read from: FileError.
 void Saveaxf(const ImageState& state);
 
 }  // namespace zevran::image

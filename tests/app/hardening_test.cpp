@@ -102,6 +102,21 @@ private slots:
         QVERIFY(!action("Save")->isEnabled());
     }
 
+    void emptyFileOpenedSinceIsNotOverwrittenByTheOldImage()
+    {
+        writeBytes(path("a.asf"), "0123");
+        writeBytes(path("empty.asf"), "");
+        m_window->openPhoneFile(path("a.asf"));
+        m_window->patchInImage({{0, 0, {'X'}}});
+        // The empty file takes the phone file's name, while the old image stays.
+        m_window->openPhoneFile(path("empty.asf"));
+        QVERIFY(!m_window->Saveaxf(true));
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{13, 1, 0}));
+        QVERIFY(m_dialogs->messages.back().text.contains("holds 0 bytes, not the 4"));
+        QCOMPARE(readBytes(path("empty.asf")), QByteArray());
+        QCOMPARE(readBytes(path("a.asf")), QByteArray("0123"));
+    }
+
     void deviceAsPhoneFileIsRefusedNotReadForever()
     {
         m_window->openPhoneFile("/dev/zero");

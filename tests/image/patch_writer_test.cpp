@@ -84,3 +84,21 @@ TEST(Saveaxf, FailedRenameRemovesTheTemporaryFile)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.root()), {}), 1);
     EXPECT_TRUE(std::filesystem::is_directory(folder.path("phone.asf/inside")));
 }
+
+TEST(Saveaxf, FileOfAnotherLengthIsNotTheOneTheImageCameFromAndStays)
+{
+    TempFolder folder;
+    const std::string path = folder.path("phone.asf");
+    zevran::test::writeFile(path, std::vector<std::uint8_t>{1, 2, 3, 4});
+    ImageState state;
+    setImage(state, path, readBytes(path));
+    zevran::test::writeFile(path, std::vector<std::uint8_t>{7, 7});
+    try {
+        Saveaxf(state);
+        FAIL() << "an image was saved over a file of another length";
+    } catch (const FileError& error) {
+        EXPECT_EQ(std::string(error.what()), path + ": holds 2 bytes, not the 4 of the image in memory; it is not the file "
+                                                    "the image was read from and stays as it is");
+    }
+    EXPECT_EQ(readBytes(path), (std::vector<std::uint8_t>{7, 7}));
+}
