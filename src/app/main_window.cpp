@@ -236,6 +236,7 @@ void Form1::languagNum_Click(int index)
     m_settings.Language = m_languageItems[static_cast<std::size_t>(index - 1)]->text() + ".ini";
     ApplyLanguage(this, (m_programFolder + "/language/" + m_settings.Language).toStdString(), m_texts, m_codePage);
     for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
+    m_tonesTab->showToneCheck();
 }
 
 void Form1::ShowMessage(int code)

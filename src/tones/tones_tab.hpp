@@ -68,6 +68,8 @@ public:
     void editNote(QTreeWidgetItem* row);
     void Text5_LostFocus();
     void ListView1_ColumnClick(int column);
+    // The status-bar check of the selected tone, in the current language.
+    void showToneCheck();
 
     // Plays a tone file; the desktop's default handler unless a test replaces it.
     std::function<void(const QString& path)> playFile;
@@ -86,7 +88,6 @@ private:
     void showPlanRows(const std::vector<ReplacementRow>& rows);
     void planCellChanged(QTreeWidgetItem* item, int column);
     void exportTones(bool everyRow);
-    void showToneCheck();
     bool hasSelectedTone() const;
     int selectedPlanRow() const;
     bool anyPlanRowChecked() const;

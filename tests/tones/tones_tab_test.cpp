@@ -154,6 +154,7 @@ private slots:
     {
         QDir().mkpath(path("language"));
         writeBytes(path("language/English.ini"), kLanguage);
+        writeBytes(path("language/Other.ini"), "[String]\r\nToneCrcBad=Mauvais CRC\r\n");
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<TonesTab*>();
@@ -196,6 +197,9 @@ private slots:
         QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
         select(m_tab->ListView4, {2});
         QCOMPARE(panel->text(), QString("003: CRC wrong"));
+        // Another language speaks of the selected tone in its own words.
+        m_window->languagNum_Click(2);
+        QCOMPARE(panel->text(), QString("003: Mauvais CRC"));
         m_tab->ListView4->clearSelection();
         QCOMPARE(panel->text(), QString());
     }
