@@ -267,7 +267,7 @@ void Form1::openPhoneFile(const QString& path)
     std::vector<std::uint8_t> bytes;
     try {
         BusyPointer busy;
-        bytes = image::readWholeFile(file);
+        bytes = image::readPhoneFile(file);
     } catch (const std::exception& error) {
         // The image and its path stay as they were, so a later save cannot land elsewhere.
         setBusy(false);
@@ -290,6 +290,12 @@ void Form1::openPhoneFile(const QString& path)
     try {
         version = versionText();
     } catch (const image::VersionOutOfImage& error) {
+        // The new bytes are in, but the open did not finish: nothing may be written
+        // out as if the file were of the kind that was open before.
+        m_image.FileKind = "other";
+        m_image.ImageLoaded = false;
+        enableOutputsForKind();
+        m_save->setEnabled(false);
         showError(path + ": " + QString::fromUtf8(error.what()));
         return;
     }
@@ -342,6 +348,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
     m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
     try {
         BusyPointer busy;
+        image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
         image::writeSRecordPatch(path.toStdString(), regions);
     } catch (const std::exception& error) {
         showError(QString::fromUtf8(error.what()));

@@ -11,7 +11,6 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QVBoxLayout>
-#include <filesystem>
 #include <fstream>
 
 namespace zevran::image {
@@ -88,15 +87,6 @@ constexpr std::size_t kSliceBytes = 256 * 1024;
 
 }  // namespace
 
-void ConverterTab::refuseOpenPhoneFile(const std::string& output) const
-{
-    // The phone file open in the workshop is changed only by saving its image.
-    const std::string& phone = m_window->imageState().FirmwarePath;
-    std::error_code error;
-    if (!phone.empty() && std::filesystem::equivalent(phone, output, error))
-        throw FileError(output + ": is the phone file open in the workshop; a conversion never writes over it");
-}
-
 void ConverterTab::attach(app::Form1* window)
 {
     m_window = window;
@@ -160,9 +150,11 @@ void ConverterTab::convertS3ToBin()
     std::ofstream out;
     try {
         options.fill = fillByteFromText(Text3->text().toStdString());
+        // A named pipe would hold the window until something wrote to it.
+        requireRegularFile(input);
         in = openInputFile(input);
         refuseSameFile(input, output);
-        refuseOpenPhoneFile(output);
+        refusePhoneFile(m_window->imageState().FirmwarePath, output);
         out = openOutputFile(output);
     } catch (const std::exception& error) {
         m_window->showError(QString::fromUtf8(error.what()));
@@ -225,6 +217,7 @@ void ConverterTab::ComBinToS3_Click()
             m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
             output = path.toStdString();
         } else {
+            requireRegularFile(fields.inputPath);
             in = openInputFile(fields.inputPath);
             output = convertedOutputPath(fields.inputPath, ".s3");
             refuseSameFile(fields.inputPath, output);
@@ -233,7 +226,7 @@ void ConverterTab::ComBinToS3_Click()
             check.start = 0;
             check.end = wholeFileLastAddress(fields.inputPath);
         }
-        refuseOpenPhoneFile(output);
+        refusePhoneFile(m_window->imageState().FirmwarePath, output);
         std::ofstream out = openOutputFile(output);
         withOutputName(output, [&] {
             binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);

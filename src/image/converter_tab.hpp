@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QWidget>
-#include <string>
 
 class QLineEdit;
 class QProgressBar;
@@ -48,8 +47,6 @@ public:
 private:
     void updateEnabled();
     void convertS3ToBin();
-    // Throws FileError when `output` is the phone file the window has open.
-    void refuseOpenPhoneFile(const std::string& output) const;
 
     app::Form1* m_window = nullptr;
     bool m_converting = false;

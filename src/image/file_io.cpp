@@ -64,6 +64,21 @@ std::string describeErrno(const std::string& path, int errorNumber)
     return path + ": " + std::strerror(errorNumber);
 }
 
+void requireRegularFile(const std::string& path)
+{
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) throw FileError(describeErrno(path, errno));
+    if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
+    if (!S_ISREG(info.st_mode)) throw FileError(path + ": is a device or pipe, not a file");
+}
+
+void refusePhoneFile(const std::string& phone, const std::string& output)
+{
+    std::error_code error;
+    if (!phone.empty() && std::filesystem::equivalent(phone, output, error))
+        throw FileError(output + ": is the phone file open in the workshop; it is changed only by saving its image");
+}
+
 std::ifstream openInputFile(const std::string& path)
 {
     std::error_code ignored;
@@ -99,10 +114,13 @@ void refuseSameFile(const std::string& input, const std::string& output)
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path)
 {
-    UniqueFd fd = openFd(path, O_RDONLY);
+    // Opened without waiting, so a named pipe nobody writes to reads as empty instead
+    // of holding the window; reads then wait as usual.
+    UniqueFd fd = openFd(path, O_RDONLY | O_NONBLOCK);
     if (*fd < 0) throw FileError(describeErrno(path, errno));
     struct stat info {};
     if (::fstat(*fd, &info) != 0) throw FileError(describeErrno(path, errno));
+    ::fcntl(*fd, F_SETFL, ::fcntl(*fd, F_GETFL) & ~O_NONBLOCK);
     if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
     // A device such as /dev/zero never ends: reading it whole would never finish.
     if (S_ISCHR(info.st_mode) || S_ISBLK(info.st_mode)) throw FileError(path + ": is a device, not a file");
@@ -141,6 +159,8 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
     struct stat original {};
     const bool exists = ::stat(path.c_str(), &original) == 0;
     if (exists && S_ISDIR(original.st_mode)) throw FileError(path + ": is a folder, not a file");
+    // Renaming over a file needs only its folder to be writable: the file must be too.
+    if (exists && S_ISREG(original.st_mode) && ::access(path.c_str(), W_OK) != 0) throw FileError(describeErrno(path, errno));
     if (exists && !S_ISREG(original.st_mode)) {
         // A device or pipe takes the bytes where it is: renaming over it would replace it.
         UniqueFd fd = openFd(path, O_WRONLY);

@@ -2,6 +2,7 @@
 
 #include "file_io.hpp"
 #include "hex_text.hpp"
+#include "phone_file.hpp"
 #include "srecord.hpp"
 #include "srecord_reader.hpp"
 
@@ -32,6 +33,9 @@ void Saveaxf(const ImageState& state)
 {
     // The image always has the length of the file it was read from. A file of another
     // length is not that file (an empty file opened since, say): it is left alone.
+    // A "bin" phone file is never written: its changes leave as S-record patches.
+    if (classifyPhoneFile(state.FirmwarePath) != "asf")
+        throw FileError(state.FirmwarePath + ": is not an \"asf\" phone file, so it is never written");
     std::error_code error;
     const std::uintmax_t onDisk = std::filesystem::file_size(state.FirmwarePath, error);
     if (!error && onDisk != state.FirmwareImage.size())
@@ -61,6 +65,7 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
         patch.read(block.data(), static_cast<std::streamsize>(block.size()));
         lines.feed(std::string_view(block.data(), static_cast<std::size_t>(patch.gcount())), layOver);
     }
+    if (patch.bad()) throw FileError("the patch could not be read to its end");
     lines.finish(layOver);
 }
 

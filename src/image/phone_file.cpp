@@ -3,6 +3,9 @@
 #include "file_io.hpp"
 #include "hex_text.hpp"
 
+#include <filesystem>
+#include <limits>
+
 namespace zevran::image {
 
 namespace {
@@ -47,9 +50,18 @@ std::optional<std::string> findVersionText(ImageState& state)
     return version;
 }
 
+std::vector<std::uint8_t> readPhoneFile(const std::string& path)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!error && size > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max()))
+        throw std::length_error(path + ": a phone file of 2 GiB or more cannot be held");
+    return readWholeFile(path);
+}
+
 void loadPhoneFile(ImageState& state, const std::string& path)
 {
-    std::vector<std::uint8_t> bytes = readWholeFile(path);
+    std::vector<std::uint8_t> bytes = readPhoneFile(path);
     if (bytes.empty()) throw EmptyPhoneFile(path + ": the file is empty");
     setImage(state, path, std::move(bytes));
     state.LastMatch = 0;

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zevran::image {
 
@@ -26,6 +27,10 @@ public:
 // the image's start each time and leaves LastMatch at 0 for the searches that follow.
 // Throws VersionOutOfImage when the bytes would lie outside the image.
 std::optional<std::string> findVersionText(ImageState& state);
+
+// The bytes of a phone file. One of 2 GiB or more cannot be held as an image and is
+// refused (std::length_error) before any of it is read; FileError as readWholeFile.
+std::vector<std::uint8_t> readPhoneFile(const std::string& path);
 
 // Reads a phone file into the image and classifies it: FileKind and ImageLoaded
 // set, the search position reset. Throws FileError when it cannot be read; an empty

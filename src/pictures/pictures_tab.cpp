@@ -251,6 +251,7 @@ void PicturesTab::SavePicTable_Click()
     try {
         const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
         const std::string bytes = strings::encodeText(text, m_window->codePage());
+        refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
         saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
         m_window->showError(path + ": " + qText(error.what()));
@@ -485,9 +486,11 @@ void PicturesTab::exportPictures(bool selectedOnly)
                     ProgressBar2->setVisible(true);
                 }
                 for (std::int64_t j = 0; j < geometry.frames; ++j) {
+                    const std::string framePath = pictureFramePath(target, row.name, j);
+                    refusePhoneFile(m_window->imageState().FirmwarePath, framePath);
                     // Fetched each frame: a phone file opened meanwhile replaces the image.
-                    if (!DecodePictureFrame(m_window->imageState().FirmwareImage, frameAddress(geometry, j),
-                                            pictureFramePath(target, row.name, j), geometry.width, geometry.height,
+                    if (!DecodePictureFrame(m_window->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
+                                            geometry.width, geometry.height,
                                             geometry.depth, colours))
                         showWrongFormat();
                     if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
@@ -536,6 +539,7 @@ void PicturesTab::outputpics3_Click()
                 else m_window->ShowMessage(kMessageEmptyRegion);
                 QApplication::processEvents();
             }
+            refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
             if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
         } catch (const std::exception& error) {
             failure = qText(error.what());

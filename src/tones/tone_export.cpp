@@ -74,7 +74,12 @@ void exportTones(const ImageState& state, const std::vector<ToneSlot>& rows,
                  const std::function<void(std::size_t)>& afterRow)
 {
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (wanted(i)) writeOverFileStart(toneExportPath(pickedPath, rows[i].number), toneBytes(state, rows[i]));
+        if (wanted(i)) {
+            const std::string path = toneExportPath(pickedPath, rows[i].number);
+            // A picked name can make a tone's file name that of the phone file itself.
+            refusePhoneFile(state.FirmwarePath, path);
+            writeOverFileStart(path, toneBytes(state, rows[i]));
+        }
         if (afterRow) afterRow(i);
     }
 }

@@ -79,6 +79,12 @@ PlanRowPatch tonePatchRegion(const ReplacementRow& row, std::string_view folder,
     if (!row.checked || !mayCheckPlanRow(row)) return patch;
     const std::optional<PlanSlotFields> slot = planSlotFields(row.slot);
     if (!slot) return patch;
+    const PlanFileFields file = planFileFields(row.file);
+    // Sizes are compared first, as listed: a slot of 0 (or less) refuses any tone but an empty one.
+    if (file.size > slot->size) {
+        patch.result = PlanRowResult::TooLarge;
+        return patch;
+    }
     if (slot->size <= 0) {
         patch.result = PlanRowResult::EmptySlot;
         return patch;
@@ -88,11 +94,10 @@ PlanRowPatch tonePatchRegion(const ReplacementRow& row, std::string_view folder,
         throw TonePlanError("row " + row.number + ": the slot at 0x" + HexPad(static_cast<std::uint32_t>(slot->start), 8) +
                             " of " + std::to_string(slot->size) + " bytes lies outside the image (" +
                             std::to_string(imageLength) + " bytes)");
-    const PlanFileFields file = planFileFields(row.file);
     const std::string path = joinFolder(folder, file.name);
     std::ifstream in = openInputFile(path);
     // The size shown may be older than the file: a longer file would be cut short.
-    if (file.size > slot->size || fileSize(in) > slot->size) {
+    if (fileSize(in) > slot->size) {
         patch.result = PlanRowResult::TooLarge;
         return patch;
     }

@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QTreeView>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -212,6 +213,7 @@ void TonesTab::SaveToneTable_Click()
     try {
         const std::string caption = ListView4->headerItem()->text(3).toStdString();
         const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_window->codePage());
+        image::refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
         // An existing table is replaced whole, never left half old and half new.
         image::saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     } catch (const std::exception& error) {
@@ -263,6 +265,8 @@ void TonesTab::exportTones(bool everyRow)
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
     QString failure;
+    // Pending events run between the files: the window may not close under the export.
+    QScopedValueRollback<bool> mayClose(m_window->mayClose, false);
     try {
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();

@@ -83,7 +83,8 @@ private:
         window.findChild<QAction*>("addaddress")->trigger();
         tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
         window.findChild<QAction*>("outputs3")->trigger();
-        window.findChild<QAction*>("outputaxf")->trigger();
+        // Disabled for a "bin" file, and refusing all the same when called.
+        tab->outputaxf_Click();
         tab->ListView3->topLevelItem(0)->setSelected(true);
         for (const char* name : {"movemmf", "moveallmmf", "movealladdress", "moveall"})
             window.findChild<QAction*>(name)->trigger();
@@ -150,6 +151,25 @@ private:
     }
 
 private slots:
+    void binOpenedAfterAnAsfAndEndingBadlyIsStillNeverWritten()
+    {
+        writeBytes(path("a.asf"), phoneImage());
+        // A version marker too near the end ends the open part way.
+        QByteArray bin = phoneImage();
+        bin.replace(bin.size() - 20, 14, "VersionString:");
+        writeBytes(path("y.bin"), bin);
+        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        window->openPhoneFile(path("a.asf"));
+        window->openPhoneFile(path("y.bin"));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QCOMPARE(window->imageState().FileKind, std::string("other"));
+        window->patchInImage({{0, 3, {'X', 'X', 'X', 'X'}}});
+        QVERIFY(!window->findChild<QAction*>("Save")->isEnabled());
+        QVERIFY(!window->Saveaxf(true));
+        QCOMPARE(readBytes(path("y.bin")), bin);
+        QCOMPARE(readBytes(path("a.asf")), phoneImage());
+    }
+
     void everyCommandLeavesTheBinPhoneFileAsItWas()
     {
         QDir().mkpath(path("out"));
@@ -171,6 +191,7 @@ private slots:
         runPictureCommands(*window);
         runConverterCommands(*window, phone);
         window->findChild<QAction*>("Save")->trigger();
+        QVERIFY(!window->Saveaxf(true));
         QCloseEvent close;
         QCoreApplication::sendEvent(window.get(), &close);
         QVERIFY(close.isAccepted());

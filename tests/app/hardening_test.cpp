@@ -198,13 +198,17 @@ private slots:
         action("addaddress")->trigger();
         QTreeWidget* plan = tones()->ListView3;
         const int negative = plan->topLevelItem(0)->text(2).startsWith("0x1 ") ? 0 : 1;
+        // A slot of -5 bytes takes no tone of 4.
         plan->topLevelItem(negative)->setCheckState(0, Qt::Checked);
         action("outputaxf")->trigger();
-        QCOMPARE(m_dialogs->codes(), (std::vector<int>{1, 13}));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
+        // An enormous slot lies outside the image.
+        plan->topLevelItem(negative)->setCheckState(0, Qt::Unchecked);
         plan->topLevelItem(1 - negative)->setCheckState(0, Qt::Checked);
         action("outputaxf")->trigger();
-        QCOMPARE(m_dialogs->codes().back(), 0);
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{12, 0}));
         QVERIFY(m_dialogs->messages.back().text.contains("outside the image"));
+        QVERIFY(!action("Save")->isEnabled());
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());
     }
 };

@@ -173,6 +173,11 @@ private slots:
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.startsWith(path("near.bin")));
         QVERIFY(!window->findChild<QTabWidget*>("SSTab1")->isTabEnabled(1));
+        // Nothing may be written out as if an earlier file's kind still held.
+        QCOMPARE(window->imageState().FileKind, std::string("other"));
+        QVERIFY(!window->imageState().ImageLoaded);
+        for (const char* name : {"outputs3", "outputaxf", "outputStrS3", "outputStraxf", "Save"})
+            QVERIFY2(!window->findChild<QAction*>(name)->isEnabled(), name);
     }
 
     void revisionMarkerInTheFirstTwelveBytesEndsTheOpen()

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace zevran::image;
 using zevran::test::TempFolder;
@@ -88,6 +89,35 @@ TEST(ReadWholeFile, EndlessDeviceIsRefusedRatherThanReadForever)
 
 TEST(ReadWholeFile, FileThatCannotBeReadNamesThePath)
 {
-    // A folder under /proc refuses reads whoever asks, root included.
-    EXPECT_NE(whatOf([] { readWholeFile("/proc/self/mem"); }), "");
+    // Read from its start, a process's memory file refuses whoever asks, root included.
+    EXPECT_EQ(whatOf([] { readWholeFile("/proc/self/mem"); }).rfind("/proc/self/mem: ", 0), 0u);
+}
+
+TEST(ReadWholeFile, NamedPipeWithoutWriterReadsEmptyInsteadOfWaiting)
+{
+    TempFolder folder;
+    ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(readWholeFile(folder.path("pipe")).empty());
+    EXPECT_EQ(whatOf([&] { requireRegularFile(folder.path("pipe")); }), folder.path("pipe") + ": is a device or pipe, not a file");
+}
+
+TEST(RefusePhoneFile, ThePhoneFileUnderAnyNameIsRefused)
+{
+    TempFolder folder;
+    writeFile(folder.path("phone.bin"), "phone");
+    std::filesystem::create_directory(folder.path("sub"));
+    EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("sub/../phone.bin")); }),
+              folder.path("sub/../phone.bin") + ": is the phone file open in the workshop; it is changed only by saving its image");
+    EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("other.s3")); }), "");
+    EXPECT_EQ(whatOf([&] { refusePhoneFile("", folder.path("other.s3")); }), "");
+}
+
+TEST(SaveFileSafely, ReadOnlyFileIsNotReplaced)
+{
+    if (::geteuid() == 0) GTEST_SKIP() << "permission bits do not stop root";
+    TempFolder folder;
+    writeFile(folder.path("phone.asf"), "old");
+    ::chmod(folder.path("phone.asf").c_str(), 0444);
+    EXPECT_EQ(whatOf([&] { saveFileSafely(folder.path("phone.asf"), kBytes); }), folder.path("phone.asf") + ": Permission denied");
+    EXPECT_EQ(zevran::test::readText(folder.path("phone.asf")), "old");
 }

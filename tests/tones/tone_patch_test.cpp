@@ -89,8 +89,14 @@ TEST(TonePatchRegion, SlotOfSizeZeroIsReportedAndNotRead)
 {
     EXPECT_EQ(tonePatchRegion(checkedRow("missing.mmf 0 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
               PlanRowResult::EmptySlot);
-    EXPECT_EQ(tonePatchRegion(checkedRow("missing.mmf 0 字节", "001 0x00000010 - 0x0000000F -5 "), "/nonexistent", 64).result,
-              PlanRowResult::EmptySlot);
+}
+
+TEST(TonePatchRegion, SlotOfSizeZeroOrLessRefusesAnyToneThatHasBytes)
+{
+    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 4 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
+              PlanRowResult::TooLarge);
+    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 0 字节", "001 0x00000010 - 0x0000000F -5 "), "/nonexistent", 64).result,
+              PlanRowResult::TooLarge);
 }
 
 TEST(TonePatchRegion, UncheckedOrUnpairedRowsAreSkipped)

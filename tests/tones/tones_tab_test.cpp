@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 using zevran::app::Form1;
@@ -477,11 +478,51 @@ private slots:
         QVERIFY(!action("Save")->isEnabled());
     }
 
+    void nothingIsSavedOrExportedOverThePhoneFile()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        m_dialogs->files = {path("phone.bin")};
+        m_tab->SaveToneTable->click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QVERIFY(m_dialogs->messages[0].text.contains("is the phone file open in the workshop"));
+        m_window->writeSRecordPatch({{0, 0, {'X'}}});
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{0}));
+        m_dialogs->files = {path("phone.bin")};
+        m_window->writeSRecordPatch({{0, 0, {'X'}}});
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 0}));
+        QCOMPARE(readBytes(path("phone.bin")), phoneImage());
+        // An "asf" phone file named like an exported tone: "t.mmf" would write t-001.mmf over it.
+        writeBytes(path("t-001.mmf"), phoneImage());
+        m_window->openPhoneFile(path("t-001.mmf"));
+        m_tab->GetTone->click();
+        select(m_tab->ListView4, {0});
+        m_dialogs->files = {path("t.mmf")};
+        action("outputselect")->trigger();
+        QCOMPARE(m_dialogs->codes().back(), 0);
+        QVERIFY(m_dialogs->messages.back().text.contains("t-001.mmf: is the phone file open in the workshop"));
+        QCOMPARE(readBytes(path("t-001.mmf")), phoneImage());
+    }
+
+    void windowDoesNotCloseUnderAnExport()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        select(m_tab->ListView4, {0});
+        m_dialogs->files = {path("all.mmf")};
+        bool closed = true;
+        QTimer::singleShot(0, this, [&] { closed = m_window->close(); });
+        action("outputall")->trigger();
+        QVERIFY(!closed);
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{32, 9}));
+        QVERIFY(m_window->mayClose);
+    }
+
     void outputsForTheOtherKindDoNothing()
     {
         openPhone("phone.asf");
         planTwoPairs();
-        action("outputs3")->trigger();
+        m_tab->outputs3_Click();
         QVERIFY(m_dialogs->messages.empty());
         QVERIFY(m_dialogs->asked.isEmpty());
     }
