@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <set>
 #include <sstream>
 
@@ -29,8 +28,7 @@ std::vector<ToneSlot> streamedTones(const std::string& path)
     std::ifstream in = openInputFile(path);
     const ToneStreamScan scan = scanToneStream(in);
     if (scan.imageBytes == 0) throw std::runtime_error(path + ": the file is empty (0 bytes)");
-    if (scan.imageBytes > std::numeric_limits<std::int32_t>::max())
-        throw std::runtime_error(path + ": a phone file of 2 GiB or more cannot be held");
+    checkImageSize(path, static_cast<std::uintmax_t>(scan.imageBytes));
     return scan.rows;
 }
 

@@ -57,6 +57,13 @@ void preferHugePages(void* start, std::size_t length)
 #endif
 }
 
+// A folder holds no bytes to read, and a device such as /dev/zero never ends.
+void refuseFolderOrDevice(const std::string& path, mode_t mode)
+{
+    if (S_ISDIR(mode)) throw FileError(path + ": is a folder, not a file");
+    if (S_ISCHR(mode) || S_ISBLK(mode)) throw FileError(path + ": is a device, not a file");
+}
+
 }  // namespace
 
 std::string describeErrno(const std::string& path, int errorNumber)
@@ -68,7 +75,7 @@ void requireRegularFile(const std::string& path)
 {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) throw FileError(describeErrno(path, errno));
-    if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
+    refuseFolderOrDevice(path, info.st_mode);
     if (!S_ISREG(info.st_mode)) throw FileError(path + ": is a device or pipe, not a file");
 }
 
@@ -81,10 +88,9 @@ void refusePhoneFile(const std::string& phone, const std::string& output)
 
 std::ifstream openInputFile(const std::string& path)
 {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) throw FileError(path + ": is a folder, not a file");
-    if (std::filesystem::is_character_file(path, ignored) || std::filesystem::is_block_file(path, ignored))
-        throw FileError(path + ": is a device, not a file");
+    // A missing file is left for the stream to report.
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0) refuseFolderOrDevice(path, info.st_mode);
     errno = 0;
     std::ifstream in(path, std::ios::binary);
     if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
@@ -121,9 +127,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
     struct stat info {};
     if (::fstat(*fd, &info) != 0) throw FileError(describeErrno(path, errno));
     ::fcntl(*fd, F_SETFL, ::fcntl(*fd, F_GETFL) & ~O_NONBLOCK);
-    if (S_ISDIR(info.st_mode)) throw FileError(path + ": is a folder, not a file");
-    // A device such as /dev/zero never ends: reading it whole would never finish.
-    if (S_ISCHR(info.st_mode) || S_ISBLK(info.st_mode)) throw FileError(path + ": is a device, not a file");
+    refuseFolderOrDevice(path, info.st_mode);
     std::vector<std::uint8_t> bytes;
     // A regular file is read in one block; other files (pipes, devices) as they come.
     const std::size_t size = S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;

@@ -81,10 +81,15 @@ std::int64_t ChunkSizeAt(std::span<const std::uint8_t> image, std::int64_t offse
     return static_cast<std::int64_t>(body + 8);
 }
 
+void checkImageSize(const std::string& path, std::uintmax_t bytes)
+{
+    if (bytes > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max()))
+        throw std::length_error(path + ": a phone file of 2 GiB or more cannot be held");
+}
+
 void setImage(ImageState& state, std::string path, std::vector<std::uint8_t> bytes)
 {
-    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
-        throw std::length_error(path + ": a phone file of 2 GiB or more cannot be held");
+    checkImageSize(path, bytes.size());
     state.FirmwarePath = std::move(path);
     state.FirmwareLength = static_cast<std::int32_t>(bytes.size());
     state.FirmwareImage = std::move(bytes);

@@ -41,6 +41,10 @@ std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset);
 // The same over any bytes whose first is offset 0.
 std::int64_t ChunkSizeAt(std::span<const std::uint8_t> bytes, std::int64_t offset);
 
+// Offsets are signed 32-bit numbers: a phone file of 2 GiB or more cannot be held as an
+// image. Throws std::length_error naming the file.
+void checkImageSize(const std::string& path, std::uintmax_t bytes);
+
 // Replaces the image and path with a freshly read phone file; the kind is left to
 // the caller. Clears nothing else.
 void setImage(ImageState& state, std::string path, std::vector<std::uint8_t> bytes);

@@ -4,7 +4,6 @@
 #include "hex_text.hpp"
 
 #include <filesystem>
-#include <limits>
 
 namespace zevran::image {
 
@@ -54,8 +53,7 @@ std::vector<std::uint8_t> readPhoneFile(const std::string& path)
 {
     std::error_code error;
     const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (!error && size > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max()))
-        throw std::length_error(path + ": a phone file of 2 GiB or more cannot be held");
+    if (!error) checkImageSize(path, size);
     return readWholeFile(path);
 }
 

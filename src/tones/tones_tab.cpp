@@ -30,6 +30,17 @@ using app::fromUtf8;
 using app::named;
 using app::reportList;
 
+namespace {
+
+// A row of the tone list as the logic sees it: its five cells.
+ToneSlot toneRowOf(const QTreeWidgetItem* item)
+{
+    return {item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
+            item->text(3).toStdString(), item->text(4).toStdString()};
+}
+
+}  // namespace
+
 TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("TonesTab");
@@ -157,9 +168,7 @@ std::vector<ToneSlot> TonesTab::toneRows() const
     std::vector<ToneSlot> rows;
     rows.reserve(static_cast<std::size_t>(ListView4->topLevelItemCount()));
     for (int i = 0; i < ListView4->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem* item = ListView4->topLevelItem(i);
-        rows.push_back({item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
-                        item->text(3).toStdString(), item->text(4).toStdString()});
+        rows.push_back(toneRowOf(ListView4->topLevelItem(i)));
     }
     return rows;
 }
@@ -316,8 +325,7 @@ void TonesTab::showToneCheck()
         return;
     }
     const QTreeWidgetItem* item = selected.front();
-    const ToneSlot row{item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
-                       item->text(3).toStdString(), item->text(4).toStdString()};
+    const ToneSlot row = toneRowOf(item);
     ToneCheck check;
     try {
         check = checkTone(toneBytes(m_window->imageState(), row));
