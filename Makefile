@@ -6,7 +6,7 @@ BENCH_BUILD ?= build-bench
 FUZZ_BUILD  ?= build-fuzz
 FUZZ_SECONDS ?= 60
 
-PACKAGES       := cmake g++ make pkg-config qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
+PACKAGES       := cmake g++ make pkg-config ccache qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
                   srecord binutils xvfb time
 FUZZ_PACKAGES  := clang libclang-rt-14-dev
 RUN_PACKAGES   := fonts-noto-cjk
