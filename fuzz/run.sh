@@ -38,7 +38,9 @@ for target in "${targets[@]}"; do
     summary+=("$target: FAILED (exit $status), see $log")
     tail -n 60 "$log"
   else
-    summary+=("$target: $done_line")
+    runs=$(sed -E 's/^Done ([0-9]+) runs in ([0-9]+) second.*/\1/' <<<"$done_line")
+    secs=$(sed -E 's/^Done ([0-9]+) runs in ([0-9]+) second.*/\2/' <<<"$done_line")
+    summary+=("$target: $done_line, $((runs / (secs > 0 ? secs : 1))) inputs a second")
   fi
 done
 

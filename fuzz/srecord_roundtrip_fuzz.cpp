@@ -30,6 +30,7 @@ struct ReadBack {
 
 ReadBack readBack(const std::string& text, S3ToBinOptions options)
 {
+    options.readBlock = 4096;
     std::istringstream in(text);
     zevran::fuzz::CountingSink sink(options.mode == S3ToBinMode::DataOnly);
     std::ostream out(&sink);

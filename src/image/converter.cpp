@@ -13,20 +13,23 @@ namespace zevran::image {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 20;
+// Pieces this large go to the stream as they are rather than through the output
+// buffer, and gaps are filled in pieces of this size: a gap of gigabytes then costs
+// calls, not copies, and a new fill byte costs 64 KiB of setting, not a MiB.
+constexpr std::size_t kDirectWrite = 1 << 16;
 
 const std::vector<std::uint8_t>& fillBlock(std::uint8_t fill)
 {
     static thread_local std::vector<std::uint8_t> block;
-    if (block.size() != kBlock || block[0] != fill) block.assign(kBlock, fill);
+    if (block.size() != kDirectWrite || block[0] != fill) block.assign(kDirectWrite, fill);
     return block;
 }
 
 }  // namespace
 
 SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options)
-    : m_in(in), m_out(out), m_options(options), m_inBuffer(kBlock)
+    : m_in(in), m_out(out), m_options(options), m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1)))
 {
-    m_outBuffer.reserve(kBlock);
 }
 
 void SRecordToBinary::flush()
@@ -41,8 +44,8 @@ void SRecordToBinary::flush()
 
 void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
 {
-    if (m_outBuffer.size() + count > kBlock) flush();
-    if (count >= kBlock) {
+    if (m_outBuffer.size() + count > kBlock || count >= kDirectWrite) flush();
+    if (count >= kDirectWrite) {
         m_out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
         m_outputWritten += count;
         if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
@@ -55,7 +58,7 @@ void SRecordToBinary::writeFill(std::uint64_t count)
 {
     const auto& block = fillBlock(m_options.fill);
     while (count > 0) {
-        const auto piece = static_cast<std::size_t>(std::min<std::uint64_t>(count, kBlock));
+        const auto piece = static_cast<std::size_t>(std::min<std::uint64_t>(count, block.size()));
         writeOut(block.data(), piece);
         count -= piece;
     }
@@ -84,12 +87,12 @@ bool SRecordToBinary::convertSome(std::size_t workBytes)
     try {
         std::size_t work = 0;
         while (work < workBytes && !m_inputDone) {
-            const std::size_t want = std::min(m_inBuffer.size(), workBytes - work);
-            m_in.read(m_inBuffer.data(), static_cast<std::streamsize>(want));
+            const std::size_t want = std::min(std::max<std::size_t>(m_options.readBlock, 1), workBytes - work);
+            m_in.read(m_inBuffer.get(), static_cast<std::streamsize>(want));
             const auto got = static_cast<std::size_t>(m_in.gcount());
             m_inputRead += got;
             work += got;
-            m_lines.feed(std::string_view(m_inBuffer.data(), got), [this](std::string_view line) { takeLine(line); });
+            m_lines.feed(std::string_view(m_inBuffer.get(), got), [this](std::string_view line) { takeLine(line); });
             if (got == 0 || !m_in) {
                 if (m_in.bad()) throw FileError("the S-record input could not be read");
                 m_lines.finish([this](std::string_view line) { takeLine(line); });
@@ -118,16 +121,18 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
                      std::uint8_t fill)
 {
     out.write(S0Line.data(), static_cast<std::streamsize>(S0Line.size()));
-    std::vector<std::uint8_t> block(kBlock);
-    std::string text;
-    text.reserve(kBlock * 3);
     std::uint64_t remaining = std::uint64_t{end} - start + 1;
+    // A small region gets a small block: a few bytes need not cost four MiB.
+    const auto blockSize = static_cast<std::size_t>(std::min<std::uint64_t>(remaining, kBlock));
+    std::vector<std::uint8_t> block(blockSize);
+    std::string text;
+    text.reserve(blockSize * 3);
     std::uint32_t address = start;
     bool fileLeft = binary != nullptr;
     while (remaining > 0) {
         // Pieces are whole multiples of 16 bytes until the last, so the lines come out
         // as for one region written at once.
-        const std::size_t piece = static_cast<std::size_t>(std::min<std::uint64_t>(remaining, kBlock));
+        const std::size_t piece = static_cast<std::size_t>(std::min<std::uint64_t>(remaining, blockSize));
         std::size_t got = 0;
         while (fileLeft && got < piece) {
             binary->read(reinterpret_cast<char*>(block.data() + got), static_cast<std::streamsize>(piece - got));

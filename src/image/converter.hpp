@@ -7,6 +7,7 @@
 #include "srecord_reader.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -41,6 +42,9 @@ struct S3ToBinOptions {
     S3ToBinMode mode = S3ToBinMode::FullAddress;
     std::uint8_t fill = 0xFF;
     bool anyRecords = false;  // strict reading of S1/S2/S3 files with checksums
+    // Input bytes read at a time. Big blocks suit big files; a small block lets a
+    // fuzzer or a test put line ends on every side of a block's edge.
+    std::size_t readBlock = std::size_t{1} << 20;
 };
 
 // S-record text to binary, a slice at a time so a window can stay responsive.
@@ -73,7 +77,9 @@ private:
     S3ToBinOptions m_options;
     LineSplitter m_lines;
     SRecordData m_record;
-    std::vector<char> m_inBuffer;
+    // Left uninitialised: only what a read fills is ever looked at, and clearing a
+    // MiB for every conversion of a small file cost more than the conversion.
+    std::unique_ptr<char[]> m_inBuffer;
     std::vector<std::uint8_t> m_outBuffer;
     std::uint64_t m_expected = 0;  // the address the next record should start at
     std::uint64_t m_lineNumber = 0;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 
 namespace zevran::image {
 
@@ -60,10 +61,13 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
                                                " bytes)");
         std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
     };
-    std::vector<char> block(1 << 20);
+    // Patches are small; reading them in 64 KiB pieces costs nothing, and the block
+    // is left unset since only what a read fills is looked at.
+    constexpr std::size_t kReadBlock = 1 << 16;
+    const auto block = std::make_unique_for_overwrite<char[]>(kReadBlock);
     while (patch) {
-        patch.read(block.data(), static_cast<std::streamsize>(block.size()));
-        lines.feed(std::string_view(block.data(), static_cast<std::size_t>(patch.gcount())), layOver);
+        patch.read(block.get(), static_cast<std::streamsize>(kReadBlock));
+        lines.feed(std::string_view(block.get(), static_cast<std::size_t>(patch.gcount())), layOver);
     }
     if (patch.bad()) throw FileError("the patch could not be read to its end");
     lines.finish(layOver);

@@ -54,7 +54,9 @@ protected:
     {
         count += static_cast<std::uint64_t>(n);
         largestWrite = std::max<std::uint64_t>(largestWrite, static_cast<std::uint64_t>(n));
-        tail.assign(data + std::max<std::streamsize>(0, n - 4), data + n);
+        // The last four bytes written, whichever writes they came in.
+        tail.append(data + std::max<std::streamsize>(0, n - 4), data + n);
+        if (tail.size() > 4) tail.erase(0, tail.size() - 4);
         return n;
     }
     int overflow(int c) override
