@@ -1,12 +1,14 @@
 #include "about_tab.hpp"
 
-#include "widget_helpers.hpp"
+#include "image/widget_helpers.hpp"
 
 #include <QEvent>
 #include <QTimer>
 #include <QVBoxLayout>
 
 namespace zevran::app {
+
+using image::named;
 
 namespace {
 

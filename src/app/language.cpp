@@ -20,22 +20,6 @@ namespace zevran::app {
 
 namespace {
 
-bool isValidUtf8(const std::string& bytes)
-{
-    std::size_t i = 0;
-    if (bytes.rfind("\xEF\xBB\xBF", 0) == 0) i = 3;
-    while (i < bytes.size()) {
-        const auto lead = static_cast<unsigned char>(bytes[i]);
-        const int extra = lead < 0x80 ? 0 : lead >= 0xC2 && lead < 0xE0 ? 1 : lead >= 0xE0 && lead < 0xF0 ? 2
-                                                                      : lead >= 0xF0 && lead < 0xF5 ? 3 : -1;
-        if (extra < 0 || bytes.size() - i <= static_cast<std::size_t>(extra)) return false;
-        for (int k = 1; k <= extra; ++k)
-            if ((static_cast<unsigned char>(bytes[i + static_cast<std::size_t>(k)]) & 0xC0) != 0x80) return false;
-        i += static_cast<std::size_t>(extra) + 1;
-    }
-    return true;
-}
-
 void setCaption(QObject* target, const QString& text)
 {
     if (auto* button = qobject_cast<QAbstractButton*>(target)) button->setText(text);
@@ -51,7 +35,7 @@ struct Entry {
     std::function<void(const QString&)> apply;
 };
 
-std::vector<Entry> languageEntries(QWidget* window, InterfaceTexts& texts)
+std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts)
 {
     auto caption = [window](const char* name) {
         return [window, name](const QString& text) {
@@ -126,10 +110,6 @@ std::vector<Entry> languageEntries(QWidget* window, InterfaceTexts& texts)
     entries.push_back({"String", "StatusBar1Str2", panel(6)});
     entries.push_back({"String", "StatusBar1Str3", keep(texts.StatusBar1Str3)});
     entries.push_back({"String", "HelpStr", keep(texts.HelpStr)});
-    entries.push_back({"String", "ToneCrcOk", keep(texts.ToneCrcOk)});
-    entries.push_back({"String", "ToneCrcBad", keep(texts.ToneCrcBad)});
-    entries.push_back({"String", "ToneCrcNone", keep(texts.ToneCrcNone)});
-    entries.push_back({"String", "ToneTitle", keep(texts.ToneTitle)});
     for (int n : {1, 2, 3, 5, 6, 7}) entries.push_back({"String", "MsgTitle" + std::to_string(n), keep(texts.MsgTitle[static_cast<std::size_t>(n)])});
     // No key is read for message 38: it shows an empty text.
     for (int n = 1; n <= 39; ++n)
@@ -140,6 +120,22 @@ std::vector<Entry> languageEntries(QWidget* window, InterfaceTexts& texts)
 }
 
 }  // namespace
+
+bool isValidUtf8(std::string_view bytes)
+{
+    std::size_t i = 0;
+    if (bytes.rfind("\xEF\xBB\xBF", 0) == 0) i = 3;
+    while (i < bytes.size()) {
+        const auto lead = static_cast<unsigned char>(bytes[i]);
+        const int extra = lead < 0x80 ? 0 : lead >= 0xC2 && lead < 0xE0 ? 1 : lead >= 0xE0 && lead < 0xF0 ? 2
+                                                                      : lead >= 0xF0 && lead < 0xF5 ? 3 : -1;
+        if (extra < 0 || bytes.size() - i <= static_cast<std::size_t>(extra)) return false;
+        for (int k = 1; k <= extra; ++k)
+            if ((static_cast<unsigned char>(bytes[i + static_cast<std::size_t>(k)]) & 0xC0) != 0x80) return false;
+        i += static_cast<std::size_t>(extra) + 1;
+    }
+    return true;
+}
 
 QString decodeLanguageValue(const std::string& value, bool utf8File, const std::string& codePage)
 {
@@ -152,7 +148,7 @@ QString decodeLanguageValue(const std::string& value, bool utf8File, const std::
     }
 }
 
-void ApplyLanguage(QWidget* window, const std::string& path, InterfaceTexts& texts, const std::string& codePage)
+void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage)
 {
     bool utf8File = true;
     try {

@@ -2,10 +2,11 @@
 // the window comes from one of them, read with private-profile semantics.
 #pragma once
 
-#include "interface_texts.hpp"
+#include "image/interface_texts.hpp"
 
 #include <QString>
 #include <string>
+#include <string_view>
 
 class QWidget;
 
@@ -15,7 +16,10 @@ namespace zevran::app {
 // value to its target among the window's children (found by object name) or to
 // `texts`. A missing or empty key is written back empty, as the profile reading does,
 // so a file lacking keys gains them and a missing file is created.
-void ApplyLanguage(QWidget* window, const std::string& path, InterfaceTexts& texts, const std::string& codePage);
+void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage);
+
+// True when `bytes` (after a byte-order mark, if any) are valid UTF-8.
+bool isValidUtf8(std::string_view bytes);
 
 // The text of a language file's value: UTF-8 when the file is valid UTF-8, else the code page.
 QString decodeLanguageValue(const std::string& value, bool utf8File, const std::string& codePage);

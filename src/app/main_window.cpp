@@ -3,13 +3,13 @@
 #include "about_tab.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
-#include "widget_helpers.hpp"
 
 #include "image/converter_tab.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/messages.hpp"
 #include "image/phone_file.hpp"
+#include "image/widget_helpers.hpp"
 #include "pictures/pictures_tab.hpp"
 #include "strings/code_page.hpp"
 #include "strings/strings_tab.hpp"
@@ -34,17 +34,12 @@
 
 namespace zevran::app {
 
+using image::BusyPointer;
+using image::fromUtf8;
+
 namespace {
 
 constexpr const char* kHomePage = "https://zevran-workshop.example.org/";
-constexpr int kStatusPanels = 7;
-
-QAction* namedAction(const char* name, const QString& text, QObject* parent)
-{
-    auto* action = new QAction(text, parent);
-    action->setObjectName(name);
-    return action;
-}
 
 }  // namespace
 
@@ -60,11 +55,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
     buildMenus();
     buildToolBar();
     buildStatusBar();
-    // The tabs wire their commands to the pop-up menus and status panels built above.
-    m_tonesTab->attach(this);
-    m_stringsTab->attach(this);
-    m_picturesTab->attach(this);
-    m_converterTab->attach(this);
+    attachTabs();
     resize(1100, 720);
 }
 
@@ -124,26 +115,20 @@ void Form1::buildMenus()
     homepage->setObjectName("homepage");
     connect(homepage, &QAction::triggered, this, &Form1::homepage_Click);
 
-    // The pop-up menus of the lists; their commands are wired by the tabs.
-    const std::vector<std::pair<const char*, std::vector<const char*>>> popups{
-        {"menufile1", {"outputselect", "outputall", "-line1", "addaddress"}},
-        {"menufile2", {"addmmf"}},
-        {"menufile3", {"moveone", "moveall", "-line4", "movemmf", "moveallmmf", "-line3", "moveaddress",
-                       "movealladdress", "-line2", "outputs3", "outputaxf"}},
-        {"menufile4", {"Removeone", "Removeall", "-line5", "outputStrS3", "outputStraxf"}},
-        {"menufile5", {"outputpic", "outputpicall", "outputpics3"}},
-    };
-    int number = 1;
-    for (const auto& [name, items] : popups) {
-        auto* popup = new QMenu(QStringLiteral("Popup Menu%1").arg(number++), this);
-        popup->setObjectName(name);
-        for (const char* item : items) {
-            if (item[0] == '-') popup->addSeparator()->setObjectName(item + 1);
-            else popup->addAction(namedAction(item, QString::fromLatin1(item), popup));
-        }
+    // The pop-up menus of the lists, each handed to its tab, which fills it with its
+    // commands; the tone check's status panel goes to the ring-tone tab.
+    for (std::size_t i = 0; i < m_popups.size(); ++i) {
+        m_popups[i] = new QMenu(QStringLiteral("Popup Menu%1").arg(i + 1), this);
+        m_popups[i]->setObjectName(QStringLiteral("menufile%1").arg(i + 1));
     }
-    for (const char* output : {"outputs3", "outputStrS3", "outputaxf", "outputStraxf"})
-        if (auto* action = findChild<QAction*>(output)) action->setEnabled(false);
+}
+
+void Form1::attachTabs()
+{
+    m_tonesTab->attach(*this, m_popups[0], m_popups[1], m_popups[2], m_statusPanels[1]);
+    m_stringsTab->attach(*this, m_popups[3]);
+    m_picturesTab->attach(*this, m_popups[4]);
+    m_converterTab->attach(*this);
 }
 
 QAction* Form1::addLanguageItem(int index, const QString& caption)
@@ -179,17 +164,17 @@ void Form1::buildToolBar()
 void Form1::buildStatusBar()
 {
     statusBar()->setObjectName("StatusBar1");
-    for (int number = 1; number <= kStatusPanels; ++number) {
-        auto* panel = new QLabel(statusBar());
-        panel->setObjectName(QStringLiteral("StatusBar1Panel%1").arg(number));
-        statusBar()->addWidget(panel, number == 6 ? 1 : 0);
+    for (std::size_t i = 0; i < m_statusPanels.size(); ++i) {
+        m_statusPanels[i] = new QLabel(statusBar());
+        m_statusPanels[i]->setObjectName(QStringLiteral("StatusBar1Panel%1").arg(i + 1));
+        statusBar()->addWidget(m_statusPanels[i], i == 5 ? 1 : 0);
     }
     setBusy(false);
 }
 
 void Form1::setBusy(bool busy)
 {
-    if (auto* panel = findChild<QLabel*>("StatusBar1Panel7"))
+    if (QLabel* panel = m_statusPanels[6])
         panel->setPixmap(style()->standardIcon(busy ? QStyle::SP_BrowserReload : QStyle::SP_DialogApplyButton).pixmap(16, 16));
 }
 
@@ -200,7 +185,7 @@ void Form1::LoadSettings()
     m_codePage = codePage && !codePage->empty() ? *codePage : std::string(strings::kDefaultCodePage);
     m_settings.Language = fromUtf8(settings.ReadSetting("Language", "Language", ""));
     BuildLanguageMenu();
-    m_settings.loadFolders(settings, m_programFolder);
+    loadFolders(m_settings, settings, m_programFolder);
     m_tonesTab->setCurrentFolder(m_settings.mmfFilePath);
     m_tabs->setTabEnabled(1, false);
     m_tabs->setTabEnabled(2, false);
@@ -228,13 +213,20 @@ void Form1::BuildLanguageMenu()
         m_languageItems[0]->setChecked(true);
         return;
     }
-    ApplyLanguage(this, (m_programFolder + "/language/" + m_settings.Language).toStdString(), m_texts, m_codePage);
+    applyLanguage(m_settings.Language);
+}
+
+void Form1::applyLanguage(const QString& name)
+{
+    const std::string folder = (m_programFolder + "/language/").toStdString();
+    ApplyLanguage(this, folder + name.toStdString(), m_texts, m_codePage);
+    m_workshopTexts.load(folder + name.toStdString(), folder + "English.ini", m_codePage);
 }
 
 void Form1::languagNum_Click(int index)
 {
     m_settings.Language = m_languageItems[static_cast<std::size_t>(index - 1)]->text() + ".ini";
-    ApplyLanguage(this, (m_programFolder + "/language/" + m_settings.Language).toStdString(), m_texts, m_codePage);
+    applyLanguage(m_settings.Language);
     for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
     m_tonesTab->showToneCheck();
 }
@@ -299,8 +291,8 @@ void Form1::openPhoneFile(const QString& path)
         showError(path + ": " + QString::fromUtf8(error.what()));
         return;
     }
-    findChild<QLabel*>("StatusBar1Panel6")->setText(fromUtf8(image::FileNameOf(file)));
-    findChild<QLabel*>("StatusBar1Panel4")->setText(version);
+    m_statusPanels[5]->setText(fromUtf8(image::FileNameOf(file)));
+    m_statusPanels[3]->setText(version);
     m_tabs->setTabEnabled(1, true);
     m_tabs->setTabEnabled(2, true);
     m_image.FileKind = image::classifyPhoneFile(file);
@@ -319,8 +311,7 @@ QString Form1::versionText()
 
 void Form1::enableOutputsForKind()
 {
-    findChild<QAction*>("outputs3")->setEnabled(takesSRecordPatch());
-    findChild<QAction*>("outputaxf")->setEnabled(takesInImagePatch());
+    m_tonesTab->enableOutputsForKind();
     // The string outputs also wait for a checked row of their list.
     m_stringsTab->updateListMenu();
 }
@@ -406,7 +397,7 @@ void Form1::homepage_Click() { QDesktopServices::openUrl(QUrl(QString::fromLatin
 
 void Form1::closeEvent(QCloseEvent* event)
 {
-    if (!mayClose || m_converterTab->converting()) {
+    if (!m_mayClose || m_converterTab->converting()) {
         ShowMessage(32);
         event->ignore();
         return;
@@ -419,7 +410,7 @@ void Form1::closeEvent(QCloseEvent* event)
         }
     }
     const ProfileFile settings(settingsPath().toStdString());
-    m_settings.save(settings, m_tonesTab->currentFolder());
+    saveShellSettings(m_settings, settings, m_tonesTab->currentFolder());
     settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
     settings.WriteSetting("Window", "Tab", std::to_string(m_tabs->currentIndex()));
     m_picturesTab->shutDown();

@@ -1,16 +1,19 @@
 // The workshop's one window: menus, tool bar, status bar and the five tabs. It owns
 // the life cycle (start-up, opening and saving the phone file, shut-down), the
-// settings and the language; each tab owns its own controls.
+// settings and the language; each tab owns its own controls and sees the window only
+// as its TabHost.
 #pragma once
 
 #include "dialogs.hpp"
-#include "interface_texts.hpp"
 #include "shell_settings.hpp"
+#include "workshop_texts.hpp"
 
 #include "image/firmware_image.hpp"
 #include "image/patch_writer.hpp"
+#include "image/tab_host.hpp"
 
 #include <QMainWindow>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -28,7 +31,7 @@ namespace zevran::app {
 
 class AboutTab;
 
-class Form1 : public QMainWindow {
+class Form1 : public QMainWindow, public image::TabHost {
     Q_OBJECT
 public:
     // `dialogs` answers every dialog; the Qt dialogs when null.
@@ -43,22 +46,26 @@ public:
     void openPhoneFile(const QString& path);
     // Writes the image back over the phone file; false (with a message) when it fails.
     bool Saveaxf(bool showDone);
-    void ShowMessage(int code);
-    // A failure the numbered messages do not cover: its text says what and where.
-    void showError(const QString& text);
 
-    // The two outputs every edit ends in: an S-record patch file chosen by the user
-    // (message 10), or the regions copied into the image (Save enabled, message 13
-    // unless `showDone` is false, for an output that stopped part way).
-    void writeSRecordPatch(const std::vector<image::Region>& regions);
-    void patchInImage(const std::vector<image::Region>& regions, bool showDone = true);
-    // The output that fits the opened phone file: an S-record patch for "bin", the
-    // image itself for "asf"; neither for "other" or before a file is opened.
-    bool takesSRecordPatch() const { return m_image.FileKind == "bin"; }
-    bool takesInImagePatch() const { return m_image.FileKind == "asf"; }
+    // What the tabs see of the window (image/tab_host.hpp).
+    image::ImageState& imageState() override { return m_image; }
+    ShellSettings& settings() override { return m_settings; }
+    Dialogs& dialogs() override { return *m_dialogs; }
+    const QString& programFolder() const override { return m_programFolder; }
+    std::string codePage() const override { return m_codePage; }
+    QString filter(int number) const override;
+    void ShowMessage(int code) override;
+    void showError(const QString& text) override;
+    const image::InterfaceTexts& texts() const override { return m_texts; }
+    QString text(std::string_view key) const override { return m_workshopTexts.text(key); }
+    bool mayClose() const override { return m_mayClose; }
+    void setMayClose(bool mayClose) override { m_mayClose = mayClose; }
+    QString BrowseForFolder() override;
+    void writeSRecordPatch(const std::vector<image::Region>& regions) override;
+    void patchInImage(const std::vector<image::Region>& regions, bool showDone = true) override;
+    bool takesSRecordPatch() const override { return m_image.FileKind == "bin"; }
+    bool takesInImagePatch() const override { return m_image.FileKind == "asf"; }
 
-    // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
-    QString BrowseForFolder();
     // Waits while the window goes on handling its events.
     void Delay(double seconds);
 
@@ -66,15 +73,7 @@ public:
     void help_Click();
     void homepage_Click();
 
-    image::ImageState& imageState() { return m_image; }
-    InterfaceTexts& texts() { return m_texts; }
-    ShellSettings& settings() { return m_settings; }
-    Dialogs& dialogs() { return *m_dialogs; }
-    const QString& programFolder() const { return m_programFolder; }
-    std::string codePage() const { return m_codePage; }
     QString settingsPath() const;
-    QString filter(int number) const;
-    bool mayClose = true;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -85,8 +84,12 @@ private:
     void buildMenus();
     void buildToolBar();
     void buildStatusBar();
+    // Hands each tab the window, its pop-up menus and its status panel.
+    void attachTabs();
     void buildTabs();
     void BuildLanguageMenu();
+    // Applies the language file `name` of the program folder's language folder.
+    void applyLanguage(const QString& name);
     QAction* addLanguageItem(int index, const QString& caption);
     void setBusy(bool busy);
     void enableOutputsForKind();
@@ -95,13 +98,17 @@ private:
     QString m_programFolder;
     std::unique_ptr<Dialogs> m_dialogs;
     image::ImageState m_image;
-    InterfaceTexts m_texts;
+    image::InterfaceTexts m_texts;
+    WorkshopTexts m_workshopTexts;
     ShellSettings m_settings;
     std::string m_codePage;
+    bool m_mayClose = true;
     QMenu* m_languageMenu = nullptr;
     std::vector<QAction*> m_languageItems;
     QTabWidget* m_tabs = nullptr;
     QAction* m_save = nullptr;
+    std::array<QMenu*, 5> m_popups{};         // menufile1..5, filled by the tabs
+    std::array<QLabel*, 7> m_statusPanels{};  // StatusBar1Panel1..7
     tones::TonesTab* m_tonesTab = nullptr;
     strings::StringsTab* m_stringsTab = nullptr;
     pictures::PicturesTab* m_picturesTab = nullptr;

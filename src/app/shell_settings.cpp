@@ -19,25 +19,28 @@ void write(const ProfileFile& settings, const char* section, const char* key, co
 
 }  // namespace
 
-void ShellSettings::loadFolders(const ProfileFile& settings, const QString& programFolder)
+void loadFolders(ShellSettings& folders, const ProfileFile& settings, const QString& programFolder)
 {
-    for (auto [key, slot] : {std::pair{"mmf File Path", &mmfFilePath}, std::pair{"Mobile File Path", &MobileFilePath},
-                             std::pair{"Ring Save Path", &RingSavePath}, std::pair{"Picture Save Path", &PictureSavePath},
-                             std::pair{"S3 Save Path", &S3SavePath}, std::pair{"Table Save Path", &TableSavePath}}) {
+    const std::pair<const char*, QString*> keys[]{
+        {"mmf File Path", &folders.mmfFilePath},       {"Mobile File Path", &folders.MobileFilePath},
+        {"Ring Save Path", &folders.RingSavePath},     {"Picture Save Path", &folders.PictureSavePath},
+        {"S3 Save Path", &folders.S3SavePath},         {"Table Save Path", &folders.TableSavePath},
+    };
+    for (auto [key, slot] : keys) {
         *slot = read(settings, "File Path", key);
         if (slot->isEmpty()) *slot = programFolder;
     }
 }
 
-void ShellSettings::save(const ProfileFile& settings, const QString& treeFolder) const
+void saveShellSettings(const ShellSettings& folders, const ProfileFile& settings, const QString& treeFolder)
 {
     write(settings, "File Path", "mmf File Path", treeFolder);
-    write(settings, "File Path", "Ring Save Path", RingSavePath);
-    write(settings, "File Path", "Picture Save Path", PictureSavePath);
-    write(settings, "File Path", "S3 Save Path", S3SavePath);
-    write(settings, "File Path", "Table Save Path", TableSavePath);
-    write(settings, "File Path", "Mobile File Path", MobileFilePath);
-    write(settings, "Language", "Language", Language);
+    write(settings, "File Path", "Ring Save Path", folders.RingSavePath);
+    write(settings, "File Path", "Picture Save Path", folders.PictureSavePath);
+    write(settings, "File Path", "S3 Save Path", folders.S3SavePath);
+    write(settings, "File Path", "Table Save Path", folders.TableSavePath);
+    write(settings, "File Path", "Mobile File Path", folders.MobileFilePath);
+    write(settings, "Language", "Language", folders.Language);
 }
 
 }  // namespace zevran::app

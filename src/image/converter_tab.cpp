@@ -1,10 +1,10 @@
 #include "converter_tab.hpp"
 
-#include "app/main_window.hpp"
-#include "app/widget_helpers.hpp"
 #include "converter.hpp"
 #include "file_io.hpp"
 #include "hex_text.hpp"
+#include "tab_host.hpp"
+#include "widget_helpers.hpp"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -14,8 +14,6 @@
 #include <fstream>
 
 namespace zevran::image {
-
-using app::named;
 
 ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
 {
@@ -33,7 +31,7 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     Text2 = named(new QLineEdit(frame18), "Text2");
     Text2->setReadOnly(true);
     ComS3ToBin = named(new QPushButton(frame18), "ComS3ToBin", QStringLiteral("s3->bin"));
-    ProgressBar3 = app::hiddenProgress("ProgressBar3", frame18);
+    ProgressBar3 = hiddenProgress("ProgressBar3", frame18);
     auto* s3Layout = new QGridLayout(frame18);
     s3Layout->addWidget(OpenS3File, 0, 0);
     s3Layout->addWidget(Text1, 0, 1, 1, 3);
@@ -87,9 +85,9 @@ constexpr std::size_t kSliceBytes = 256 * 1024;
 
 }  // namespace
 
-void ConverterTab::attach(app::Form1* window)
+void ConverterTab::attach(TabHost& host)
 {
-    m_window = window;
+    m_host = &host;
     connect(OpenS3File, &QPushButton::clicked, this, &ConverterTab::OpenS3File_Click);
     connect(OpenBinFile, &QPushButton::clicked, this, &ConverterTab::OpenBinFile_Click);
     connect(ComS3ToBin, &QPushButton::clicked, this, &ConverterTab::ComS3ToBin_Click);
@@ -111,17 +109,17 @@ void ConverterTab::updateEnabled()
 
 void ConverterTab::OpenS3File_Click()
 {
-    const QString path = m_window->dialogs().openFile(m_window->settings().S3SavePath, m_window->filter(1), 2);
+    const QString path = m_host->dialogs().openFile(m_host->settings().S3SavePath, m_host->filter(1), 2);
     if (path.isEmpty()) return;
-    m_window->settings().S3SavePath = QString::fromStdString(FolderOf(path.toStdString()));
+    m_host->settings().S3SavePath = QString::fromStdString(FolderOf(path.toStdString()));
     Text1->setText(path);
 }
 
 void ConverterTab::OpenBinFile_Click()
 {
-    const QString path = m_window->dialogs().openFile(m_window->settings().MobileFilePath, m_window->filter(3), 2);
+    const QString path = m_host->dialogs().openFile(m_host->settings().MobileFilePath, m_host->filter(3), 2);
     if (path.isEmpty()) return;
-    m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
+    m_host->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
     Text19->setText(path);
 }
 
@@ -134,7 +132,7 @@ void ConverterTab::ComS3ToBin_Click()
         return;
     }
     if (Text1->text().isEmpty()) {
-        m_window->ShowMessage(kMessageNoInputFile);
+        m_host->ShowMessage(kMessageNoInputFile);
         return;
     }
     convertS3ToBin();
@@ -154,15 +152,15 @@ void ConverterTab::convertS3ToBin()
         requireRegularFile(input);
         in = openInputFile(input);
         refuseSameFile(input, output);
-        refusePhoneFile(m_window->imageState().FirmwarePath, output);
+        refusePhoneFile(m_host->imageState().FirmwarePath, output);
         out = openOutputFile(output);
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return;
     }
     m_converting = true;
     m_stopRequested = false;
-    ComS3ToBin->setText(m_window->texts().ComS3ToBin);
+    ComS3ToBin->setText(m_host->texts().ComS3ToBin);
     ProgressBar3->setRange(0, std::max(1, kibibytes(QFileInfo(Text1->text()).size())));
     ProgressBar3->setValue(0);
     ProgressBar3->setVisible(true);
@@ -189,8 +187,8 @@ void ConverterTab::convertS3ToBin()
     ProgressBar3->setVisible(false);
     ProgressBar3->reset();
     ComS3ToBin->setText(QStringLiteral("s3->bin"));
-    if (!failure.isEmpty()) m_window->showError(failure + " (the output so far stays in " + QString::fromStdString(output) + ")");
-    else if (!m_stopRequested) m_window->ShowMessage(10);
+    if (!failure.isEmpty()) m_host->showError(failure + " (the output so far stays in " + QString::fromStdString(output) + ")");
+    else if (!m_stopRequested) m_host->ShowMessage(10);
 }
 
 void ConverterTab::ComBinToS3_Click()
@@ -206,15 +204,15 @@ void ConverterTab::ComBinToS3_Click()
     try {
         BinToS3Check check = checkBinToS3Fields(fields);
         if (check.message != 0) {
-            m_window->ShowMessage(check.message);
+            m_host->ShowMessage(check.message);
             return;
         }
         std::string output;
         std::ifstream in;
         if (fields.mode == BinToS3Mode::FillOnly) {
-            const QString path = m_window->dialogs().saveFile(m_window->settings().MobileFilePath, m_window->filter(1), 2);
+            const QString path = m_host->dialogs().saveFile(m_host->settings().MobileFilePath, m_host->filter(1), 2);
             if (path.isEmpty()) return;
-            m_window->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
+            m_host->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
             output = path.toStdString();
         } else {
             requireRegularFile(fields.inputPath);
@@ -226,17 +224,17 @@ void ConverterTab::ComBinToS3_Click()
             check.start = 0;
             check.end = wholeFileLastAddress(fields.inputPath);
         }
-        refusePhoneFile(m_window->imageState().FirmwarePath, output);
+        refusePhoneFile(m_host->imageState().FirmwarePath, output);
         std::ofstream out = openOutputFile(output);
         withOutputName(output, [&] {
             binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
         });
         closeOutputFile(out, output);
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return;
     }
-    m_window->ShowMessage(10);
+    m_host->ShowMessage(10);
 }
 
 }  // namespace zevran::image

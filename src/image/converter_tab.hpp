@@ -8,9 +8,9 @@ class QProgressBar;
 class QPushButton;
 class QRadioButton;
 
-namespace zevran::app { class Form1; }
-
 namespace zevran::image {
+
+class TabHost;
 
 class ConverterTab : public QWidget {
     Q_OBJECT
@@ -18,7 +18,7 @@ public:
     explicit ConverterTab(QWidget* parent = nullptr);
 
     // The window whose dialogs, folders and messages the commands use.
-    void attach(app::Form1* window);
+    void attach(TabHost& host);
 
     void OpenS3File_Click();
     void OpenBinFile_Click();
@@ -48,7 +48,7 @@ private:
     void updateEnabled();
     void convertS3ToBin();
 
-    app::Form1* m_window = nullptr;
+    TabHost* m_host = nullptr;
     bool m_converting = false;
     bool m_stopRequested = false;
 };

@@ -1,9 +1,9 @@
 #include "pictures_tab.hpp"
 
-#include "app/main_window.hpp"
-#include "app/widget_helpers.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
 #include "picture_frames.hpp"
 #include "picture_table.hpp"
 #include "pixel_decode.hpp"
@@ -24,7 +24,7 @@
 
 namespace zevran::pictures {
 
-using app::named;
+using image::named;
 
 PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 {
@@ -32,7 +32,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     auto* table = new QWidget(this);
     auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
     m_frame16 = frame16;
-    ListView5 = app::reportList("ListView5",
+    ListView5 = image::reportList("ListView5",
                                 {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
                                 table);
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
@@ -40,7 +40,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
     Text21 = named(new QLineEdit(table), "Text21");
     Text21->setMaximumWidth(110);
-    ProgressBar2 = app::hiddenProgress("ProgressBar2", table);
+    ProgressBar2 = image::hiddenProgress("ProgressBar2", table);
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
@@ -137,16 +137,14 @@ QString onRow(const PictureEntry& row, const std::exception& error)
 // may not close, since pending events run between the frames or rows written.
 class PicturesTab::Work {
 public:
-    explicit Work(PicturesTab& tab) : m_tab(tab), m_mayClose(tab.m_window->mayClose)
+    explicit Work(PicturesTab& tab) : m_tab(tab), m_keepOpen(*tab.m_host)
     {
         m_tab.m_working = true;
-        m_tab.m_window->mayClose = false;
         for (QWidget* control : m_tab.workControls()) control->setEnabled(false);
     }
     ~Work()
     {
         for (QWidget* control : m_tab.workControls()) control->setEnabled(true);
-        m_tab.m_window->mayClose = m_mayClose;
         m_tab.m_working = false;
     }
     Work(const Work&) = delete;
@@ -154,8 +152,8 @@ public:
 
 private:
     PicturesTab& m_tab;
-    bool m_mayClose;
-    app::BusyPointer m_busy;
+    KeepWindowOpen m_keepOpen;
+    BusyPointer m_busy;
 };
 
 std::vector<QWidget*> PicturesTab::workControls() const
@@ -163,13 +161,13 @@ std::vector<QWidget*> PicturesTab::workControls() const
     return {ListView5, OpenPicTable, SavePicTable, Check1, Text21, m_frame16};
 }
 
-void PicturesTab::attach(app::Form1* window)
+void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
 {
-    m_window = window;
-    menufile5 = window->findChild<QMenu*>("menufile5");
-    outputpic = menufile5->findChild<QAction*>("outputpic");
-    outputpicall = menufile5->findChild<QAction*>("outputpicall");
-    outputpics3 = menufile5->findChild<QAction*>("outputpics3");
+    m_host = &host;
+    menufile5 = pictureListMenu;
+    outputpic = menuAction(menufile5, "outputpic");
+    outputpicall = menuAction(menufile5, "outputpicall");
+    outputpics3 = menuAction(menufile5, "outputpics3");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
     connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
@@ -205,8 +203,8 @@ bool PicturesTab::eventFilter(QObject* watched, QEvent* event)
 void PicturesTab::OpenPicTable_Click()
 {
     m_frame = 0;  // also when the dialog is then cancelled
-    app::ShellSettings& settings = m_window->settings();
-    const QString path = m_window->dialogs().openFile(settings.TableSavePath, m_window->filter(2), 2);
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().openFile(settings.TableSavePath, m_host->filter(2), 2);
     if (path.isEmpty()) return;
     settings.TableSavePath = qText(FolderOf(path.toStdString()));
     // The list is replaced, so an animation of one of its rows ends here.
@@ -215,11 +213,11 @@ void PicturesTab::OpenPicTable_Click()
     std::vector<PictureEntry> rows;
     try {
         const auto bytes = readWholeFile(path.toStdString());
-        const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_window->codePage());
+        const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage());
         rows = readPictureTable(text, Check1->isChecked());
     } catch (const std::exception&) {
         for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
-        m_window->ShowMessage(kMessageBadPictureTable);
+        m_host->ShowMessage(kMessageBadPictureTable);
         return;
     }
     for (const PictureEntry& row : rows) {
@@ -235,11 +233,11 @@ void PicturesTab::OpenPicTable_Click()
 void PicturesTab::SavePicTable_Click()
 {
     if (ListView5->topLevelItemCount() == 0) {
-        m_window->ShowMessage(4);
+        m_host->ShowMessage(4);
         return;
     }
-    app::ShellSettings& settings = m_window->settings();
-    const QString path = m_window->dialogs().saveFile(settings.TableSavePath, m_window->filter(2), 2);
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().saveFile(settings.TableSavePath, m_host->filter(2), 2);
     if (path.isEmpty()) return;
     settings.TableSavePath = qText(FolderOf(path.toStdString()));
     std::vector<PictureEntry> rows;
@@ -250,14 +248,14 @@ void PicturesTab::SavePicTable_Click()
         headers[static_cast<std::size_t>(column - 3)] = ListView5->headerItem()->text(column).toStdString();
     try {
         const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
-        const std::string bytes = strings::encodeText(text, m_window->codePage());
-        refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
+        const std::string bytes = strings::encodeText(text, m_host->codePage());
+        refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
         saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
-        m_window->showError(path + ": " + qText(error.what()));
+        m_host->showError(path + ": " + qText(error.what()));
         return;
     }
-    m_window->ShowMessage(16);
+    m_host->ShowMessage(16);
 }
 
 // ---- The preview and its player ----
@@ -270,11 +268,11 @@ QTreeWidgetItem* PicturesTab::selectedRow() const
     return selected.isEmpty() ? nullptr : selected.first();
 }
 
-std::string PicturesTab::colourTablePath() const { return (m_window->programFolder() + "/16.dat").toStdString(); }
+std::string PicturesTab::colourTablePath() const { return (m_host->programFolder() + "/16.dat").toStdString(); }
 
 void PicturesTab::showWrongFormat()
 {
-    m_window->dialogs().message(0, app::MessageKind::Critical, qText(kWrongFormatTitle), qText(kWrongFormatText));
+    m_host->dialogs().message(0, MessageKind::Critical, qText(kWrongFormatTitle), qText(kWrongFormatText));
 }
 
 // Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
@@ -289,7 +287,7 @@ QString PicturesTab::showFrame(const std::string& path)
         Text15->setText(qText(frameAddressText(address)));
         Text16->setText(qText(frameOrdinalText(m_frame)));
         // A refused depth leaves the picture on show as it was.
-        if (!decodePreviewFrame(m_window->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
+        if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
             showWrongFormat();
             return {};
         }
@@ -306,7 +304,7 @@ QString PicturesTab::showFrame(const std::string& path)
 void PicturesTab::showFrameOrError(const std::string& path)
 {
     const QString failure = showFrame(path);
-    if (!failure.isEmpty()) m_window->showError(failure);
+    if (!failure.isEmpty()) m_host->showError(failure);
 }
 
 void PicturesTab::loadPreview(const QString& path)
@@ -334,20 +332,20 @@ void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
 {
     if (!item || m_working) return;
     m_frame = 0;
-    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
 }
 
-void PicturesTab::ListView5_DblClick() { m_window->ShowMessage(39); }
+void PicturesTab::ListView5_DblClick() { m_host->ShowMessage(39); }
 
 void PicturesTab::nextpicture_Click()
 {
     try {
         m_frame = steppedFrame(m_frame, 1);
     } catch (const PlayerOverflow& error) {
-        m_window->showError(qText(error.what()));
+        m_host->showError(qText(error.what()));
         return;
     }
-    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
 }
 
 void PicturesTab::PreviousPicture_Click()
@@ -355,10 +353,10 @@ void PicturesTab::PreviousPicture_Click()
     try {
         m_frame = steppedFrame(m_frame, -1);
     } catch (const PlayerOverflow& error) {
-        m_window->showError(qText(error.what()));
+        m_host->showError(qText(error.what()));
         return;
     }
-    showFrameOrError(previewFilePath(m_window->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
 }
 
 void PicturesTab::PlayPicture_Click()
@@ -410,7 +408,7 @@ void PicturesTab::Timer2_Timer()
     try {
         const AnimationTick tick = animationTick(m_frame, pictures::frameGeometry(row).frames, RepeatPlay->isChecked());
         m_frame = tick.show;
-        failure = showFrame(animationFilePath(m_window->programFolder().toStdString(), tick.show));
+        failure = showFrame(animationFilePath(m_host->programFolder().toStdString(), tick.show));
         if (failure.isEmpty()) {
             m_frame = tick.next;
             if (tick.stop) stopPlayer();
@@ -422,7 +420,7 @@ void PicturesTab::Timer2_Timer()
         // A frame that cannot be shown ends the animation before its reason is shown.
         stopPlayer();
         m_frame = 0;
-        m_window->showError(failure);
+        m_host->showError(failure);
     }
     m_inTick = false;
 }
@@ -447,7 +445,7 @@ void PicturesTab::enablePictureMenu()
     const bool rows = ListView5->topLevelItemCount() > 0;
     outputpic->setEnabled(rows);
     outputpicall->setEnabled(rows);
-    outputpics3->setEnabled(rows && m_window->imageState().FileKind == "bin");
+    outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
 }
 
 void PicturesTab::outputpic_Click() { exportPictures(true); }
@@ -460,8 +458,8 @@ void PicturesTab::outputpicall_Click() { exportPictures(false); }
 void PicturesTab::exportPictures(bool selectedOnly)
 {
     if (m_working) return;
-    const QString folder = m_window->BrowseForFolder();
-    m_window->settings().PictureSavePath = folder;  // a cancel is remembered too
+    const QString folder = m_host->BrowseForFolder();
+    m_host->settings().PictureSavePath = folder;  // a cancel is remembered too
     if (folder.isEmpty()) return;
     Timer2->stop();
     // The rows are read once: the list may change while pending events run.
@@ -487,9 +485,9 @@ void PicturesTab::exportPictures(bool selectedOnly)
                 }
                 for (std::int64_t j = 0; j < geometry.frames; ++j) {
                     const std::string framePath = pictureFramePath(target, row.name, j);
-                    refusePhoneFile(m_window->imageState().FirmwarePath, framePath);
+                    refusePhoneFile(m_host->imageState().FirmwarePath, framePath);
                     // Fetched each frame: a phone file opened meanwhile replaces the image.
-                    if (!DecodePictureFrame(m_window->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
+                    if (!DecodePictureFrame(m_host->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
                                             geometry.width, geometry.height,
                                             geometry.depth, colours))
                         showWrongFormat();
@@ -504,8 +502,8 @@ void PicturesTab::exportPictures(bool selectedOnly)
     }
     ProgressBar2->setVisible(false);
     ProgressBar2->reset();
-    if (!failure.isEmpty()) m_window->showError(failure);
-    else m_window->ShowMessage(18);
+    if (!failure.isEmpty()) m_host->showError(failure);
+    else m_host->ShowMessage(18);
 }
 
 // The bytes of every checked row, all frames together, as one S-record patch file at
@@ -513,9 +511,9 @@ void PicturesTab::exportPictures(bool selectedOnly)
 // take back the very bytes it holds.
 void PicturesTab::outputpics3_Click()
 {
-    if (m_working || m_window->imageState().FileKind != "bin") return;
-    app::ShellSettings& settings = m_window->settings();
-    const QString path = m_window->dialogs().saveFile(settings.S3SavePath, m_window->filter(1), 2);
+    if (m_working || m_host->imageState().FileKind != "bin") return;
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().saveFile(settings.S3SavePath, m_host->filter(1), 2);
     if (path.isEmpty()) return;
     settings.S3SavePath = qText(FolderOf(path.toStdString()));
     Timer2->stop();
@@ -530,23 +528,23 @@ void PicturesTab::outputpics3_Click()
             for (const PictureEntry& row : checked) {
                 std::optional<Region> region;
                 try {
-                    region = picturePatchRegion(m_window->imageState(), row);
+                    region = picturePatchRegion(m_host->imageState(), row);
                 } catch (const HexOverflow& error) {
                     throw std::runtime_error(onRow(row, error).toStdString());
                 }
                 // A row of no bytes is reported and left out, so the file still ends in its S7 line.
                 if (region) regions.push_back(std::move(*region));
-                else m_window->ShowMessage(kMessageEmptyRegion);
+                else m_host->ShowMessage(kMessageEmptyRegion);
                 QApplication::processEvents();
             }
-            refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
+            refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
             if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
         } catch (const std::exception& error) {
             failure = qText(error.what());
         }
     }
-    if (!failure.isEmpty()) m_window->showError(failure);
-    else if (!regions.empty()) m_window->ShowMessage(10);
+    if (!failure.isEmpty()) m_host->showError(failure);
+    else if (!regions.empty()) m_host->ShowMessage(10);
 }
 
 }  // namespace zevran::pictures

@@ -22,7 +22,7 @@ class QTimer;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-namespace zevran::app { class Form1; }
+namespace zevran::image { class TabHost; }
 
 namespace zevran::pictures {
 
@@ -31,9 +31,9 @@ class PicturesTab : public QWidget {
 public:
     explicit PicturesTab(QWidget* parent = nullptr);
 
-    // The window whose image, dialogs, folders and messages the commands use; its
-    // pop-up menu `menufile5` must exist by then.
-    void attach(app::Form1* window);
+    // The window whose image, dialogs, folders and messages the commands use, and the
+    // picture list's pop-up menu, which the tab fills with its commands.
+    void attach(image::TabHost& host, QMenu* pictureListMenu);
 
     // Picture tables.
     void OpenPicTable_Click();
@@ -109,7 +109,7 @@ private:
     std::string colourTablePath() const;
     void exportPictures(bool selectedOnly);
 
-    app::Form1* m_window = nullptr;
+    image::TabHost* m_host = nullptr;
     QGroupBox* m_frame16 = nullptr;
     FrameNumber m_frame = 0;
     bool m_paused = false;

@@ -1,8 +1,9 @@
 #include "strings_tab.hpp"
 
-#include "app/main_window.hpp"
-#include "app/widget_helpers.hpp"
 #include "string_search.hpp"
+
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -14,14 +15,14 @@
 
 namespace zevran::strings {
 
-using app::named;
+using image::named;
+
+using image::fromUtf8;
 
 namespace {
 
 // Columns of ListView2.
 enum Column { kNumber, kStart, kEnd, kText, kLength };
-
-QString fromUtf8(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 }  // namespace
 
@@ -70,7 +71,7 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     frame11Layout->addWidget(Add2List, 1, 7);
 
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
-    ListView2 = app::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
+    ListView2 = image::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
     // `Removeone` removes "the selected row": there is never more than one.
     ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
     Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
@@ -94,14 +95,15 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     layout->addWidget(frame13, 1);
 }
 
-void StringsTab::attach(app::Form1* window)
+void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)
 {
-    m_window = window;
-    menufile4 = window->findChild<QMenu*>("menufile4");
-    Removeone = menufile4->findChild<QAction*>("Removeone");
-    Removeall = menufile4->findChild<QAction*>("Removeall");
-    outputStrS3 = menufile4->findChild<QAction*>("outputStrS3");
-    outputStraxf = menufile4->findChild<QAction*>("outputStraxf");
+    m_host = &host;
+    menufile4 = editListMenu;
+    Removeone = image::menuAction(menufile4, "Removeone");
+    Removeall = image::menuAction(menufile4, "Removeall");
+    image::menuSeparator(menufile4, "line5");
+    outputStrS3 = image::menuAction(menufile4, "outputStrS3");
+    outputStraxf = image::menuAction(menufile4, "outputStraxf");
     connect(SeachString, &QPushButton::clicked, this, &StringsTab::SeachString_Click);
     connect(Text11, &QLineEdit::returnPressed, this, &StringsTab::SeachString_Click);
     connect(Add2List, &QPushButton::clicked, this, &StringsTab::Add2List_Click);
@@ -118,25 +120,25 @@ void StringsTab::attach(app::Form1* window)
 
 void StringsTab::SeachString_Click()
 {
-    image::ImageState& state = m_window->imageState();
+    image::ImageState& state = m_host->imageState();
     if (SearchBegin->isChecked()) state.LastMatch = 0;
     if (Text11->text().isEmpty()) {
-        m_window->ShowMessage(kMessageEmptySearchText);
+        m_host->ShowMessage(kMessageEmptySearchText);
         return;
     }
     for (QLineEdit* shown : {Text8, Text9, Text10}) shown->clear();
     const bool handsetCodes = Option1->isChecked();
     std::string pattern;
     try {
-        pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_window->codePage());
+        pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return;
     }
     int passCount = Text4->text().toInt();
     std::optional<StringHit> hit;
     {
-        app::BusyPointer busy;
+        image::BusyPointer busy;
         hit = findNextString(state, pattern, handsetCodes, passCount);
     }
     Text4->setText(QString::number(passCount));
@@ -147,7 +149,7 @@ void StringsTab::SeachString_Click()
         Text7->setMaxLength(hit->maxLength);
         m_hitInHandsetCodes = handsetCodes;
     } else {
-        m_window->ShowMessage(kMessageNoFurtherOccurrence);
+        m_host->ShowMessage(kMessageNoFurtherOccurrence);
     }
     Add2List->setEnabled(true);
 }
@@ -158,13 +160,13 @@ void StringsTab::Add2List_Click()
     try {
         row = makeFittedEditRow(static_cast<std::size_t>(ListView2->topLevelItemCount()), Text10->text().toStdString(),
                                 Text9->text().toStdString(), Text7->text().toStdString(), Text8->text().toStdString(),
-                                m_hitInHandsetCodes, m_window->codePage());
+                                m_hitInHandsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return;
     }
     if (!row) {
-        m_window->ShowMessage(kMessageEmptyEditFields);
+        m_host->ShowMessage(kMessageEmptyEditFields);
         return;
     }
     auto* item = new QTreeWidgetItem(
@@ -192,14 +194,14 @@ void StringsTab::Removeall_Click()
 
 void StringsTab::updateListMenu()
 {
-    if (!m_window) return;
+    if (!m_host) return;
     bool anyChecked = false;
     for (int i = 0; i < ListView2->topLevelItemCount() && !anyChecked; ++i)
         anyChecked = ListView2->topLevelItem(i)->checkState(kNumber) == Qt::Checked;
     Removeone->setEnabled(!ListView2->selectedItems().isEmpty());
     Removeall->setEnabled(ListView2->topLevelItemCount() > 0);
-    outputStrS3->setEnabled(anyChecked && m_window->takesSRecordPatch());
-    outputStraxf->setEnabled(anyChecked && m_window->takesInImagePatch());
+    outputStrS3->setEnabled(anyChecked && m_host->takesSRecordPatch());
+    outputStraxf->setEnabled(anyChecked && m_host->takesInImagePatch());
 }
 
 void StringsTab::ListView2_ContextMenu(const QPoint& position)
@@ -225,23 +227,23 @@ std::optional<std::vector<image::Region>> StringsTab::checkedRegions()
     const std::vector<StringEditRow> rows = checkedRows();
     if (rows.empty()) return std::nullopt;
     try {
-        return editListRegions(rows, Option3->isChecked(), m_window->imageState().FirmwareLength, m_window->codePage());
+        return editListRegions(rows, Option3->isChecked(), m_host->imageState().FirmwareLength, m_host->codePage());
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return std::nullopt;
     }
 }
 
 void StringsTab::outputStrS3_Click()
 {
-    if (!m_window->takesSRecordPatch()) return;
-    if (const auto regions = checkedRegions()) m_window->writeSRecordPatch(*regions);
+    if (!m_host->takesSRecordPatch()) return;
+    if (const auto regions = checkedRegions()) m_host->writeSRecordPatch(*regions);
 }
 
 void StringsTab::outputStraxf_Click()
 {
-    if (!m_window->takesInImagePatch()) return;
-    if (const auto regions = checkedRegions()) m_window->patchInImage(*regions);
+    if (!m_host->takesInImagePatch()) return;
+    if (const auto regions = checkedRegions()) m_host->patchInImage(*regions);
 }
 
 }  // namespace zevran::strings

@@ -15,7 +15,7 @@ class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 
-namespace zevran::app { class Form1; }
+namespace zevran::image { class TabHost; }
 
 namespace zevran::strings {
 
@@ -24,9 +24,9 @@ class StringsTab : public QWidget {
 public:
     explicit StringsTab(QWidget* parent = nullptr);
 
-    // The window whose image, dialogs, messages and pop-up menu `menufile4` the
-    // commands use; called once the window's menus exist.
-    void attach(app::Form1* window);
+    // The window whose image, dialogs and messages the commands use, and the edit
+    // list's pop-up menu, which the tab fills with its commands.
+    void attach(image::TabHost& host, QMenu* editListMenu);
 
     void SeachString_Click();
     void Add2List_Click();
@@ -63,7 +63,7 @@ private:
     // written (its error shown) or nothing is checked.
     std::optional<std::vector<image::Region>> checkedRegions();
 
-    app::Form1* m_window = nullptr;
+    image::TabHost* m_host = nullptr;
     QMenu* menufile4 = nullptr;
     QAction* Removeone = nullptr;
     QAction* Removeall = nullptr;

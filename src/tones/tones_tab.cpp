@@ -4,10 +4,10 @@
 #include "tone_export.hpp"
 #include "tone_table.hpp"
 
-#include "app/main_window.hpp"
-#include "app/widget_helpers.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
 #include "strings/code_page.hpp"
 
 #include <QDesktopServices>
@@ -15,7 +15,6 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenu>
-#include <QScopedValueRollback>
 #include <QTreeView>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -25,10 +24,10 @@
 
 namespace zevran::tones {
 
-using app::BusyPointer;
-using app::fromUtf8;
-using app::named;
-using app::reportList;
+using image::BusyPointer;
+using image::fromUtf8;
+using image::named;
+using image::reportList;
 
 namespace {
 
@@ -52,7 +51,7 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     GetTone = named(new QPushButton(frame5), "GetTone", tr("Scan tones"));
     SaveToneTable = named(new QPushButton(frame5), "SaveToneTable", tr("Save table"));
     OpenToneTable = named(new QPushButton(frame5), "OpenToneTable", tr("Open table"));
-    ProgressBar1 = app::hiddenProgress("ProgressBar1", frame5);
+    ProgressBar1 = image::hiddenProgress("ProgressBar1", frame5);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(GetTone);
     buttons->addWidget(OpenToneTable);
@@ -101,11 +100,12 @@ void TonesTab::setCurrentFolder(const QString& folder)
     ET1->scrollTo(index);
 }
 
-void TonesTab::attach(app::Form1* window)
+void TonesTab::attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel)
 {
-    m_window = window;
+    m_host = &host;
+    m_checkPanel = checkPanel;
     connectCommands();
-    connectMenus();
+    connectMenus(toneListMenu, fileListMenu, planMenu);
 }
 
 void TonesTab::connectCommands()
@@ -125,17 +125,29 @@ void TonesTab::connectCommands()
     connect(ListView3, &QTreeWidget::itemChanged, this, &TonesTab::planCellChanged);
 }
 
-void TonesTab::connectMenus()
+void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu)
 {
+    // Each menu's commands in their order; "-" names a separator line.
+    const std::vector<std::pair<QMenu*, std::vector<const char*>>> items{
+        {toneListMenu, {"outputselect", "outputall", "-line1", "addaddress"}},
+        {fileListMenu, {"addmmf"}},
+        {planMenu, {"moveone", "moveall", "-line4", "movemmf", "moveallmmf", "-line3", "moveaddress", "movealladdress",
+                    "-line2", "outputs3", "outputaxf"}},
+    };
+    for (const auto& [menu, names] : items)
+        for (const char* name : names) {
+            if (name[0] == '-') image::menuSeparator(menu, name + 1);
+            else m_commands.insert(QLatin1String(name), image::menuAction(menu, name));
+        }
     struct Popup {
         QTreeWidget* list;
-        const char* menu;
+        QMenu* menu;
         void (TonesTab::*enable)();
     };
-    for (const Popup& popup : {Popup{ListView4, "menufile1", &TonesTab::enableMenufile1},
-                               Popup{ListView1, "menufile2", &TonesTab::enableMenufile2},
-                               Popup{ListView3, "menufile3", &TonesTab::enableMenufile3}}) {
-        QMenu* menu = m_window->findChild<QMenu*>(popup.menu);
+    for (const Popup& popup : {Popup{ListView4, toneListMenu, &TonesTab::enableMenufile1},
+                               Popup{ListView1, fileListMenu, &TonesTab::enableMenufile2},
+                               Popup{ListView3, planMenu, &TonesTab::enableMenufile3}}) {
+        QMenu* menu = popup.menu;
         connect(menu, &QMenu::aboutToShow, this, popup.enable);
         connect(popup.list, &QWidget::customContextMenuRequested, this,
                 [menu, list = popup.list](const QPoint& at) { menu->popup(list->viewport()->mapToGlobal(at)); });
@@ -149,19 +161,26 @@ void TonesTab::connectMenus()
         {"outputs3", &TonesTab::outputs3_Click},         {"outputaxf", &TonesTab::outputaxf_Click},
     };
     for (const auto& [name, command] : commands)
-        connect(m_window->findChild<QAction*>(name), &QAction::triggered, this, command);
+        connect(this->command(name), &QAction::triggered, this, command);
+    enableOutputsForKind();
+}
+
+void TonesTab::enableOutputsForKind()
+{
+    command("outputs3")->setEnabled(m_host->takesSRecordPatch());
+    command("outputaxf")->setEnabled(m_host->takesInImagePatch());
 }
 
 void TonesTab::enableMenufile1()
 {
     const bool rows = ListView4->topLevelItemCount() > 0;
-    const bool loaded = m_window->imageState().ImageLoaded;
-    m_window->findChild<QAction*>("addaddress")->setEnabled(rows);
-    m_window->findChild<QAction*>("outputselect")->setEnabled(rows && loaded);
-    m_window->findChild<QAction*>("outputall")->setEnabled(rows && loaded);
+    const bool loaded = m_host->imageState().ImageLoaded;
+    command("addaddress")->setEnabled(rows);
+    command("outputselect")->setEnabled(rows && loaded);
+    command("outputall")->setEnabled(rows && loaded);
 }
 
-void TonesTab::enableMenufile2() { m_window->findChild<QAction*>("addmmf")->setEnabled(!ListView1->selectedItems().isEmpty()); }
+void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!ListView1->selectedItems().isEmpty()); }
 
 std::vector<ToneSlot> TonesTab::toneRows() const
 {
@@ -189,9 +208,9 @@ void TonesTab::showToneRows(const std::vector<ToneSlot>& rows)
 
 void TonesTab::GetTone_Click()
 {
-    image::ImageState& image = m_window->imageState();
+    image::ImageState& image = m_host->imageState();
     if (!image.ImageLoaded) {
-        m_window->ShowMessage(3);
+        m_host->ShowMessage(3);
         return;
     }
     ProgressBar1->setVisible(true);
@@ -213,41 +232,41 @@ void TonesTab::GetTone_Click()
 void TonesTab::SaveToneTable_Click()
 {
     if (ListView4->topLevelItemCount() == 0) {
-        m_window->ShowMessage(4);
+        m_host->ShowMessage(4);
         return;
     }
-    const QString path = m_window->dialogs().saveFile(m_window->settings().TableSavePath, m_window->filter(4), 2);
+    const QString path = m_host->dialogs().saveFile(m_host->settings().TableSavePath, m_host->filter(4), 2);
     if (path.isEmpty()) return;
-    m_window->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     try {
         const std::string caption = ListView4->headerItem()->text(3).toStdString();
-        const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_window->codePage());
-        image::refusePhoneFile(m_window->imageState().FirmwarePath, path.toStdString());
+        const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_host->codePage());
+        image::refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
         // An existing table is replaced whole, never left half old and half new.
         image::saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     } catch (const std::exception& error) {
-        m_window->showError(path + ": " + QString::fromUtf8(error.what()));
+        m_host->showError(path + ": " + QString::fromUtf8(error.what()));
         return;
     }
-    m_window->ShowMessage(6);
+    m_host->ShowMessage(6);
 }
 
 void TonesTab::OpenToneTable_Click()
 {
-    const QString path = m_window->dialogs().openFile(m_window->settings().TableSavePath, m_window->filter(4), 2);
+    const QString path = m_host->dialogs().openFile(m_host->settings().TableSavePath, m_host->filter(4), 2);
     if (path.isEmpty()) return;
-    m_window->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     ToneTableRead table;
     try {
         const std::vector<std::uint8_t> bytes = image::readWholeFile(path.toStdString());
-        table = readToneTable(strings::decodeText(std::string(bytes.begin(), bytes.end()), m_window->codePage()));
+        table = readToneTable(strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage()));
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return;
     }
     showToneRows(table.rows);
     if (table.stoppedAtLine)
-        m_window->showError(QStringLiteral("%1: line %2 has fewer than ten fields; the %3 rows before it were read.")
+        m_host->showError(QStringLiteral("%1: line %2 has fewer than ten fields; the %3 rows before it were read.")
                                 .arg(path)
                                 .arg(*table.stoppedAtLine)
                                 .arg(table.rows.size()));
@@ -262,12 +281,12 @@ void TonesTab::outputall_Click() { exportTones(true); }
 void TonesTab::exportTones(bool everyRow)
 {
     if (!hasSelectedTone()) {
-        m_window->ShowMessage(8);
+        m_host->ShowMessage(8);
         return;
     }
-    const QString picked = m_window->dialogs().saveFile(m_window->settings().RingSavePath, m_window->filter(6), 2);
+    const QString picked = m_host->dialogs().saveFile(m_host->settings().RingSavePath, m_host->filter(6), 2);
     if (picked.isEmpty()) return;
-    m_window->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
+    m_host->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
@@ -275,11 +294,11 @@ void TonesTab::exportTones(bool everyRow)
     ProgressBar1->setVisible(true);
     QString failure;
     // Pending events run between the files: the window may not close under the export.
-    QScopedValueRollback<bool> mayClose(m_window->mayClose, false);
+    image::KeepWindowOpen keepOpen(*m_host);
     try {
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
-        tones::exportTones(m_window->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
+        tones::exportTones(m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
                            picked.toStdString(), [this](std::size_t i) {
                                QCoreApplication::processEvents();
                                ProgressBar1->setValue(static_cast<int>(i) + 1);
@@ -288,8 +307,8 @@ void TonesTab::exportTones(bool everyRow)
         failure = QString::fromUtf8(error.what());
     }
     if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
-    if (failure.isEmpty()) m_window->ShowMessage(9);
-    else m_window->showError(failure + " (the tones before it were exported)");
+    if (failure.isEmpty()) m_host->ShowMessage(9);
+    else m_host->showError(failure + " (the tones before it were exported)");
     if (everyRow) ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
 }
@@ -318,7 +337,7 @@ void TonesTab::Text5_LostFocus()
 
 void TonesTab::showToneCheck()
 {
-    auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
+    QLabel* panel = m_checkPanel;
     const QList<QTreeWidgetItem*> selected = ListView4->selectedItems();
     if (selected.isEmpty()) {
         panel->clear();
@@ -328,22 +347,23 @@ void TonesTab::showToneCheck()
     const ToneSlot row = toneRowOf(item);
     ToneCheck check;
     try {
-        check = checkTone(toneBytes(m_window->imageState(), row));
+        check = checkTone(toneBytes(m_host->imageState(), row));
     } catch (const std::exception&) {
         // A row from a table of another image, or a tone cut by the image's end.
         check.crc = CrcState::Bad;
     }
-    const app::InterfaceTexts& texts = m_window->texts();
     QString text = item->text(0) + ": " +
-                   (check.crc == CrcState::Ok ? texts.ToneCrcOk : check.crc == CrcState::Bad ? texts.ToneCrcBad : texts.ToneCrcNone);
+                   m_host->text(check.crc == CrcState::Ok    ? "ToneCrcOk"
+                                : check.crc == CrcState::Bad ? "ToneCrcBad"
+                                                             : "ToneCrcNone");
     if (!check.title.empty()) {
         QString title;
         try {
-            title = fromUtf8(strings::decodeText(check.title, m_window->codePage()));
+            title = fromUtf8(strings::decodeText(check.title, m_host->codePage()));
         } catch (const strings::CodePageError&) {
             title = QString::fromLatin1(check.title.data(), static_cast<qsizetype>(check.title.size()));
         }
-        text += "  " + texts.ToneTitle + " " + title;
+        text += "  " + m_host->text("ToneTitle") + " " + title;
     }
     panel->setText(text);
 }

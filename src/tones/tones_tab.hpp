@@ -6,12 +6,16 @@
 #include "image/patch_writer.hpp"
 #include "tone_scan.hpp"
 
+#include <QHash>
 #include <QWidget>
 #include <functional>
 #include <optional>
 #include <vector>
 
+class QAction;
 class QFileSystemModel;
+class QLabel;
+class QMenu;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
@@ -19,7 +23,7 @@ class QTreeView;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-namespace zevran::app { class Form1; }
+namespace zevran::image { class TabHost; }
 
 namespace zevran::tones {
 
@@ -28,8 +32,10 @@ class TonesTab : public QWidget {
 public:
     explicit TonesTab(QWidget* parent = nullptr);
 
-    // The window whose image, dialogs, folders and messages the commands use.
-    void attach(app::Form1* window);
+    // The window whose image, dialogs, folders and messages the commands use; the
+    // pop-up menus of the tone list, the file list and the plan, which the tab fills
+    // with its commands; and the status panel that shows the selected tone's check.
+    void attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel);
 
     QTreeWidget* ListView1;  // ".mmf" files of the folder chosen in ET1
     QTreeWidget* ListView3;  // the replacement plan
@@ -70,6 +76,8 @@ public:
     void ListView1_ColumnClick(int column);
     // The status-bar check of the selected tone, in the current language.
     void showToneCheck();
+    // A phone file was opened: the plan's outputs follow its kind.
+    void enableOutputsForKind();
 
     // Plays a tone file; the desktop's default handler unless a test replaces it.
     std::function<void(const QString& path)> playFile;
@@ -80,7 +88,8 @@ public:
 
 private:
     void connectCommands();
-    void connectMenus();
+    void connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu);
+    QAction* command(const char* name) const { return m_commands.value(QLatin1String(name)); }
     void enableMenufile1();
     void enableMenufile2();
     void enableMenufile3();
@@ -95,7 +104,9 @@ private:
     // None, with the message shown, when a pair cannot be written at all.
     std::optional<std::vector<image::Region>> planRegions(bool& stopped);
 
-    app::Form1* m_window = nullptr;
+    image::TabHost* m_host = nullptr;
+    QLabel* m_checkPanel = nullptr;
+    QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
     QString m_listedFolder;       // the folder whose files ListView1 lists
     int m_noteRow = -1;           // the ListView4 row whose note Text5 edits
     bool m_fillingPlan = false;

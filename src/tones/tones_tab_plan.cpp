@@ -3,8 +3,8 @@
 #include "tone_patch.hpp"
 #include "tones_tab.hpp"
 
-#include "app/main_window.hpp"
-#include "app/widget_helpers.hpp"
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,7 +13,7 @@
 
 namespace zevran::tones {
 
-using app::fromUtf8;
+using image::fromUtf8;
 
 void TonesTab::showToneFiles(const QString& folder)
 {
@@ -107,11 +107,11 @@ void TonesTab::enableMenufile3()
 {
     const bool rows = ListView3->topLevelItemCount() > 0;
     const bool selected = selectedPlanRow() >= 0;
-    const std::string& kind = m_window->imageState().FileKind;
-    for (const char* name : {"moveone", "movemmf", "moveaddress"}) m_window->findChild<QAction*>(name)->setEnabled(selected);
-    for (const char* name : {"moveall", "moveallmmf", "movealladdress"}) m_window->findChild<QAction*>(name)->setEnabled(rows);
-    m_window->findChild<QAction*>("outputs3")->setEnabled(rows && kind == "bin");
-    m_window->findChild<QAction*>("outputaxf")->setEnabled(rows && kind == "asf");
+    const std::string& kind = m_host->imageState().FileKind;
+    for (const char* name : {"moveone", "movemmf", "moveaddress"}) command(name)->setEnabled(selected);
+    for (const char* name : {"moveall", "moveallmmf", "movealladdress"}) command(name)->setEnabled(rows);
+    command("outputs3")->setEnabled(rows && kind == "bin");
+    command("outputaxf")->setEnabled(rows && kind == "asf");
 }
 
 void TonesTab::moveone_Click()
@@ -161,11 +161,11 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
 {
     stopped = false;
     std::vector<image::Region> regions;
-    const auto imageLength = static_cast<std::int64_t>(m_window->imageState().FirmwareImage.size());
+    const auto imageLength = static_cast<std::int64_t>(m_host->imageState().FirmwareImage.size());
     try {
         for (const ReplacementRow& row : planRows()) {
             PlanRowPatch patch = tonePatchRegion(row, m_listedFolder.toStdString(), imageLength);
-            if (patch.result == PlanRowResult::EmptySlot) m_window->ShowMessage(1);
+            if (patch.result == PlanRowResult::EmptySlot) m_host->ShowMessage(1);
             if (patch.result == PlanRowResult::TooLarge) {
                 stopped = true;
                 break;
@@ -173,7 +173,7 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
             if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
         }
     } catch (const std::exception& error) {
-        m_window->showError(QString::fromUtf8(error.what()));
+        m_host->showError(QString::fromUtf8(error.what()));
         return std::nullopt;
     }
     return regions;
@@ -181,28 +181,28 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
 
 void TonesTab::outputs3_Click()
 {
-    if (m_window->imageState().FileKind != "bin" || !anyPlanRowChecked()) return;
+    if (m_host->imageState().FileKind != "bin" || !anyPlanRowChecked()) return;
     bool stopped = false;
     const auto regions = planRegions(stopped);
     if (!regions) return;
     // The pairs before a tone that does not fit are written; the rest are not.
-    m_window->writeSRecordPatch(*regions);
-    if (stopped) m_window->ShowMessage(12);
+    m_host->writeSRecordPatch(*regions);
+    if (stopped) m_host->ShowMessage(12);
 }
 
 void TonesTab::outputaxf_Click()
 {
-    if (m_window->imageState().FileKind != "asf") return;
+    if (m_host->imageState().FileKind != "asf") return;
     if (!anyPlanRowChecked()) {
-        m_window->ShowMessage(11);
+        m_host->ShowMessage(11);
         return;
     }
     bool stopped = false;
     const auto regions = planRegions(stopped);
     if (!regions) return;
-    if (!regions->empty()) m_window->patchInImage(*regions, !stopped);
-    else if (!stopped) m_window->ShowMessage(13);
-    if (stopped) m_window->ShowMessage(12);
+    if (!regions->empty()) m_host->patchInImage(*regions, !stopped);
+    else if (!stopped) m_host->ShowMessage(13);
+    if (stopped) m_host->ShowMessage(12);
 }
 
 }  // namespace zevran::tones

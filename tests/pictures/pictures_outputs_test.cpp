@@ -60,7 +60,7 @@ private slots:
         bool sawProgress = false;
         QTimer::singleShot(0, this, [&] {
             sawProgress = m_tab->ProgressBar2->isVisible() && m_tab->ProgressBar2->maximum() == 3 &&
-                          !m_tab->ListView5->isEnabled() && !m_window->mayClose;
+                          !m_tab->ListView5->isEnabled() && !m_window->mayClose();
         });
         choose(m_tab->outputpic);
         QVERIFY(sawProgress);
@@ -90,7 +90,7 @@ private slots:
         QCOMPARE(m_dialogs->messages[0].title, QString("Done"));
         QVERIFY(m_tab->ProgressBar2->isHidden());
         QVERIFY(m_tab->ListView5->isEnabled());
-        QVERIFY(m_window->mayClose);
+        QVERIFY(m_window->mayClose());
     }
 
     void exportOfAllRowsRefusesMonoAndOddDepthsFrameByFrame()
@@ -154,7 +154,7 @@ private slots:
         choose(m_tab->outputpic);
         QVERIFY(!accepted);
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{32, 18}));
-        QVERIFY(m_window->mayClose);
+        QVERIFY(m_window->mayClose());
     }
 
     void shutDownStopsThePlayerAndClearsThePause()

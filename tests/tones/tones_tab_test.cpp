@@ -33,9 +33,9 @@ const QByteArray kLanguage =
     "[SSTab1]\r\nListview1Header1=Name\r\nListview1Header2=Size\r\nListview4Header4=Size\r\n"
     "[String]\r\nMsgTitle1=Warning\r\nMsgStr1=Empty.\r\nMsgStr3=No phone file.\r\nMsgStr4=Nothing to save.\r\n"
     "MsgStr6=Saved.\r\nMsgStr8=Nothing selected.\r\nMsgStr9=Exported.\r\nMsgStr10=Written.\r\nMsgStr11=Nothing checked.\r\n"
-    "MsgStr12=Too large.\r\nMsgStr13=Patched.\r\nToneCrcOk=CRC correct\r\nToneCrcBad=CRC wrong\r\nToneCrcNone=no CRC\r\n"
-    "ToneTitle=Title:\r\n"
-    "[Filter]\r\nFilter1=S-record (*.s3)|*.s3\r\nFilter4=Tables (*.txt)|*.txt\r\nFilter6=Tones (*.mmf)|*.mmf\r\n";
+    "MsgStr12=Too large.\r\nMsgStr13=Patched.\r\n"
+    "[Filter]\r\nFilter1=S-record (*.s3)|*.s3\r\nFilter4=Tables (*.txt)|*.txt\r\nFilter6=Tones (*.mmf)|*.mmf\r\n"
+    "[Zevran]\r\nToneCrcOk=CRC correct\r\nToneCrcBad=CRC wrong\r\nToneCrcNone=no CRC\r\nToneTitle=Title:\r\n";
 
 void putBigEndian(QByteArray& bytes, int at, quint32 value)
 {
@@ -155,7 +155,7 @@ private slots:
     {
         QDir().mkpath(path("language"));
         writeBytes(path("language/English.ini"), kLanguage);
-        writeBytes(path("language/Other.ini"), "[String]\r\nToneCrcBad=Mauvais CRC\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcBad=Mauvais CRC\r\n");
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<TonesTab*>();
@@ -515,7 +515,7 @@ private slots:
         action("outputall")->trigger();
         QVERIFY(!closed);
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{32, 9}));
-        QVERIFY(m_window->mayClose);
+        QVERIFY(m_window->mayClose());
     }
 
     void outputsForTheOtherKindDoNothing()

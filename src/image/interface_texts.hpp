@@ -1,11 +1,12 @@
-// The texts of the current language that commands read when they show them: message
-// texts and titles, dialog filters, the help file's name.
+// The texts of the classic key set that commands read when they show them: message
+// texts and titles, dialog filters, the help file's name. The workshop's own keys are
+// asked for by name through TabHost::text.
 #pragma once
 
 #include <QString>
 #include <array>
 
-namespace zevran::app {
+namespace zevran::image {
 
 struct InterfaceTexts {
     std::array<QString, 40> MsgStr;   // MsgStr[N] for message code N
@@ -14,11 +15,6 @@ struct InterfaceTexts {
     QString HelpStr;                  // the help document, relative to the program folder
     QString StatusBar1Str3;           // the version text when no marker is found
     QString ComS3ToBin;               // the converter's start caption
-    // The status-bar check of a selected tone: its CRC state and the caption of its title.
-    QString ToneCrcOk;
-    QString ToneCrcBad;
-    QString ToneCrcNone;
-    QString ToneTitle;
 };
 
-}  // namespace zevran::app
+}  // namespace zevran::image

@@ -1,5 +1,5 @@
-// Small builders shared by the tab pages: every control gets its given name as its
-// object name, so commands and tests find it by that name.
+// Small builders shared by the window and its tab pages: every control gets its given
+// name as its object name, so the language file and tests find it by that name.
 #pragma once
 
 #include <QApplication>
@@ -8,13 +8,14 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <string>
 
-namespace zevran::app {
+namespace zevran::image {
 
 template <typename Widget>
 Widget* named(Widget* widget, const char* name, const QString& text = QString())
@@ -42,6 +43,17 @@ inline QTreeWidget* reportList(const char* name, const QStringList& headers, QWi
     return list;
 }
 
+// A command added to a tab's pop-up menu. Its caption comes from the language file
+// under `name` (section [Popup Menu]); until then it reads as its name.
+inline QAction* menuAction(QMenu* menu, const char* name)
+{
+    QAction* action = menu->addAction(QString::fromLatin1(name));
+    action->setObjectName(name);
+    return action;
+}
+
+inline void menuSeparator(QMenu* menu, const char* name) { menu->addSeparator()->setObjectName(name); }
+
 // The pointer shows busy while a command works, and returns on every exit.
 class BusyPointer {
 public:
@@ -61,4 +73,4 @@ inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
     return bar;
 }
 
-}  // namespace zevran::app
+}  // namespace zevran::image

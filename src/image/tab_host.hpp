@@ -1,0 +1,85 @@
+// What a tab sees of the window it sits in: the image, the remembered folders, the
+// dialogs and messages, the texts of the current language and the two outputs every
+// edit ends in. The tabs know the window only through this, so the window's folder
+// links against the tabs and never the other way round.
+#pragma once
+
+#include "image/firmware_image.hpp"
+#include "image/interface_texts.hpp"
+#include "image/patch_writer.hpp"
+#include "image/window_dialogs.hpp"
+
+#include <QString>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zevran::image {
+
+// The folders and language the workshop remembers in zevran.ini between runs.
+struct ShellSettings {
+    QString Language;  // the language file's name, ".ini" included (bare on a first run)
+    QString mmfFilePath;
+    QString MobileFilePath;
+    QString RingSavePath;
+    QString PictureSavePath;
+    QString S3SavePath;
+    QString TableSavePath;
+};
+
+class TabHost {
+public:
+    virtual ~TabHost() = default;
+
+    virtual ImageState& imageState() = 0;
+    virtual ShellSettings& settings() = 0;
+    virtual Dialogs& dialogs() = 0;
+    virtual const QString& programFolder() const = 0;
+    // The single-byte code page of the handset's text ("Code Page" of zevran.ini).
+    virtual std::string codePage() const = 0;
+    // Dialog filter `number` of the language file, in Qt's form.
+    virtual QString filter(int number) const = 0;
+
+    // Numbered message `code` with its title and text from the language file.
+    virtual void ShowMessage(int code) = 0;
+    // A failure the numbered messages do not cover: its text says what and where.
+    virtual void showError(const QString& text) = 0;
+    // The classic texts of the current language.
+    virtual const InterfaceTexts& texts() const = 0;
+    // A text of the workshop's own keys (section [Zevran] of the language file), with
+    // the shipped English text, then the built-in one, where the language file lacks it.
+    virtual QString text(std::string_view key) const = 0;
+
+    // The window refuses to close while this is false: a command is running pending
+    // events between the files it writes.
+    virtual bool mayClose() const = 0;
+    virtual void setMayClose(bool mayClose) = 0;
+
+    // The folder chooser with its fixed prompt: a folder ending in "/", or "" on cancel.
+    virtual QString BrowseForFolder() = 0;
+
+    // The two outputs every edit ends in: an S-record patch file chosen by the user
+    // (message 10), or the regions copied into the image (Save enabled, message 13
+    // unless `showDone` is false, for an output that stopped part way).
+    virtual void writeSRecordPatch(const std::vector<Region>& regions) = 0;
+    virtual void patchInImage(const std::vector<Region>& regions, bool showDone = true) = 0;
+    // The output that fits the opened phone file: an S-record patch for "bin", the
+    // image itself for "asf"; neither for "other" or before a file is opened.
+    virtual bool takesSRecordPatch() const = 0;
+    virtual bool takesInImagePatch() const = 0;
+};
+
+// Keeps the window from closing while a command runs, and restores the flag after.
+class KeepWindowOpen {
+public:
+    explicit KeepWindowOpen(TabHost& host) : m_host(host), m_before(host.mayClose()) { m_host.setMayClose(false); }
+    ~KeepWindowOpen() { m_host.setMayClose(m_before); }
+    KeepWindowOpen(const KeepWindowOpen&) = delete;
+    KeepWindowOpen& operator=(const KeepWindowOpen&) = delete;
+
+private:
+    TabHost& m_host;
+    bool m_before;
+};
+
+}  // namespace zevran::image

@@ -1,0 +1,136 @@
+// The workshop's own texts in the section [Zevran] of a language file: where each is
+// read from when the language file lacks it, and that no such key is ever written
+// into a language file, so files made for the classic key set stay as they were.
+#include "qt_files.hpp"
+#include "test_window.hpp"
+
+#include "app/main_window.hpp"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+using zevran::app::Form1;
+using zevran::test::readBytes;
+using zevran::test::ScriptedDialogs;
+using zevran::test::writeBytes;
+
+class WorkshopTextsTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+    ScriptedDialogs* m_dialogs = nullptr;
+
+    QString path(const QString& name) const { return m_home.path() + "/" + name; }
+
+    std::unique_ptr<Form1> startIn(const QString& language)
+    {
+        writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=" + language.toUtf8() + "\r\n");
+        return zevran::test::startTestWindow(m_home.path(), m_dialogs);
+    }
+
+private slots:
+    void init() { QDir().mkpath(path("language")); }
+    void cleanup()
+    {
+        QDir(m_home.path()).removeRecursively();
+        QDir().mkpath(m_home.path());
+    }
+
+    void languageFileValueComesFirst()
+    {
+        writeBytes(path("language/English.ini"), "[Zevran]\r\nToneCrcOk=shipped\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcOk=  CRC bon  \r\n");
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneCrcOk"), QString("CRC bon"));
+    }
+
+    void missingKeyFallsBackToTheShippedEnglishFile()
+    {
+        writeBytes(path("language/English.ini"), "[Zevran]\r\nToneCrcOk=shipped ok\r\nToneTitle=shipped title\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcOk=CRC bon\r\n");
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneTitle"), QString("shipped title"));
+    }
+
+    void emptyValueFallsBackLikeAMissingOne()
+    {
+        writeBytes(path("language/English.ini"), "[Zevran]\r\nToneCrcNone=shipped none\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcNone=\r\n");
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneCrcNone"), QString("shipped none"));
+    }
+
+    void keyInAnotherSectionIsNotRead()
+    {
+        // The tone-check keys once lived in [String]; there they are no longer read.
+        writeBytes(path("language/English.ini"), "[Zevran]\r\nToneCrcBad=shipped bad\r\n");
+        writeBytes(path("language/Other.ini"), "[String]\r\nToneCrcBad=old place\r\n");
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneCrcBad"), QString("shipped bad"));
+    }
+
+    void withoutEitherFileTheBuiltInEnglishTextIsUsed()
+    {
+        writeBytes(path("language/Other.ini"), "[String]\r\nMsgTitle1=Attention\r\n");
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneCrcOk"), QString("CRC correct"));
+        QCOMPARE(window->text("ToneCrcBad"), QString("CRC wrong: the tone may be damaged or cut short"));
+        QCOMPARE(window->text("ToneCrcNone"), QString("no CRC"));
+        QCOMPARE(window->text("ToneTitle"), QString("Title:"));
+    }
+
+    void unknownKeyShowsItsName()
+    {
+        writeBytes(path("language/English.ini"), "[Zevran]\r\n");
+        const auto window = startIn("English.ini");
+        QCOMPARE(window->text("NoSuchKey"), QString("NoSuchKey"));
+    }
+
+    void codePageFileIsDecodedInTheCodePage()
+    {
+        // "正确" in GBK: the file is not valid UTF-8, so its values are read in the code page.
+        writeBytes(path("language/Gbk.ini"), "[Zevran]\r\nToneCrcOk=CRC \xD5\xFD\xC8\xB7\r\n");
+        const auto window = startIn("Gbk.ini");
+        QCOMPARE(window->text("ToneCrcOk"), QString::fromUtf8("CRC 正确"));
+    }
+
+    void classicLanguageFileGainsNoWorkshopKeys()
+    {
+        const QByteArray classic = "[Menu]\r\nmenufile=&Fichier\r\n[String]\r\nMsgStr1=Vide.\r\n";
+        writeBytes(path("language/Other.ini"), classic);
+        const auto window = startIn("Other.ini");
+        QCOMPARE(window->text("ToneTitle"), QString("Title:"));
+        const QByteArray after = readBytes(path("language/Other.ini"));
+        // The classic keys it lacked are written back, as they always were ...
+        QVERIFY(after.startsWith(classic.left(classic.indexOf("[String]"))));
+        QVERIFY(after.contains("MsgStr2=\r\n"));
+        // ... but nothing of the workshop's own section.
+        QVERIFY(!after.contains("Zevran"));
+        QVERIFY(!after.contains("ToneCrc"));
+        QVERIFY(!after.contains("ToneTitle"));
+    }
+
+    void languageSwitchLeavesBothFilesWithoutNewWorkshopKeys()
+    {
+        const QByteArray english = "[Zevran]\r\nToneCrcOk=shipped ok\r\n";
+        writeBytes(path("language/English.ini"), english);
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcOk=CRC bon\r\n");
+        const auto window = startIn("English.ini");
+        QCOMPARE(window->text("ToneCrcOk"), QString("shipped ok"));
+        window->languagNum_Click(2);
+        QCOMPARE(window->text("ToneCrcOk"), QString("CRC bon"));
+        QCOMPARE(window->text("ToneTitle"), QString("Title:"));
+        for (const char* name : {"language/English.ini", "language/Other.ini"}) {
+            // The classic sections the files lacked follow; [Zevran] keeps its one key.
+            const QByteArray after = readBytes(path(name));
+            const qsizetype start = after.indexOf("[Zevran]");
+            const QByteArray section = after.mid(start, after.indexOf("\n[", start) + 1 - start);
+            QCOMPARE(section.count('\n'), 2);
+        }
+    }
+};
+
+QTEST_MAIN(WorkshopTextsTest)
+#include "workshop_texts_test.moc"
