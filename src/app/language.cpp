@@ -148,7 +148,8 @@ QString decodeLanguageValue(const std::string& value, bool utf8File, const std::
     }
 }
 
-void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage)
+void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage,
+                   bool writeBack)
 {
     bool utf8File = true;
     try {
@@ -158,8 +159,11 @@ void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTex
         // A missing file is created by the reads below, empty keys and all.
     }
     const ProfileFile language(path);
-    for (const Entry& entry : languageEntries(window, texts))
-        entry.apply(decodeLanguageValue(language.ReadSetting(entry.section, entry.key, ""), utf8File, codePage));
+    for (const Entry& entry : languageEntries(window, texts)) {
+        const std::string value = writeBack ? language.ReadSetting(entry.section, entry.key, "")
+                                            : language.read(entry.section, entry.key).value_or("");
+        entry.apply(decodeLanguageValue(value, utf8File, codePage));
+    }
 }
 
 }  // namespace zevran::app

@@ -1,6 +1,7 @@
 #include "main_window.hpp"
 
 #include "about_tab.hpp"
+#include "help_viewer.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
 
@@ -16,7 +17,6 @@
 #include "tones/tones_tab.hpp"
 
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
@@ -44,7 +44,13 @@ constexpr const char* kHomePage = "https://zevran-workshop.example.org/";
 }  // namespace
 
 Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWidget* parent)
-    : QMainWindow(parent), m_programFolder(programFolder), m_dialogs(std::move(dialogs))
+    : Form1(portableFolders(programFolder.toStdString()), std::move(dialogs), parent)
+{
+}
+
+Form1::Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs, QWidget* parent)
+    : QMainWindow(parent), m_folders(folders), m_programFolder(QString::fromStdString(folders.dataFolder)),
+      m_dialogs(std::move(dialogs))
 {
     if (!m_dialogs) m_dialogs = std::make_unique<QtDialogs>(this);
     setObjectName("Form1");
@@ -61,7 +67,7 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
 
 Form1::~Form1() = default;
 
-QString Form1::settingsPath() const { return m_programFolder + "/zevran.ini"; }
+QString Form1::settingsPath() const { return QString::fromStdString(m_folders.settingsFile); }
 
 QString Form1::filter(int number) const { return qtFilterFromClassic(m_texts.Filter[static_cast<std::size_t>(number)]); }
 
@@ -185,7 +191,7 @@ void Form1::LoadSettings()
     m_codePage = codePage && !codePage->empty() ? *codePage : std::string(strings::kDefaultCodePage);
     m_settings.Language = fromUtf8(settings.ReadSetting("Language", "Language", ""));
     BuildLanguageMenu();
-    loadFolders(m_settings, settings, m_programFolder);
+    loadFolders(m_settings, settings, QString::fromStdString(m_folders.startFolder));
     m_tonesTab->setCurrentFolder(m_settings.mmfFilePath);
     m_tabs->setTabEnabled(1, false);
     m_tabs->setTabEnabled(2, false);
@@ -199,8 +205,9 @@ void Form1::LoadSettings()
 
 void Form1::BuildLanguageMenu()
 {
-    const QDir folder(m_programFolder + "/language");
-    const QStringList files = folder.entryList({"*.ini"}, QDir::Files, QDir::Name);
+    // The shipped files and, when installed, the user's own, in one list.
+    QStringList files;
+    for (const std::string& name : languageFileNames(m_folders)) files.append(QString::fromStdString(name));
     if (files.isEmpty()) return;
     for (int i = 0; i < files.size(); ++i) {
         QAction* item = i == 0 ? m_languageItems[0] : addLanguageItem(i + 1, QString());
@@ -218,9 +225,9 @@ void Form1::BuildLanguageMenu()
 
 void Form1::applyLanguage(const QString& name)
 {
-    const std::string folder = (m_programFolder + "/language/").toStdString();
-    ApplyLanguage(this, folder + name.toStdString(), m_texts, m_codePage);
-    m_workshopTexts.load(folder + name.toStdString(), folder + "English.ini", m_codePage);
+    const LanguageFile file = findLanguageFile(m_folders, name.toStdString());
+    ApplyLanguage(this, file.path, m_texts, m_codePage, file.writeBack);
+    m_workshopTexts.load(file.path, findLanguageFile(m_folders, "English.ini").path, m_codePage);
 }
 
 void Form1::languagNum_Click(int index)
@@ -390,10 +397,16 @@ void Form1::help_Click()
         ShowMessage(33);
         return;
     }
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    // A desktop with no program for HTML still gets its help, in the workshop's own viewer.
+    if (!desktopOpener()(QUrl::fromLocalFile(path))) showHelpViewer(this, path, text("HelpShownHere").arg(path));
 }
 
-void Form1::homepage_Click() { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }
+void Form1::homepage_Click()
+{
+    const QString address = QString::fromLatin1(kHomePage);
+    if (!desktopOpener()(QUrl(address)))
+        m_dialogs->message(0, MessageKind::Information, m_texts.MsgTitle[3], text("HomePageNotOpened").arg(address));
+}
 
 void Form1::closeEvent(QCloseEvent* event)
 {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "dialogs.hpp"
+#include "program_folder.hpp"
 #include "shell_settings.hpp"
 #include "workshop_texts.hpp"
 
@@ -34,8 +35,9 @@ class AboutTab;
 class Form1 : public QMainWindow, public image::TabHost {
     Q_OBJECT
 public:
-    // `dialogs` answers every dialog; the Qt dialogs when null.
+    // `dialogs` answers every dialog; the Qt dialogs when null. A folder alone is portable.
     explicit Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs = nullptr, QWidget* parent = nullptr);
+    explicit Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs = nullptr, QWidget* parent = nullptr);
     ~Form1() override;
 
     // Start-up: settings, language menu and language, folders, tabs 1 and 2 disabled.
@@ -52,6 +54,7 @@ public:
     ShellSettings& settings() override { return m_settings; }
     Dialogs& dialogs() override { return *m_dialogs; }
     const QString& programFolder() const override { return m_programFolder; }
+    QString runtimeFolder() const override { return QString::fromStdString(m_folders.runtimeFolder); }
     std::string codePage() const override { return m_codePage; }
     QString filter(int number) const override;
     void ShowMessage(int code) override;
@@ -95,6 +98,7 @@ private:
     void enableOutputsForKind();
     QString versionText();
 
+    ProgramFolders m_folders;
     QString m_programFolder;
     std::unique_ptr<Dialogs> m_dialogs;
     image::ImageState m_image;

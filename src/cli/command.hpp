@@ -7,7 +7,8 @@
 namespace zevran::cli {
 
 struct Context {
-    std::string home;  // the program folder (--home, ZEVRAN_HOME, or the executable's folder)
+    std::string home;          // the shipped data (16.dat): the program folder, or PREFIX/share/zevran
+    std::string settingsFile;  // zevran.ini: in the program folder, or the user's config folder
 };
 
 struct Command {

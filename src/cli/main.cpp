@@ -3,7 +3,8 @@
 #include "cli_args.hpp"
 #include "command.hpp"
 
-#include <cstdlib>
+#include "app/program_folder.hpp"
+
 #include <filesystem>
 #include <iostream>
 
@@ -23,20 +24,26 @@ std::vector<Command> allCommands()
 
 void printHelp(std::ostream& out)
 {
-    out << "usage: zevran-cli [--home DIR] COMMAND ARGS...\n\ncommands:\n";
+    out << "Usage: zevran-cli [--home DIR] COMMAND ARGS...\nEvery job of Zevran Handset Workshop from the command line.\n\nCommands:\n";
     for (const Command& command : allCommands())
         out << "  " << command.name << " " << command.usage << "\n      " << command.summary << "\n";
-    out << "\n--home DIR names the program folder (default: ZEVRAN_HOME, else the executable's folder).\n";
+    out << "\nOptions:\n"
+           "  --home DIR  the portable program folder (16.dat, zevran.ini); default: ZEVRAN_HOME, else\n"
+           "              the executable's folder, or PREFIX/share/zevran and the user's\n"
+           "              ~/.config/zevran/zevran.ini when installed\n"
+           "  --help      this text\n"
+           "  --version   the version\n";
 }
 
-std::string defaultHome(const char* argv0)
+// --home, ZEVRAN_HOME, a portable folder or the installed layout, as the window finds them.
+zevran::cli::Context contextFor(const std::string& homeOption, const char* argv0)
 {
-    if (const char* fromEnvironment = std::getenv("ZEVRAN_HOME"); fromEnvironment && *fromEnvironment)
-        return fromEnvironment;
-    std::error_code error;
-    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) self = std::filesystem::absolute(argv0, error);
-    return self.parent_path().string();
+    const auto folders = zevran::app::findProgramFolders(
+        zevran::app::environmentOfThisProcess(homeOption, ZEVRAN_RELATIVE_DATA_DIR, argv0), [](const std::string& path) {
+            std::error_code error;
+            return std::filesystem::is_directory(path, error);
+        });
+    return {folders.dataFolder, folders.settingsFile};
 }
 
 }  // namespace
@@ -44,11 +51,16 @@ std::string defaultHome(const char* argv0)
 int main(int argc, char** argv)
 {
     std::vector<std::string> words(argv + 1, argv + argc);
-    zevran::cli::Context context{defaultHome(argv[0])};
     try {
+        std::string homeOption;
         if (words.size() >= 2 && words[0] == "--home") {
-            context.home = words[1];
+            homeOption = words[1];
             words.erase(words.begin(), words.begin() + 2);
+        }
+        const zevran::cli::Context context = contextFor(homeOption, argv[0]);
+        if (!words.empty() && words[0] == "--version") {
+            std::cout << "zevran-cli (Zevran Handset Workshop) " << ZEVRAN_VERSION << "\n";
+            return 0;
         }
         if (words.empty() || words[0] == "--help" || words[0] == "-h" || words[0] == "help") {
             printHelp(words.empty() ? std::cerr : std::cout);

@@ -22,10 +22,10 @@ namespace {
 using namespace zevran::image;
 using namespace zevran::strings;
 
-// The code page named in the program folder's zevran.ini, GBK when none is.
+// The code page named in zevran.ini, GBK when none is.
 std::string codePageOf(const Context& context)
 {
-    app::ProfileFile settings(context.home + "/zevran.ini");
+    app::ProfileFile settings(context.settingsFile);
     auto named = settings.read("Options", "Code Page");
     return named && !named->empty() ? *named : std::string(kDefaultCodePage);
 }

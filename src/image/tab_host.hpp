@@ -35,6 +35,9 @@ public:
     virtual ShellSettings& settings() = 0;
     virtual Dialogs& dialogs() = 0;
     virtual const QString& programFolder() const = 0;
+    // Where preview pictures are written: the program folder when portable, the user's
+    // runtime folder when installed (the shipped data is read-only there).
+    virtual QString runtimeFolder() const = 0;
     // The single-byte code page of the handset's text ("Code Page" of zevran.ini).
     virtual std::string codePage() const = 0;
     // Dialog filter `number` of the language file, in Qt's form.

@@ -332,7 +332,7 @@ void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
 {
     if (!item || m_working) return;
     m_frame = 0;
-    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
 
 void PicturesTab::ListView5_DblClick() { m_host->ShowMessage(39); }
@@ -345,7 +345,7 @@ void PicturesTab::nextpicture_Click()
         m_host->showError(qText(error.what()));
         return;
     }
-    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
 
 void PicturesTab::PreviousPicture_Click()
@@ -356,7 +356,7 @@ void PicturesTab::PreviousPicture_Click()
         m_host->showError(qText(error.what()));
         return;
     }
-    showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
+    showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
 
 void PicturesTab::PlayPicture_Click()
@@ -408,7 +408,7 @@ void PicturesTab::Timer2_Timer()
     try {
         const AnimationTick tick = animationTick(m_frame, pictures::frameGeometry(row).frames, RepeatPlay->isChecked());
         m_frame = tick.show;
-        failure = showFrame(animationFilePath(m_host->programFolder().toStdString(), tick.show));
+        failure = showFrame(animationFilePath(m_host->runtimeFolder().toStdString(), tick.show));
         if (failure.isEmpty()) {
             m_frame = tick.next;
             if (tick.stop) stopPlayer();
