@@ -4,15 +4,17 @@ BUILD       ?= build
 ASAN_BUILD  ?= build-asan
 BENCH_BUILD ?= build-bench
 FUZZ_BUILD  ?= build-fuzz
+PACKAGE_BUILD ?= build-package
 FUZZ_SECONDS ?= 60
 
 PACKAGES       := cmake g++ make pkg-config ccache qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
-                  srecord binutils xvfb time
+                  srecord binutils xvfb time help2man desktop-file-utils appstream
 FUZZ_PACKAGES  := clang libclang-rt-14-dev
 RUN_PACKAGES   := fonts-noto-cjk
 SCREENSHOT_PACKAGES := xvfb xauth
+PACKAGE_PACKAGES := dpkg-dev file
 
-.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run screenshots clean
+.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run screenshots package clean
 
 all: build
 
@@ -64,5 +66,13 @@ screenshots: deps
 	xvfb-run -a -s "-screen 0 1280x800x24" $(BUILD)/bin/zevran --screenshots $(BUILD)/screenshots $(BUILD)/demo/demo.bin
 	@echo "Screenshots in $(BUILD)/screenshots/"
 
+# A Debian package of the installed layout, built without the tests: $(BUILD)/zevran_VERSION_ARCH.deb.
+package: deps
+	@scripts/install-deps.sh $(PACKAGE_PACKAGES)
+	cmake -S . -B $(PACKAGE_BUILD) -DCMAKE_BUILD_TYPE=Release -DZEVRAN_TESTS=OFF
+	cmake --build $(PACKAGE_BUILD) -j$(JOBS)
+	cpack --config $(PACKAGE_BUILD)/CPackConfig.cmake -B $(CURDIR)/$(BUILD)
+	@ls $(BUILD)/zevran_*.deb
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD) $(PACKAGE_BUILD)
