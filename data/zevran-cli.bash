@@ -42,7 +42,7 @@ _zevran_cli()
     if [[ $cur == -* ]]; then
         local usage options
         usage=$(sed -n "s/^  $command \\(.*\\)\$/\\1/p" <<<"$help")
-        options=$(tr ' [](|' '\n\n\n\n\n' <<<"$usage" | grep -- '^-' | sort -u)
+        options=$(tr ' []()|' '\n' <<<"$usage" | grep -- '^-' | sort -u)
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
         return 0
     fi

@@ -79,11 +79,12 @@ int main(int argc, char** argv)
     auto staged = std::make_unique<StagedDialogs>();
     StagedDialogs* stagedDialogs = staged.get();
     Form1 window(folders, screenshots ? std::move(staged) : nullptr);
+    // From before the settings are read, so a SIGTERM that finds them written closes the window.
+    if (!screenshots) closeOnTerminationSignal(&window);
     window.LoadSettings();
     window.show();
     if (!file.isEmpty()) window.openPhoneFile(QDir().absoluteFilePath(file));
     if (screenshots) return saveScreenshots(window, *stagedDialogs, parser.value("screenshots")) ? 0 : 1;
     serveWindow(*instance, &window, [&window](const QString& handed) { window.openPhoneFile(handed); });
-    closeOnTerminationSignal(&window);
     return QApplication::exec();
 }

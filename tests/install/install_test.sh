@@ -72,7 +72,8 @@ run_as_user "$prefix/bin/zevran-cli" make-demo "$user/demo" >"$work/demo.log" ||
 [[ $(run_as_user "$prefix/bin/zevran-cli" info "$user/demo/demo.bin" | head -1) == "kind: bin" ]] || fail "zevran-cli info"
 
 # The window stays up; its first start names the locale's language in the user's settings.
-run_as_user "$prefix/bin/zevran" >"$work/window.log" 2>&1 &
+# Started directly, not through the function, so $! is the window's own process.
+"${as_user[@]}" "${environment[@]}" "$prefix/bin/zevran" >"$work/window.log" 2>&1 &
 window=$!
 for _ in $(seq 600); do
     [[ -S $user/run/zevran/zevran.socket ]] && break
