@@ -18,7 +18,8 @@ struct ShownMessage {
 
 class ScriptedDialogs : public app::Dialogs {
 public:
-    std::deque<QString> files;       // answers of open and save dialogs, in order; "" cancels
+    std::deque<QString> files;       // answers of open and save dialogs, in order; "" cancels;
+                                     // a saved name without an extension gets the filter's
     std::deque<QString> folders;     // answers of the folder chooser
     std::deque<app::Answer> answers; // answers of the Yes/No/Cancel question
     std::vector<ShownMessage> messages;
@@ -32,7 +33,8 @@ public:
     QString saveFile(const QString& folder, const QString& filter, int index) override
     {
         asked << QStringLiteral("save %1|%2|%3").arg(folder, filter).arg(index);
-        return next(files);
+        // The answer is a name typed with the preselected filter left as it is.
+        return app::withFilterExtension(next(files), app::nthFilter(filter, index));
     }
     QString chooseFolder(const QString& prompt) override
     {
