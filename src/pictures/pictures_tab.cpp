@@ -105,6 +105,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     panes->addWidget(frame16);
     panes->setStretchFactor(0, 3);
     panes->setStretchFactor(1, 2);
+    panes->setSizes({3000, 2000});  // three fifths for the list, until the user drags
     panes->setChildrenCollapsible(false);
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(panes);

@@ -46,6 +46,7 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     setObjectName("TonesTab");
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
     ListView4 = reportList("ListView4", {tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")}, frame5);
+    image::showCellsInToolTips(ListView4, {4});
     // The note editor floats over the note cell of the row being edited.
     Text5 = named(new QLineEdit(ListView4->viewport()), "Text5");
     Text5->setVisible(false);

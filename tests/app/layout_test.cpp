@@ -186,6 +186,7 @@ private slots:
         tab->ListView1->topLevelItem(0)->setSelected(true);
         tab->addmmf_Click();
         tab->addaddress_Click();
+        QCOMPARE(tab->ListView4->topLevelItem(0)->toolTip(4), QString("a rather long note about the ring tone"));
         const QTreeWidgetItem* row = tab->ListView3->topLevelItem(0);
         QCOMPARE(row->toolTip(2), QString("001 0x00000100 - 0x000001FF 256 a rather long note about the ring tone"));
         QCOMPARE(row->toolTip(1), row->text(1));
@@ -194,6 +195,16 @@ private slots:
         tab->moveallmmf_Click();
         QCOMPARE(tab->ListView3->topLevelItem(0)->toolTip(1), QString());
         QCOMPARE(tab->ListView3->topLevelItem(0)->toolTip(2), tab->ListView3->topLevelItem(0)->text(2));
+    }
+
+    void editListTextShowsWholeInItsToolTip()
+    {
+        auto window = startWindowOnPhoneFile();
+        auto* list = window->findChild<QTreeWidget*>("ListView2");
+        auto* row = new QTreeWidgetItem(list, {"01", "00000400", "00000404", "a replacement text longer than its column"});
+        QCOMPARE(row->toolTip(3), QString("a replacement text longer than its column"));
+        row->setText(3, "short");
+        QCOMPARE(row->toolTip(3), QString("short"));
     }
 
     void tonePatchNamedWithoutExtensionIsWrittenAsS3()
