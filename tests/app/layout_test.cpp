@@ -172,6 +172,24 @@ private slots:
         QTRY_VERIFY(tab->ET1->viewport()->rect().contains(tab->ET1->visualRect(tab->ET1->currentIndex())));
     }
 
+    void folderTreeShownScrollsToAFolderItIsGiven()
+    {
+        const QString folder = path("tones/deep/er/still");
+        QVERIFY(QDir().mkpath(folder));
+        for (int i = 0; i < 40; ++i) QDir().mkpath(path("tones/deep/a%1").arg(i, 2, 10, QChar('0')));
+        auto window = startWindow();
+        window->resize(900, 600);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        auto* tab = window->findChild<zevran::tones::TonesTab*>();
+        tab->setCurrentFolder(folder);
+        QCOMPARE(tab->currentFolder(), folder);
+        // Its parents' rows arrive as they are read; the folder ends in view.
+        QTRY_VERIFY(tab->ET1->viewport()->rect().contains(tab->ET1->visualRect(tab->ET1->currentIndex())));
+        for (QModelIndex parent = tab->ET1->currentIndex().parent(); parent.isValid(); parent = parent.parent())
+            QVERIFY2(tab->ET1->isExpanded(parent), qPrintable(tab->folders->filePath(parent)));
+    }
+
     void planCellsShowWholeInTheirToolTips()
     {
         auto window = startWindowOnPhoneFile();
