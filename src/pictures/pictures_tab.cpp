@@ -50,11 +50,15 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     tableButtons->addWidget(SavePicTable);
     tableButtons->addWidget(Check1);
     tableButtons->addStretch();
-    tableButtons->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
-    tableButtons->addWidget(Text21);
+    // The offset has a line of its own, so the buttons and it never squeeze each other.
+    auto* offset = new QHBoxLayout;
+    offset->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
+    offset->addWidget(Text21);
+    offset->addStretch();
     auto* tableLayout = new QVBoxLayout(table);
     tableLayout->setContentsMargins(0, 0, 0, 0);
     tableLayout->addLayout(tableButtons);
+    tableLayout->addLayout(offset);
     tableLayout->addWidget(ListView5, 1);
     tableLayout->addWidget(ProgressBar2);
 
@@ -70,7 +74,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Text15->setReadOnly(true);
     Text16->setReadOnly(true);
     image::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
-    image::fitToText(Text16, QStringLiteral("-32768"));
+    image::fitToText(Text16, QStringLiteral("-999"));
     PreviousPicture = named(new QPushButton(this), "PreviousPicture", QStringLiteral("◀"));
     nextpicture = named(new QPushButton(this), "nextpicture", QStringLiteral("▶"));
     PlayPicture = named(new QPushButton(this), "PlayPicture", tr("Play"));
