@@ -1,5 +1,7 @@
 #include "dialogs.hpp"
 
+#include "save_name.hpp"
+
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QStringList>
@@ -33,6 +35,23 @@ QString nthFilter(const QString& qtFilter, int index)
     return index >= 1 && index <= filters.size() ? filters[index - 1] : QString();
 }
 
+namespace {
+
+// The patterns of one filter in Qt's form: Qt reads them from its last parentheses.
+std::string patternsOf(const QString& filter)
+{
+    const int open = filter.lastIndexOf('(');
+    const int close = filter.lastIndexOf(')');
+    return (open >= 0 && close > open ? filter.mid(open + 1, close - open - 1) : filter).toStdString();
+}
+
+}  // namespace
+
+QString withFilterExtension(const QString& name, const QString& chosenFilter)
+{
+    return QString::fromStdString(withFilterExtension(name.toStdString(), patternsOf(chosenFilter)));
+}
+
 QString QtDialogs::openFile(const QString& folder, const QString& filter, int filterIndex)
 {
     QString selected = nthFilter(filter, filterIndex);
@@ -41,8 +60,20 @@ QString QtDialogs::openFile(const QString& folder, const QString& filter, int fi
 
 QString QtDialogs::saveFile(const QString& folder, const QString& filter, int filterIndex)
 {
-    QString selected = nthFilter(filter, filterIndex);
-    return QFileDialog::getSaveFileName(m_parent, QString(), folder, filter, &selected);
+    QFileDialog dialog(m_parent, QString(), folder, filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    // The dialog itself adds the chosen filter's extension where it can, so that it
+    // asks before replacing the file of the completed name.
+    auto useFilter = [&dialog](const QString& chosen) {
+        dialog.setDefaultSuffix(QString::fromStdString(filterExtension(patternsOf(chosen))));
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, useFilter);
+    const QString selected = nthFilter(filter, filterIndex);
+    if (!selected.isEmpty()) dialog.selectNameFilter(selected);
+    useFilter(dialog.selectedNameFilter());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return QString();
+    return withFilterExtension(dialog.selectedFiles().constFirst(), dialog.selectedNameFilter());
 }
 
 QString QtDialogs::chooseFolder(const QString& prompt)

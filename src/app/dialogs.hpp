@@ -35,4 +35,8 @@ QString qtFilterFromClassic(const QString& classic);
 // The `index`-th filter (from 1) of a Qt filter text, or "" when there is none.
 QString nthFilter(const QString& qtFilter, int index);
 
+// A save dialog's answer with the extension of the chosen filter (one filter in Qt's
+// form, "S-record files (*.s3 *.sre)") added when the file name has none.
+QString withFilterExtension(const QString& name, const QString& chosenFilter);
+
 }  // namespace zevran::app

@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QStyle>
 #include <QTabWidget>
@@ -89,6 +90,9 @@ void Form1::buildTabs()
     connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
         if (index == 4) m_aboutTab->startScroller();
         else m_aboutTab->stopScroller();
+        // The selected tone's details are shown on the ring-tone tab only.
+        m_statusPanels[1]->setVisible(index == 0);
+        m_toneDetailsLine->setVisible(index == 0);
     });
     connect(m_aboutTab, &AboutTab::homePageRequested, this, &Form1::homepage_Click);
 }
@@ -171,6 +175,14 @@ void Form1::buildStatusBar()
 {
     statusBar()->setObjectName("StatusBar1");
     for (std::size_t i = 0; i < m_statusPanels.size(); ++i) {
+        // A line before the tone details, the version, the file name and the busy sign.
+        if (i == 1 || i == 2 || i == 4 || i == 6) {
+            auto* line = new QFrame(statusBar());
+            line->setObjectName(QStringLiteral("StatusBar1Line%1").arg(i + 1));
+            line->setFrameStyle(QFrame::VLine | QFrame::Sunken);
+            statusBar()->addWidget(line);
+            if (i == 1) m_toneDetailsLine = line;
+        }
         m_statusPanels[i] = new QLabel(statusBar());
         m_statusPanels[i]->setObjectName(QStringLiteral("StatusBar1Panel%1").arg(i + 1));
         statusBar()->addWidget(m_statusPanels[i], i == 5 ? 1 : 0);
@@ -201,6 +213,11 @@ void Form1::LoadSettings()
     // The tab last used, unless it waits for a phone file.
     const int tab = std::atoi(settings.read("Window", "Tab").value_or("0").c_str());
     if (tab > 0 && tab < m_tabs->count() && m_tabs->isTabEnabled(tab)) m_tabs->setCurrentIndex(tab);
+    // The panes of each tab as the user last left them.
+    for (QSplitter* panes : m_tabs->findChildren<QSplitter*>()) {
+        const std::string state = settings.read("Window", panes->objectName().toStdString()).value_or("");
+        if (!state.empty()) panes->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
+    }
 }
 
 void Form1::BuildLanguageMenu()
@@ -426,6 +443,8 @@ void Form1::closeEvent(QCloseEvent* event)
     saveShellSettings(m_settings, settings, m_tonesTab->currentFolder());
     settings.WriteSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
     settings.WriteSetting("Window", "Tab", std::to_string(m_tabs->currentIndex()));
+    for (const QSplitter* panes : m_tabs->findChildren<QSplitter*>())
+        settings.WriteSetting("Window", panes->objectName().toStdString(), panes->saveState().toBase64().toStdString());
     m_picturesTab->shutDown();
     m_aboutTab->stopScroller();
     event->accept();

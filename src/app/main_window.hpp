@@ -19,6 +19,7 @@
 #include <vector>
 
 class QAction;
+class QFrame;
 class QLabel;
 class QMenu;
 class QTabWidget;
@@ -113,6 +114,7 @@ private:
     QAction* m_save = nullptr;
     std::array<QMenu*, 5> m_popups{};         // menufile1..5, filled by the tabs
     std::array<QLabel*, 7> m_statusPanels{};  // StatusBar1Panel1..7
+    QFrame* m_toneDetailsLine = nullptr;      // the line before panel 2, shown with it
     tones::TonesTab* m_tonesTab = nullptr;
     strings::StringsTab* m_stringsTab = nullptr;
     pictures::PicturesTab* m_picturesTab = nullptr;

@@ -12,7 +12,11 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <QTreeWidget>
+#include <initializer_list>
+#include <vector>
 #include <string>
 
 namespace zevran::image {
@@ -41,6 +45,43 @@ inline QTreeWidget* reportList(const char* name, const QStringList& headers, QWi
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->header()->setStretchLastSection(true);
     return list;
+}
+
+// The width a text box needs to show `sample` whole in its font, frame and margins included.
+inline int widthForText(const QLineEdit* box, const QString& sample)
+{
+    QStyleOptionFrame option;
+    option.initFrom(box);
+    option.lineWidth = box->hasFrame() ? box->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, box) : 0;
+    const QMargins margins = box->textMargins();
+    // QLineEdit keeps 2 pixels of its own on each side of the text, and one for the cursor.
+    const QSize text(box->fontMetrics().horizontalAdvance(sample) + margins.left() + margins.right() + 5,
+                     box->fontMetrics().height());
+    return box->style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, box).width();
+}
+
+// A text box never narrower than its widest expected content, so no layout cuts it.
+inline void fitToText(QLineEdit* box, const QString& widest) { box->setMinimumWidth(widthForText(box, widest)); }
+
+// Each cell of the given columns carries its own text as its tooltip, so a cell cut
+// by its column shows whole under the pointer; it follows every change of the cell.
+inline void showCellsInToolTips(QTreeWidget* list, std::initializer_list<int> columns)
+{
+    const std::vector<int> shown(columns);
+    auto follow = [list, shown](int first, int last) {
+        for (int row = first; row <= last; ++row)
+            if (QTreeWidgetItem* item = list->topLevelItem(row))
+                for (int column : shown)
+                    if (item->toolTip(column) != item->text(column)) item->setToolTip(column, item->text(column));
+    };
+    QObject::connect(list->model(), &QAbstractItemModel::rowsInserted, list,
+                     [follow](const QModelIndex& parent, int first, int last) {
+                         if (!parent.isValid()) follow(first, last);
+                     });
+    QObject::connect(list->model(), &QAbstractItemModel::dataChanged, list,
+                     [follow](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+                         if (!topLeft.parent().isValid()) follow(topLeft.row(), bottomRight.row());
+                     });
 }
 
 // A command added to a tab's pop-up menu. Its caption comes from the language file

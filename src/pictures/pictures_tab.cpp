@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QPixmap>
 #include <QSlider>
+#include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -35,22 +36,29 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     ListView5 = image::reportList("ListView5",
                                 {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
                                 table);
+    image::showCellsInToolTips(ListView5, {1});
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
     Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
     Text21 = named(new QLineEdit(table), "Text21");
-    Text21->setMaximumWidth(110);
+    // Wide enough for a whole address, so "1000" never shows as "000".
+    image::fitToText(Text21, QStringLiteral("FFFFFFFF"));
+    Text21->setMaximumWidth(std::max(110, Text21->minimumWidth()));
     ProgressBar2 = image::hiddenProgress("ProgressBar2", table);
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
     tableButtons->addWidget(Check1);
     tableButtons->addStretch();
-    tableButtons->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
-    tableButtons->addWidget(Text21);
+    // The offset has a line of its own, so the buttons and it never squeeze each other.
+    auto* offset = new QHBoxLayout;
+    offset->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
+    offset->addWidget(Text21);
+    offset->addStretch();
     auto* tableLayout = new QVBoxLayout(table);
     tableLayout->setContentsMargins(0, 0, 0, 0);
     tableLayout->addLayout(tableButtons);
+    tableLayout->addLayout(offset);
     tableLayout->addWidget(ListView5, 1);
     tableLayout->addWidget(ProgressBar2);
 
@@ -65,6 +73,8 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Text16 = named(new QLineEdit(this), "Text16");
     Text15->setReadOnly(true);
     Text16->setReadOnly(true);
+    image::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
+    image::fitToText(Text16, QStringLiteral("-999"));
     PreviousPicture = named(new QPushButton(this), "PreviousPicture", QStringLiteral("◀"));
     nextpicture = named(new QPushButton(this), "nextpicture", QStringLiteral("▶"));
     PlayPicture = named(new QPushButton(this), "PlayPicture", tr("Play"));
@@ -93,9 +103,16 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     preview->addLayout(steps);
     preview->addWidget(Slider1);
 
+    // The list and the preview share the width as the user drags their splitter.
+    auto* panes = named(new QSplitter(Qt::Horizontal, this), "PicturesSplitter");
+    panes->addWidget(table);
+    panes->addWidget(frame16);
+    panes->setStretchFactor(0, 3);
+    panes->setStretchFactor(1, 2);
+    panes->setSizes({3000, 2000});  // three fifths for the list, until the user drags
+    panes->setChildrenCollapsible(false);
     auto* layout = new QHBoxLayout(this);
-    layout->addWidget(table, 3);
-    layout->addWidget(frame16, 2);
+    layout->addWidget(panes);
 }
 
 using namespace zevran::image;

@@ -72,6 +72,7 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     ListView2 = image::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
+    image::showCellsInToolTips(ListView2, {kText});
     // `Removeone` removes "the selected row": there is never more than one.
     ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
     Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));

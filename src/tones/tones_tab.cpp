@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QSplitter>
 #include <QTreeView>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -45,6 +46,7 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     setObjectName("TonesTab");
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
     ListView4 = reportList("ListView4", {tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")}, frame5);
+    image::showCellsInToolTips(ListView4, {4});
     // The note editor floats over the note cell of the row being edited.
     Text5 = named(new QLineEdit(ListView4->viewport()), "Text5");
     Text5->setVisible(false);
@@ -70,23 +72,38 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     ET1->setModel(folders);
     for (int column = 1; column < folders->columnCount(); ++column) ET1->hideColumn(column);
     ET1->setHeaderHidden(true);
+    connect(folders, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
+        if (m_openedFolder.isEmpty() || currentFolder() != m_openedFolder) return;
+        if (m_openedFolder.startsWith(loaded)) ET1->scrollTo(ET1->currentIndex(), QAbstractItemView::PositionAtCenter);
+    });
     ListView1 = reportList("ListView1", {tr("Name"), tr("Size")}, frame7);
     ListView1->header()->setSectionsClickable(true);
+    auto* folderPanes = named(new QSplitter(Qt::Vertical, frame7), "TonesFolderSplitter");
+    folderPanes->addWidget(ET1);
+    folderPanes->addWidget(ListView1);
+    folderPanes->setChildrenCollapsible(false);
     auto* frame7Layout = new QVBoxLayout(frame7);
-    frame7Layout->addWidget(ET1, 1);
-    frame7Layout->addWidget(ListView1, 1);
+    frame7Layout->addWidget(folderPanes);
 
     auto* frame8 = named(new QGroupBox(this), "Frame8", tr("Replacement plan"));
     ListView3 = reportList("ListView3", {tr("No."), tr("New tone"), tr("Target slot")}, frame8);
+    image::showCellsInToolTips(ListView3, {1, 2});
     auto* frame8Layout = new QVBoxLayout(frame8);
     frame8Layout->addWidget(ListView3);
 
-    auto* layout = new QGridLayout(this);
-    layout->addWidget(frame5, 0, 0, 2, 1);
-    layout->addWidget(frame7, 0, 1);
-    layout->addWidget(frame8, 1, 1);
-    layout->setColumnStretch(0, 3);
-    layout->setColumnStretch(1, 2);
+    // The panes share the tab as the user drags the splitters between them.
+    auto* rightPanes = named(new QSplitter(Qt::Vertical, this), "TonesRightSplitter");
+    rightPanes->addWidget(frame7);
+    rightPanes->addWidget(frame8);
+    rightPanes->setChildrenCollapsible(false);
+    auto* panes = named(new QSplitter(Qt::Horizontal, this), "TonesSplitter");
+    panes->addWidget(frame5);
+    panes->addWidget(rightPanes);
+    panes->setStretchFactor(0, 3);
+    panes->setStretchFactor(1, 2);
+    panes->setChildrenCollapsible(false);
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(panes);
 
     playFile = [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); };
 }
@@ -97,7 +114,10 @@ void TonesTab::setCurrentFolder(const QString& folder)
 {
     const QModelIndex index = folders->index(folder);
     ET1->setCurrentIndex(index);
-    ET1->scrollTo(index);
+    // Expands the folder's parents; their rows arrive later, as each is read, so the
+    // tree scrolls to the folder again after every parent of it has loaded.
+    ET1->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    m_openedFolder = index.isValid() ? folders->filePath(index) : QString();
 }
 
 void TonesTab::attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel)

@@ -108,6 +108,7 @@ private:
     QLabel* m_checkPanel = nullptr;
     QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
     QString m_listedFolder;       // the folder whose files ListView1 lists
+    QString m_openedFolder;       // the folder ET1 was opened at, scrolled to as its parents load
     int m_noteRow = -1;           // the ListView4 row whose note Text5 edits
     bool m_fillingPlan = false;
     int m_fileSortColumn = 0;

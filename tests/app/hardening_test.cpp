@@ -142,6 +142,7 @@ private slots:
         writeBytes(path("phone.bin"), phoneImage());
         m_window->openPhoneFile(path("phone.bin"));
         m_dialogs->files = {"/dev/full"};
+        m_dialogs->chosenFilter = 1;  // "All files": the device's name as it is
         m_window->writeSRecordPatch({{0x10, 0x13, {'N', 'E', 'W', '!'}}});
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY2(m_dialogs->messages[0].text.contains("/dev/full"), qPrintable(m_dialogs->messages[0].text));
