@@ -14,6 +14,7 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <string>
+#include <string_view>
 
 namespace zevran::image {
 
@@ -64,7 +65,7 @@ public:
 };
 
 // The logic speaks UTF-8 in std::string; the window speaks QString.
-inline QString fromUtf8(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+inline QString fromUtf8(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
 {

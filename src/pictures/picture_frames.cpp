@@ -14,10 +14,7 @@ namespace {
 
 std::int64_t wholeNumber(std::string_view cell, std::string_view what)
 {
-    const double value = std::nearbyint(leadingNumber(cell));
-    if (!(std::fabs(value) <= static_cast<double>(std::numeric_limits<std::int32_t>::max())))
-        throw PictureTableError(std::string(what) + " " + std::string(cell) + " does not fit a 32-bit number");
-    return static_cast<std::int64_t>(value);
+    return roundToInt32(leadingNumber(cell), std::string(what) + " " + std::string(cell));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QTreeView>
 #include <QUrl>
@@ -116,6 +117,7 @@ void TonesTab::connectCommands()
     connect(ListView4, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) { editNote(row); });
     connect(ListView4, &QTreeWidget::itemSelectionChanged, this, &TonesTab::showToneCheck);
     connect(Text5, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
+    Text5->installEventFilter(this);
     connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
     connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
@@ -266,10 +268,7 @@ void TonesTab::OpenToneTable_Click()
     }
     showToneRows(table.rows);
     if (table.stoppedAtLine)
-        m_host->showError(QStringLiteral("%1: line %2 has fewer than ten fields; the %3 rows before it were read.")
-                                .arg(path)
-                                .arg(*table.stoppedAtLine)
-                                .arg(table.rows.size()));
+        m_host->showError(m_host->text("ToneTableStopped").arg(path).arg(*table.stoppedAtLine).arg(table.rows.size()));
 }
 
 bool TonesTab::hasSelectedTone() const { return !ListView4->selectedItems().isEmpty(); }
@@ -308,7 +307,7 @@ void TonesTab::exportTones(bool everyRow)
     }
     if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
     if (failure.isEmpty()) m_host->ShowMessage(9);
-    else m_host->showError(failure + " (the tones before it were exported)");
+    else m_host->showError(m_host->text("ToneExportStopped").arg(failure));
     if (everyRow) ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
 }
@@ -333,6 +332,23 @@ void TonesTab::Text5_LostFocus()
     Text5->setVisible(false);
     ListView4->setFocus();
     if (QTreeWidgetItem* item = ListView4->topLevelItem(row)) item->setText(4, Text5->text());
+}
+
+bool TonesTab::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Text5 && event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        cancelNote();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void TonesTab::cancelNote()
+{
+    // Departure: the classic editor committed the note whichever way the edit ended.
+    if (std::exchange(m_noteRow, -1) < 0) return;
+    Text5->setVisible(false);
+    ListView4->setFocus();
 }
 
 void TonesTab::showToneCheck()

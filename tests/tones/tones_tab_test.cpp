@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -328,6 +329,21 @@ private slots:
         QCOMPARE(row->text(4), QString("alarm"));
     }
 
+    void escapeCancelsTheNoteEdit()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        QTreeWidgetItem* row = m_tab->ListView4->topLevelItem(1);
+        row->setText(4, "ring");
+        select(m_tab->ListView4, {1});
+        emit m_tab->ListView4->itemDoubleClicked(row, 0);
+        m_tab->Text5->setText("alarm");
+        QTest::keyClick(m_tab->Text5, Qt::Key_Escape);
+        QVERIFY(m_tab->Text5->isHidden());
+        emit m_tab->Text5->editingFinished();
+        QCOMPARE(row->text(4), QString("ring"));
+    }
+
     void browserListsToneFilesAndSortsByNameOrSizeAsText()
     {
         QDir().mkpath(path("tones"));
@@ -435,14 +451,39 @@ private slots:
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
     }
 
-    void srecordOutputStopsAtATooLargeTone()
+    void srecordOutputWritesNothingWhenAToneIsTooLarge()
     {
         openPhone("phone.bin");
         planTwoPairs();
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
-        QCOMPARE(m_dialogs->codes(), (std::vector<int>{10, 12}));
-        QCOMPARE(readBytes(path("patch.s3")), patchFile({{0x100, padded(QByteArray(120, 'A'), 160)}}));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
+        QCOMPARE(m_dialogs->messages[0].text, QString("Too large.\nRow 002 of the plan: c.mmf 300 ") + QString::fromUtf8("字节") +
+                                                  " does not fit its slot. Nothing was written.");
+        QVERIFY(!QFileInfo::exists(path("patch.s3")));
+    }
+
+    void cancelledSaveDialogEndsTheToneOutputSilently()
+    {
+        openPhone("phone.bin");
+        planTwoPairs();
+        m_dialogs->files = {""};
+        action("outputs3")->trigger();
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void emptySlotMessageComesAfterTheSaveDialog()
+    {
+        openPhone("phone.bin");
+        planTwoPairs();
+        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        // An empty tone into a slot of 0 bytes (a hand-made table): sizes pass, the slot is empty.
+        m_tab->ListView3->topLevelItem(0)->setText(1, QString::fromUtf8("a.mmf 0 字节"));
+        m_tab->ListView3->topLevelItem(0)->setText(2, "001 0x00000100 - 0x0000019F 0 ");
+        m_dialogs->files = {path("patch.s3")};
+        action("outputs3")->trigger();
+        QCOMPARE(m_dialogs->asked.size(), 1);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{1});
     }
 
     void imageOutputPatchesTheImageAndEnablesSave()
@@ -459,13 +500,14 @@ private slots:
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());
     }
 
-    void imageOutputStopsAtATooLargeToneWithoutTheDoneMessage()
+    void imageOutputChangesNothingWhenAToneIsTooLarge()
     {
         openPhone("phone.asf");
         planTwoPairs();
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
-        QCOMPARE(static_cast<char>(m_window->imageState().FirmwareImage[0x100]), 'A');
+        QCOMPARE(static_cast<char>(m_window->imageState().FirmwareImage[0x100]), 'M');
+        QVERIFY(!action("Save")->isEnabled());
     }
 
     void imageOutputWithNothingCheckedShowsMessage11()
