@@ -30,6 +30,13 @@ FrameGeometry frameGeometry(const PictureEntry& row)
     return geometry;
 }
 
+bool frameRunsPastImage(const FrameGeometry& geometry, std::int64_t address, std::size_t imageSize)
+{
+    // The pixels the decoder reads: width x height at `depth` bits each, whole bytes.
+    const double bytes = std::ceil(static_cast<double>(geometry.width) * geometry.height * geometry.depth / 8);
+    return address < 0 || static_cast<double>(address) + bytes > static_cast<double>(imageSize);
+}
+
 std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k) { return geometry.start + k * geometry.frameSize; }
 
 std::string pictureFramePath(std::string_view folder, std::string_view name, std::int64_t frameIndex)

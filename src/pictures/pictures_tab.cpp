@@ -308,7 +308,11 @@ QString PicturesTab::showFrame(const std::string& path)
         Text16->setText(fromUtf8(frameOrdinalText(m_frame)));
         // Stepping past the last frame stays allowed; the count says where it has led.
         const bool pastLast = m_frame < 0 || m_frame >= geometry.frames;
-        FrameCount->setText(m_host->text(pastLast ? "FrameBeyond" : "FrameOf").arg(geometry.frames));
+        QString count = m_host->text(pastLast ? "FrameBeyond" : "FrameOf").arg(geometry.frames);
+        // Bytes past the image's end decode as black: the preview says why it is dark.
+        if (frameRunsPastImage(geometry, address, m_host->imageState().FirmwareImage.size()))
+            count += "  " + m_host->text("FramePastImageEnd");
+        FrameCount->setText(count);
         // A refused depth leaves the picture on show as it was.
         if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
             showWrongFormat();
@@ -494,6 +498,8 @@ void PicturesTab::exportPictures(bool selectedOnly)
         rowsWhere([selectedOnly](const QTreeWidgetItem* item) { return !selectedOnly || item->isSelected(); });
     const std::string target = folder.toStdString();
     QString failure;
+    int written = 0;
+    QStringList skipped;  // rows whose depth cannot be written as BMP
     {
         Work work(*this);
         if (!selectedOnly) {
@@ -515,8 +521,12 @@ void PicturesTab::exportPictures(bool selectedOnly)
                     // Fetched each frame: a phone file opened meanwhile replaces the image.
                     if (!DecodePictureFrame(m_host->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
                                             geometry.width, geometry.height,
-                                            geometry.depth, colours))
+                                            geometry.depth, colours)) {
                         showWrongFormat();
+                        if (!skipped.contains(fromUtf8(row.number))) skipped << fromUtf8(row.number);
+                    } else {
+                        ++written;
+                    }
                     if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
                     QApplication::processEvents();
                 }
@@ -528,8 +538,10 @@ void PicturesTab::exportPictures(bool selectedOnly)
     }
     ProgressBar2->setVisible(false);
     ProgressBar2->reset();
-    if (!failure.isEmpty()) m_host->showError(failure);
-    else m_host->ShowMessage(18);
+    QString counted = m_host->text("FilesWritten").arg(written);
+    if (!skipped.isEmpty()) counted += "\n" + m_host->text("RowsSkipped").arg(skipped.join(", "));
+    if (!failure.isEmpty()) m_host->showError(failure + "\n" + counted);
+    else m_host->showMessageWith(18, counted);
 }
 
 // The bytes of every checked row, all frames together, as one S-record patch file at

@@ -58,6 +58,8 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     buttons->addWidget(OpenToneTable);
     buttons->addWidget(SaveToneTable);
     buttons->addStretch();
+    ToneCount = named(new QLabel(frame5), "ToneCount");
+    buttons->addWidget(ToneCount);
     auto* frame5Layout = new QVBoxLayout(frame5);
     frame5Layout->addLayout(buttons);
     frame5Layout->addWidget(ListView4, 1);
@@ -226,6 +228,7 @@ void TonesTab::GetTone_Click()
         rows = scanTones(image, [this](std::int32_t at) { ProgressBar1->setValue(std::max(1, at)); });
     }
     showToneRows(rows);
+    ToneCount->setText(m_host->text("TonesFound").arg(rows.size()));
     QCoreApplication::processEvents();
     ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
@@ -288,6 +291,7 @@ void TonesTab::exportTones(bool everyRow)
     m_host->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
+    int written = 0;
     for (std::size_t i = 0; i < rows.size(); ++i) selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
@@ -298,7 +302,8 @@ void TonesTab::exportTones(bool everyRow)
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
         tones::exportTones(m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
-                           picked.toStdString(), [this](std::size_t i) {
+                           picked.toStdString(), [&](std::size_t i) {
+                               if (everyRow || selected[i]) ++written;
                                QCoreApplication::processEvents();
                                ProgressBar1->setValue(static_cast<int>(i) + 1);
                            });
@@ -306,8 +311,9 @@ void TonesTab::exportTones(bool everyRow)
         failure = QString::fromUtf8(error.what());
     }
     if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
-    if (failure.isEmpty()) m_host->ShowMessage(9);
-    else m_host->showError(m_host->text("ToneExportStopped").arg(failure));
+    const QString counted = m_host->text("FilesWritten").arg(written);
+    if (failure.isEmpty()) m_host->showMessageWith(9, counted);
+    else m_host->showError(m_host->text("ToneExportStopped").arg(failure) + "\n" + counted);
     if (everyRow) ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
 }

@@ -47,6 +47,7 @@ public:
     QPushButton* SaveToneTable;
     QPushButton* OpenToneTable;
     QProgressBar* ProgressBar1;
+    QLabel* ToneCount;       // how many tones the last scan found
 
     // The folder shown by the folder tree, remembered as "mmf File Path".
     QString currentFolder() const;

@@ -205,6 +205,18 @@ private slots:
         QVERIFY(m_dialogs->messages.empty());
     }
 
+    void frameRunningPastTheImagesEndSaysSo()
+    {
+        startWindow("phone.bin");
+        openTable(line("001", "tail", "00003FFA", "1", "12", "2*2", "24"));
+        clickRow(0);
+        QCOMPARE(m_tab->FrameCount->text(),
+                 QString("of 1  (the frame runs past the end of the image: the missing bytes show black)"));
+        openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24"));
+        clickRow(0);
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
+    }
+
     void nextAndPreviousStepPastEitherEnd()
     {
         startWindow("phone.bin");

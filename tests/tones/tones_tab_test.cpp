@@ -182,6 +182,7 @@ private slots:
         const QStringList expected{"001|0x00000100|0x0000019F|160|", "002|0x00000500|0x00000564|101|",
                                    "003|0x00001234|0x00001333|256|"};
         QCOMPARE(rowTexts(m_tab->ListView4), expected);
+        QCOMPARE(m_tab->ToneCount->text(), QString("3 tones found"));
         QVERIFY(!m_tab->ProgressBar1->isVisible());
         QCOMPARE(m_tab->ProgressBar1->value(), 1);
         m_tab->GetTone->click();
@@ -261,6 +262,7 @@ private slots:
         m_dialogs->files = {path("out/ring.mmf")};
         action("outputselect")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{9});
+        QCOMPARE(m_dialogs->messages[0].text, QString("Exported.\nFiles written: 2"));
         const QByteArray image = phoneImage();
         QCOMPARE(readBytes(path("out/ring-001.mmf")), image.mid(0x100, 160) + QByteArray(40, 'Z'));
         QCOMPARE(readBytes(path("out/ring-003.mmf")), image.mid(0x1234, 256));
