@@ -1,5 +1,6 @@
 #include "about_tab.hpp"
 
+#include "image/tab_host.hpp"
 #include "image/widget_helpers.hpp"
 
 #include <QEvent>
@@ -25,6 +26,7 @@ const char* const kAboutText[AboutTab::kLines] = {
 AboutTab::AboutTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("AboutTab");
+    for (const char* line : kAboutText) m_credits << QString::fromUtf8(line);
     auto* description = named(new QLabel(this), "Label15", tr("A workshop for the firmware image of a handset"));
     auto* frame3 = named(new QGroupBox(this), "Frame3");
     Label16 = named(new QLabel(frame3), "Label16", tr("Home page"));
@@ -51,7 +53,7 @@ void AboutTab::startScroller()
     stopScroller();
     Text6->setText(QStringLiteral("0"));
     for (int i = 0; i < kLines; ++i) {
-        auto* line = new QLabel(QString::fromUtf8(kAboutText[i]), Picture1);
+        auto* line = new QLabel(m_credits[i], Picture1);
         line->setObjectName("Label1");
         line->adjustSize();
         line->show();
@@ -59,6 +61,13 @@ void AboutTab::startScroller()
     }
     placeLines(0);
     Timer1->start();
+}
+
+void AboutTab::applyTexts(const image::TabHost& host)
+{
+    Label16->setText(host.text("HomePageLink"));
+    for (int i = 0; i < kLines; ++i)
+        if (kAboutText[i][0] != '\0') m_credits[i] = host.text("AboutLine" + std::to_string(i + 1));
 }
 
 void AboutTab::stopScroller()

@@ -1,12 +1,15 @@
 // The about tab: a description, the home-page link and the scrolling credits.
 #pragma once
 
+#include <QStringList>
 #include <QWidget>
 #include <vector>
 
 class QLabel;
 class QLineEdit;
 class QTimer;
+
+namespace zevran::image { class TabHost; }
 
 namespace zevran::app {
 
@@ -23,6 +26,9 @@ public:
     void startScroller();
     void stopScroller();
     void Timer1_Timer();  // one step: up by 50 twips, lines 400 twips apart
+    // The home-page link and the credits in the current language: line N from the key
+    // "AboutLineN" of [Zevran]; the blank lines between the credits stay blank.
+    void applyTexts(const image::TabHost& host);
 
     QLabel* Label16;    // home-page link
     QWidget* Picture1;  // scroll area
@@ -38,6 +44,8 @@ protected:
 
 private:
     void placeLines(int offsetTwips);
+
+    QStringList m_credits;
 };
 
 }  // namespace zevran::app

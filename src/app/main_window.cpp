@@ -154,21 +154,21 @@ QAction* Form1::addLanguageItem(int index, const QString& caption)
 
 void Form1::buildToolBar()
 {
-    auto* bar = addToolBar(tr("Tools"));
+    auto* bar = m_toolBar = addToolBar(tr("Tools"));
     bar->setObjectName("Toolbar1");
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    QAction* open = bar->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("Open"));
-    open->setObjectName("Open");
-    connect(open, &QAction::triggered, this, &Form1::menuopen_Click);
+    m_openTool = bar->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("Open"));
+    m_openTool->setObjectName("Open");
+    connect(m_openTool, &QAction::triggered, this, &Form1::menuopen_Click);
     m_save = bar->addAction(style()->standardIcon(QStyle::SP_DialogSaveButton), tr("Save"));
     m_save->setObjectName("Save");
     m_save->setShortcut(QKeySequence::Save);
     m_save->setEnabled(false);
     connect(m_save, &QAction::triggered, this, [this] { Saveaxf(true); });
-    QAction* exit = bar->addAction(style()->standardIcon(QStyle::SP_DialogCloseButton), tr("Exit"));
-    exit->setObjectName("Exit");
-    connect(exit, &QAction::triggered, this, &QWidget::close);
+    m_exitTool = bar->addAction(style()->standardIcon(QStyle::SP_DialogCloseButton), tr("Exit"));
+    m_exitTool->setObjectName("Exit");
+    connect(m_exitTool, &QAction::triggered, this, &QWidget::close);
 }
 
 void Form1::buildStatusBar()
@@ -226,6 +226,11 @@ void Form1::BuildLanguageMenu()
     QStringList files;
     for (const std::string& name : languageFileNames(m_folders)) files.append(QString::fromStdString(name));
     if (files.isEmpty()) return;
+    // Departure: a first run stores the bare name, which the classic second start
+    // applied as a new, empty file, leaving a window without a caption. The bare name
+    // now reads as its ".ini" file where that file exists.
+    if (!m_settings.Language.isEmpty() && !m_settings.Language.endsWith(".ini") && files.contains(m_settings.Language + ".ini"))
+        m_settings.Language += ".ini";
     for (int i = 0; i < files.size(); ++i) {
         QAction* item = i == 0 ? m_languageItems[0] : addLanguageItem(i + 1, QString());
         item->setText(files[i].left(files[i].size() - 4));
@@ -244,7 +249,26 @@ void Form1::applyLanguage(const QString& name)
 {
     const LanguageFile file = findLanguageFile(m_folders, name.toStdString());
     ApplyLanguage(this, file.path, m_texts, m_codePage, file.writeBack);
+    // The language's "no file" texts replace the panels: an open file is named again.
+    if (!m_openFileName.isEmpty()) {
+        m_statusPanels[5]->setText(m_openFileName);
+        m_statusPanels[3]->setText(m_openVersion);
+    }
     m_workshopTexts.load(file.path, findLanguageFile(m_folders, "English.ini").path, m_codePage);
+    applyWorkshopTexts();
+}
+
+void Form1::applyWorkshopTexts()
+{
+    m_toolBar->setWindowTitle(text("ToolBarName"));
+    m_openTool->setText(text("ToolOpen"));
+    m_save->setText(text("ToolSave"));
+    m_exitTool->setText(text("ToolExit"));
+    m_aboutTab->applyTexts(*this);
+    m_tonesTab->showToneCheck();
+    m_picturesTab->applyTexts();
+    m_stringsTab->applyTexts();
+    m_converterTab->applyTexts();
 }
 
 void Form1::languagNum_Click(int index)
@@ -252,21 +276,29 @@ void Form1::languagNum_Click(int index)
     m_settings.Language = m_languageItems[static_cast<std::size_t>(index - 1)]->text() + ".ini";
     applyLanguage(m_settings.Language);
     for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
-    m_tonesTab->showToneCheck();
 }
 
-void Form1::ShowMessage(int code)
+void Form1::ShowMessage(int code) { showMessageWith(code, QString()); }
+
+void Form1::showMessageWith(int code, const QString& detail)
 {
     const auto style = image::messageStyle(code);
     if (!style) return;
     const MessageKind kind = style->icon == image::MessageIcon::Stop        ? MessageKind::Critical
                              : style->icon == image::MessageIcon::Exclamation ? MessageKind::Warning
                                                                               : MessageKind::Information;
-    m_dialogs->message(code, kind, m_texts.MsgTitle[static_cast<std::size_t>(style->titleNumber)],
-                       m_texts.MsgStr[static_cast<std::size_t>(code)]);
+    QString text = m_texts.MsgStr[static_cast<std::size_t>(code)];
+    if (!detail.isEmpty()) text += (text.isEmpty() ? "" : "\n") + detail;
+    m_dialogs->message(code, kind, m_texts.MsgTitle[static_cast<std::size_t>(style->titleNumber)], text);
 }
 
 void Form1::showError(const QString& text) { m_dialogs->message(0, MessageKind::Critical, m_texts.MsgTitle[1], text); }
+
+void Form1::showInformation(const QString& text)
+{
+    const auto style = image::messageStyle(10);
+    m_dialogs->message(0, MessageKind::Information, m_texts.MsgTitle[static_cast<std::size_t>(style ? style->titleNumber : 2)], text);
+}
 
 void Form1::menuopen_Click()
 {
@@ -315,8 +347,10 @@ void Form1::openPhoneFile(const QString& path)
         showError(path + ": " + QString::fromUtf8(error.what()));
         return;
     }
-    m_statusPanels[5]->setText(fromUtf8(image::FileNameOf(file)));
-    m_statusPanels[3]->setText(version);
+    m_openFileName = fromUtf8(image::FileNameOf(file));
+    m_openVersion = version;
+    m_statusPanels[5]->setText(m_openFileName);
+    m_statusPanels[3]->setText(m_openVersion);
     m_tabs->setTabEnabled(1, true);
     m_tabs->setTabEnabled(2, true);
     m_image.FileKind = image::classifyPhoneFile(file);
@@ -358,9 +392,20 @@ bool Form1::Saveaxf(bool showDone)
 void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 {
     if (!takesSRecordPatch() || regions.empty()) return;
+    const QString path = chooseSRecordPatchPath();
+    if (!path.isEmpty()) writeSRecordPatchTo(path, regions);
+}
+
+QString Form1::chooseSRecordPatchPath()
+{
     const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
-    if (path.isEmpty()) return;
-    m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    if (!path.isEmpty()) m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
+    return path;
+}
+
+void Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions)
+{
+    if (!takesSRecordPatch() || regions.empty()) return;
     try {
         BusyPointer busy;
         image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
@@ -385,8 +430,7 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
     // Even a region cut at the image's end changed the bytes before it.
     m_save->setEnabled(true);
     if (!whole) {
-        showError(QStringLiteral("A change reaches past the end of the image (%1 bytes): only the bytes up to the end were changed.")
-                      .arg(m_image.FirmwareImage.size()));
+        showError(text("PatchPastEnd").arg(m_image.FirmwareImage.size()));
         return;
     }
     if (showDone) ShowMessage(13);
@@ -394,8 +438,8 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
 
 QString Form1::BrowseForFolder()
 {
-    // The prompt is the same in every language: it never came from the language files.
-    QString folder = m_dialogs->chooseFolder(QStringLiteral("请选择软件安装路径："));
+    // The prompt was the same in every language; a language file may now translate it.
+    QString folder = m_dialogs->chooseFolder(fixedText("FolderPrompt", "请选择软件安装路径："));
     if (!folder.isEmpty() && !folder.endsWith('/')) folder += '/';
     return folder;
 }

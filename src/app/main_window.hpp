@@ -23,6 +23,7 @@ class QFrame;
 class QLabel;
 class QMenu;
 class QTabWidget;
+class QToolBar;
 
 namespace zevran::tones { class TonesTab; }
 namespace zevran::strings { class StringsTab; }
@@ -59,13 +60,21 @@ public:
     std::string codePage() const override { return m_codePage; }
     QString filter(int number) const override;
     void ShowMessage(int code) override;
+    void showMessageWith(int code, const QString& detail) override;
     void showError(const QString& text) override;
+    void showInformation(const QString& text) override;
     const image::InterfaceTexts& texts() const override { return m_texts; }
     QString text(std::string_view key) const override { return m_workshopTexts.text(key); }
+    QString fixedText(std::string_view key, std::string_view designText) const override
+    {
+        return m_workshopTexts.fixedText(key, designText);
+    }
     bool mayClose() const override { return m_mayClose; }
     void setMayClose(bool mayClose) override { m_mayClose = mayClose; }
     QString BrowseForFolder() override;
     void writeSRecordPatch(const std::vector<image::Region>& regions) override;
+    QString chooseSRecordPatchPath() override;
+    void writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions) override;
     void patchInImage(const std::vector<image::Region>& regions, bool showDone = true) override;
     bool takesSRecordPatch() const override { return m_image.FileKind == "bin"; }
     bool takesInImagePatch() const override { return m_image.FileKind == "asf"; }
@@ -94,6 +103,8 @@ private:
     void BuildLanguageMenu();
     // Applies the language file `name` of the program folder's language folder.
     void applyLanguage(const QString& name);
+    // The workshop's own texts of the window and every tab, after a language is applied.
+    void applyWorkshopTexts();
     QAction* addLanguageItem(int index, const QString& caption);
     void setBusy(bool busy);
     void enableOutputsForKind();
@@ -108,10 +119,15 @@ private:
     ShellSettings m_settings;
     std::string m_codePage;
     bool m_mayClose = true;
+    QString m_openFileName;  // the open phone file's name and version, as the status bar shows them
+    QString m_openVersion;
     QMenu* m_languageMenu = nullptr;
     std::vector<QAction*> m_languageItems;
     QTabWidget* m_tabs = nullptr;
+    QToolBar* m_toolBar = nullptr;
+    QAction* m_openTool = nullptr;
     QAction* m_save = nullptr;
+    QAction* m_exitTool = nullptr;
     std::array<QMenu*, 5> m_popups{};         // menufile1..5, filled by the tabs
     std::array<QLabel*, 7> m_statusPanels{};  // StatusBar1Panel1..7
     QFrame* m_toneDetailsLine = nullptr;      // the line before panel 2, shown with it

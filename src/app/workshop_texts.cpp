@@ -45,4 +45,11 @@ QString WorkshopTexts::text(std::string_view key) const
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
+QString WorkshopTexts::fixedText(std::string_view key, std::string_view designText) const
+{
+    const auto value = readProfileValue(m_language, kWorkshopSection, key);
+    if (value && !value->empty()) return decodeLanguageValue(*value, m_languageUtf8, m_codePage);
+    return QString::fromUtf8(designText.data(), static_cast<qsizetype>(designText.size()));
+}
+
 }  // namespace zevran::app

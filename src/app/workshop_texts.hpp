@@ -25,6 +25,9 @@ public:
     // empty, the shipped English file's, then the built-in English one; the key
     // itself when none has it, so a forgotten key shows rather than a blank.
     QString text(std::string_view key) const;
+    // The value of `key` in [Zevran] of the language file, else `designText` (UTF-8):
+    // a text shown the same in every language unless a file translates it.
+    QString fixedText(std::string_view key, std::string_view designText) const;
 
 private:
     std::string m_language;

@@ -4,6 +4,7 @@
 #include "file_io.hpp"
 #include "hex_text.hpp"
 #include "tab_host.hpp"
+#include "temporary_output.hpp"
 #include "widget_helpers.hpp"
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QGridLayout>
 #include <QVBoxLayout>
 #include <fstream>
+#include <optional>
 
 namespace zevran::image {
 
@@ -28,6 +30,8 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     s3Modes->addButton(AllAdd);
     s3Modes->addButton(PartAdd);
     Text3 = named(new QLineEdit(frame18), "Text3", QStringLiteral("FF"));
+    BinOutput = named(new QLineEdit(frame18), "BinOutput");
+    BinOutputLabel = named(new QLabel(frame18), "BinOutputLabel", tr("Output:"));
     Text2 = named(new QLineEdit(frame18), "Text2");
     Text2->setReadOnly(true);
     ComS3ToBin = named(new QPushButton(frame18), "ComS3ToBin", QStringLiteral("s3->bin"));
@@ -35,17 +39,21 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     auto* s3Layout = new QGridLayout(frame18);
     s3Layout->addWidget(OpenS3File, 0, 0);
     s3Layout->addWidget(Text1, 0, 1, 1, 3);
-    s3Layout->addWidget(AllAdd, 1, 0);
-    s3Layout->addWidget(named(new QLabel(frame18), "Label2", tr("Fill byte:")), 1, 1);
-    s3Layout->addWidget(Text3, 1, 2);
-    s3Layout->addWidget(PartAdd, 2, 0);
-    s3Layout->addWidget(Text2, 3, 0, 1, 3);
-    s3Layout->addWidget(ComS3ToBin, 3, 3);
-    s3Layout->addWidget(ProgressBar3, 4, 0, 1, 4);
+    s3Layout->addWidget(BinOutputLabel, 1, 0);
+    s3Layout->addWidget(BinOutput, 1, 1, 1, 3);
+    s3Layout->addWidget(AllAdd, 2, 0);
+    s3Layout->addWidget(named(new QLabel(frame18), "Label2", tr("Fill byte:")), 2, 1);
+    s3Layout->addWidget(Text3, 2, 2);
+    s3Layout->addWidget(PartAdd, 3, 0);
+    s3Layout->addWidget(Text2, 4, 0, 1, 3);
+    s3Layout->addWidget(ComS3ToBin, 4, 3);
+    s3Layout->addWidget(ProgressBar3, 5, 0, 1, 4);
 
     auto* frame19 = named(new QGroupBox(this), "Frame19", tr("Binary to S-record"));
     OpenBinFile = named(new QPushButton(frame19), "OpenBinFile", tr("Binary file..."));
     Text19 = named(new QLineEdit(frame19), "Text19");
+    S3Output = named(new QLineEdit(frame19), "S3Output");
+    S3OutputLabel = named(new QLabel(frame19), "S3OutputLabel", tr("Output:"));
     AllAddressOption = named(new QRadioButton(frame19), "AllAddressOption", tr("Whole file"));
     PartAddressOption = named(new QRadioButton(frame19), "PartAddressOption", tr("File at a range"));
     FillDataOption = named(new QRadioButton(frame19), "FillDataOption", tr("Fill bytes only"));
@@ -59,16 +67,18 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     auto* binLayout = new QGridLayout(frame19);
     binLayout->addWidget(OpenBinFile, 0, 0);
     binLayout->addWidget(Text19, 0, 1, 1, 3);
-    binLayout->addWidget(AllAddressOption, 1, 0);
-    binLayout->addWidget(PartAddressOption, 2, 0);
-    binLayout->addWidget(FillDataOption, 3, 0);
-    binLayout->addWidget(named(new QLabel(frame19), "Label35", tr("Start:")), 1, 1);
-    binLayout->addWidget(Text18, 1, 2);
-    binLayout->addWidget(named(new QLabel(frame19), "Label36", tr("End:")), 2, 1);
-    binLayout->addWidget(Text17, 2, 2);
-    binLayout->addWidget(named(new QLabel(frame19), "Label37", tr("Fill byte:")), 3, 1);
-    binLayout->addWidget(Text20, 3, 2);
-    binLayout->addWidget(ComBinToS3, 3, 3);
+    binLayout->addWidget(S3OutputLabel, 1, 0);
+    binLayout->addWidget(S3Output, 1, 1, 1, 3);
+    binLayout->addWidget(AllAddressOption, 2, 0);
+    binLayout->addWidget(PartAddressOption, 3, 0);
+    binLayout->addWidget(FillDataOption, 4, 0);
+    binLayout->addWidget(named(new QLabel(frame19), "Label35", tr("Start:")), 2, 1);
+    binLayout->addWidget(Text18, 2, 2);
+    binLayout->addWidget(named(new QLabel(frame19), "Label36", tr("End:")), 3, 1);
+    binLayout->addWidget(Text17, 3, 2);
+    binLayout->addWidget(named(new QLabel(frame19), "Label37", tr("Fill byte:")), 4, 1);
+    binLayout->addWidget(Text20, 4, 2);
+    binLayout->addWidget(ComBinToS3, 4, 3);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(frame18);
@@ -92,9 +102,23 @@ void ConverterTab::attach(TabHost& host)
     connect(OpenBinFile, &QPushButton::clicked, this, &ConverterTab::OpenBinFile_Click);
     connect(ComS3ToBin, &QPushButton::clicked, this, &ConverterTab::ComS3ToBin_Click);
     connect(ComBinToS3, &QPushButton::clicked, this, &ConverterTab::ComBinToS3_Click);
+    // Each output is shown beside its input, where it goes unless the user changes it.
+    connect(Text1, &QLineEdit::textChanged, this, [this](const QString& input) {
+        BinOutput->setText(input.isEmpty() ? QString() : QString::fromStdString(convertedOutputPath(input.toStdString(), ".bin")));
+    });
+    connect(Text19, &QLineEdit::textChanged, this, [this](const QString& input) {
+        S3Output->setText(input.isEmpty() ? QString() : QString::fromStdString(convertedOutputPath(input.toStdString(), ".s3")));
+    });
     for (QRadioButton* option : {AllAdd, PartAdd, AllAddressOption, PartAddressOption, FillDataOption})
         connect(option, &QRadioButton::toggled, this, &ConverterTab::updateEnabled);
     updateEnabled();
+}
+
+void ConverterTab::applyTexts()
+{
+    ProgressBar3->setFormat(m_host->text("ConvertProgress"));
+    BinOutputLabel->setText(m_host->text("ConvertOutput"));
+    S3OutputLabel->setText(m_host->text("ConvertOutput"));
 }
 
 void ConverterTab::updateEnabled()
@@ -102,6 +126,7 @@ void ConverterTab::updateEnabled()
     const bool fill = AllAdd->isChecked();
     Text3->setEnabled(fill);
     if (auto* label = findChild<QLabel*>("Label2")) label->setEnabled(fill);
+    S3Output->setEnabled(!FillDataOption->isChecked());
     const bool range = !AllAddressOption->isChecked();
     for (QWidget* control : std::initializer_list<QWidget*>{Text18, Text17, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
         if (control) control->setEnabled(range);
@@ -126,7 +151,7 @@ void ConverterTab::OpenBinFile_Click()
 void ConverterTab::ComS3ToBin_Click()
 {
     if (m_converting) {
-        // Honoured after the current slice: files closed, partial output kept.
+        // Honoured after the current slice: the partial output is removed.
         m_stopRequested = true;
         ComS3ToBin->setText(QStringLiteral("s3->bin"));
         return;
@@ -138,14 +163,29 @@ void ConverterTab::ComS3ToBin_Click()
     convertS3ToBin();
 }
 
+bool ConverterTab::mayWrite(const std::string& output)
+{
+    // Departure: the classic converter replaced an existing file without a word.
+    if (!QFileInfo::exists(QString::fromStdString(output))) return true;
+    return m_host->dialogs().askYesNoCancel(m_host->text("ReplaceFileTitle"),
+                                            m_host->text("ReplaceFile").arg(QString::fromStdString(output))) ==
+           Answer::Yes;
+}
+
+std::string ConverterTab::outputOf(const QLineEdit* box, const QLineEdit* input, const char* extension) const
+{
+    const QString chosen = box->text().trimmed();
+    return chosen.isEmpty() ? convertedOutputPath(input->text().toStdString(), extension) : chosen.toStdString();
+}
+
 void ConverterTab::convertS3ToBin()
 {
     const std::string input = Text1->text().toStdString();
-    const std::string output = convertedOutputPath(input, ".bin");
+    const std::string output = outputOf(BinOutput, Text1, ".bin");
     S3ToBinOptions options;
     options.mode = AllAdd->isChecked() ? S3ToBinMode::FullAddress : S3ToBinMode::DataOnly;
     std::ifstream in;
-    std::ofstream out;
+    std::optional<TemporaryOutput> out;
     try {
         options.fill = fillByteFromText(Text3->text().toStdString());
         // A named pipe would hold the window until something wrote to it.
@@ -153,7 +193,10 @@ void ConverterTab::convertS3ToBin()
         in = openInputFile(input);
         refuseSameFile(input, output);
         refusePhoneFile(m_host->imageState().FirmwarePath, output);
-        out = openOutputFile(output);
+        if (!mayWrite(output)) return;
+        // Departure: the bytes go to a temporary file renamed over the output when
+        // done, so a stop or a failure leaves an existing file as it was.
+        out.emplace(output, kConvertingMarker);
     } catch (const std::exception& error) {
         m_host->showError(QString::fromUtf8(error.what()));
         return;
@@ -164,7 +207,7 @@ void ConverterTab::convertS3ToBin()
     ProgressBar3->setRange(0, std::max(1, kibibytes(QFileInfo(Text1->text()).size())));
     ProgressBar3->setValue(0);
     ProgressBar3->setVisible(true);
-    SRecordToBinary converter(in, out, options);
+    SRecordToBinary converter(in, out->stream(), options);
     QString failure;
     try {
         while (!m_stopRequested && converter.convertSome(kSliceBytes)) {
@@ -175,20 +218,25 @@ void ConverterTab::convertS3ToBin()
         if (!m_stopRequested) {
             Text2->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
             ProgressBar3->setValue(ProgressBar3->maximum());
+            converter.flush();
+            out->commit();
         }
-        converter.flush();
     } catch (const OutputWriteError& error) {
         failure = QString::fromStdString(output) + ": " + QString::fromUtf8(error.what());
+    } catch (const FileError& error) {
+        failure = QString::fromUtf8(error.what());
     } catch (const std::exception& error) {
         failure = QString::fromStdString(input) + ": " + QString::fromUtf8(error.what());
     }
-    out.close();
+    out.reset();  // an output not committed is removed here
     m_converting = false;
     ProgressBar3->setVisible(false);
     ProgressBar3->reset();
     ComS3ToBin->setText(QStringLiteral("s3->bin"));
-    if (!failure.isEmpty()) m_host->showError(failure + " (the output so far stays in " + QString::fromStdString(output) + ")");
-    else if (!m_stopRequested) m_host->ShowMessage(10);
+    const QString outputName = QString::fromStdString(output);
+    if (!failure.isEmpty()) m_host->showError(m_host->text("ConvertFailed").arg(failure, outputName));
+    else if (m_stopRequested) m_host->showInformation(m_host->text("ConvertStopped").arg(outputName));
+    else m_host->showInformation(m_host->text("BinWritten").arg(outputName));
 }
 
 void ConverterTab::ComBinToS3_Click()
@@ -217,7 +265,7 @@ void ConverterTab::ComBinToS3_Click()
         } else {
             requireRegularFile(fields.inputPath);
             in = openInputFile(fields.inputPath);
-            output = convertedOutputPath(fields.inputPath, ".s3");
+            output = outputOf(S3Output, Text19, ".s3");
             refuseSameFile(fields.inputPath, output);
         }
         if (fields.mode == BinToS3Mode::WholeFile) {
@@ -225,11 +273,14 @@ void ConverterTab::ComBinToS3_Click()
             check.end = wholeFileLastAddress(fields.inputPath);
         }
         refusePhoneFile(m_host->imageState().FirmwarePath, output);
-        std::ofstream out = openOutputFile(output);
+        // The save dialog of the fill-only mode has asked already.
+        if (fields.mode != BinToS3Mode::FillOnly && !mayWrite(output)) return;
+        TemporaryOutput out(output, kConvertingMarker);
         withOutputName(output, [&] {
-            binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out, check.start, check.end, check.fill);
+            binaryToSRecord(fields.mode == BinToS3Mode::FillOnly ? nullptr : &in, out.stream(), check.start, check.end,
+                            check.fill);
         });
-        closeOutputFile(out, output);
+        out.commit();
     } catch (const std::exception& error) {
         m_host->showError(QString::fromUtf8(error.what()));
         return;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QWidget>
+#include <string>
 
+class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
@@ -25,9 +27,13 @@ public:
     void ComS3ToBin_Click();
     void ComBinToS3_Click();
     bool converting() const { return m_converting; }
+    // The progress bar's text in the current language.
+    void applyTexts();
 
     QPushButton* OpenS3File;
     QLineEdit* Text1;   // S-record input
+    QLineEdit* BinOutput;  // its output: beside the input unless changed
+    QLabel* BinOutputLabel;
     QRadioButton* AllAdd;
     QRadioButton* PartAdd;
     QLineEdit* Text3;   // fill byte of the full-address mode
@@ -36,6 +42,8 @@ public:
     QProgressBar* ProgressBar3;
     QPushButton* OpenBinFile;
     QLineEdit* Text19;  // binary input
+    QLineEdit* S3Output;   // its output: beside the input unless changed
+    QLabel* S3OutputLabel;
     QRadioButton* AllAddressOption;
     QRadioButton* PartAddressOption;
     QRadioButton* FillDataOption;
@@ -47,6 +55,10 @@ public:
 private:
     void updateEnabled();
     void convertS3ToBin();
+    // True when `output` does not exist yet or the user agrees to replace it.
+    bool mayWrite(const std::string& output);
+    // The output box's path, or the input's name with `extension` when the box is empty.
+    std::string outputOf(const QLineEdit* box, const QLineEdit* input, const char* extension) const;
 
     TabHost* m_host = nullptr;
     bool m_converting = false;

@@ -1,5 +1,7 @@
 #include "file_io.hpp"
 
+#include "temporary_output.hpp"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -158,6 +161,50 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
     return bytes;
 }
 
+namespace {
+
+// Writes the bytes into an unnamed file of the target's folder, which gets a name only
+// once it is complete: a crash or kill during the write leaves nothing behind. False,
+// with nothing written, where the file system has no unnamed files.
+bool saveThroughUnnamedFile(const std::string& target, mode_t mode, std::span<const std::uint8_t> bytes)
+{
+#ifdef O_TMPFILE
+    const std::filesystem::path folder = std::filesystem::path(target).has_parent_path()
+                                             ? std::filesystem::path(target).parent_path()
+                                             : std::filesystem::path(".");
+    UniqueFd fd = openFd(folder.string(), O_TMPFILE | O_WRONLY, mode);
+    if (*fd < 0) return false;
+    ::fchmod(*fd, mode);
+    writeAll(*fd, bytes, target);
+    if (::fsync(*fd) != 0) throw FileError(describeErrno(target, errno));
+    // Linked in under a fresh name beside the target, then renamed over it.
+    const std::string self = "/proc/self/fd/" + std::to_string(*fd);
+    std::mt19937 random{std::random_device{}()};
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        std::string name = target + std::string(kSavingMarker);
+        for (int i = 0; i < 6; ++i) name += "abcdefghijklmnopqrstuvwxyz0123456789"[random() % 36];
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            if (errno == EEXIST) continue;
+            return false;  // no /proc, or a file system that cannot link it: the named way
+        }
+        if (::rename(name.c_str(), target.c_str()) != 0) {
+            const int error = errno;
+            ::unlink(name.c_str());
+            throw FileError(describeErrno(target, error));
+        }
+        return true;
+    }
+    return false;
+#else
+    (void)target;
+    (void)mode;
+    (void)bytes;
+    return false;
+#endif
+}
+
+}  // namespace
+
 void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes)
 {
     struct stat original {};
@@ -181,19 +228,18 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
         std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
         if (real) target = real.get();
     }
-    std::string temporary = target + ".saving-XXXXXX";
+    removeStaleTemporaries(target, kSavingMarker);
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    const mode_t mode = exists ? original.st_mode & 07777 : 0666 & ~mask;
+    if (saveThroughUnnamedFile(target, mode, bytes)) return;
+    std::string temporary = target + std::string(kSavingMarker) + "XXXXXX";
     int rawFd = ::mkstemp(temporary.data());
     if (rawFd < 0) throw FileError(describeErrno(temporary, errno));
     UniqueFd fd(new int(rawFd));
     try {
-        if (exists) {
-            ::fchmod(*fd, original.st_mode & 07777);
-        } else {
-            // A new file gets the usual permissions rather than the private ones of mkstemp.
-            const mode_t mask = ::umask(0);
-            ::umask(mask);
-            ::fchmod(*fd, 0666 & ~mask);
-        }
+        // A new file gets the usual permissions rather than the private ones of mkstemp.
+        ::fchmod(*fd, mode);
         writeAll(*fd, bytes, temporary);
         if (::fsync(*fd) != 0) throw FileError(describeErrno(temporary, errno));
         int closing = *fd;

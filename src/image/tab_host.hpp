@@ -45,13 +45,20 @@ public:
 
     // Numbered message `code` with its title and text from the language file.
     virtual void ShowMessage(int code) = 0;
+    // The same, with `detail` (what failed and where) on a line under its text.
+    virtual void showMessageWith(int code, const QString& detail) = 0;
     // A failure the numbered messages do not cover: its text says what and where.
     virtual void showError(const QString& text) = 0;
+    // A result the numbered messages do not cover, under the title of message 10.
+    virtual void showInformation(const QString& text) = 0;
     // The classic texts of the current language.
     virtual const InterfaceTexts& texts() const = 0;
     // A text of the workshop's own keys (section [Zevran] of the language file), with
     // the shipped English text, then the built-in one, where the language file lacks it.
     virtual QString text(std::string_view key) const = 0;
+    // A text the classic program shows the same in every language (`designText`, UTF-8):
+    // it stays so unless the language file's [Zevran] section gives `key`.
+    virtual QString fixedText(std::string_view key, std::string_view designText) const = 0;
 
     // The window refuses to close while this is false: a command is running pending
     // events between the files it writes.
@@ -65,6 +72,10 @@ public:
     // (message 10), or the regions copied into the image (Save enabled, message 13
     // unless `showDone` is false, for an output that stopped part way).
     virtual void writeSRecordPatch(const std::vector<Region>& regions) = 0;
+    // The same in two steps, for an output that reads its rows only once the user has
+    // chosen where they go: the path ("" when cancelled), then the file written there.
+    virtual QString chooseSRecordPatchPath() = 0;
+    virtual void writeSRecordPatchTo(const QString& path, const std::vector<Region>& regions) = 0;
     virtual void patchInImage(const std::vector<Region>& regions, bool showDone = true) = 0;
     // The output that fits the opened phone file: an S-record patch for "bin", the
     // image itself for "asf"; neither for "other" or before a file is opened.

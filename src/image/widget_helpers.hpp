@@ -18,6 +18,7 @@
 #include <initializer_list>
 #include <vector>
 #include <string>
+#include <string_view>
 
 namespace zevran::image {
 
@@ -105,7 +106,7 @@ public:
 };
 
 // The logic speaks UTF-8 in std::string; the window speaks QString.
-inline QString fromUtf8(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+inline QString fromUtf8(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
 {

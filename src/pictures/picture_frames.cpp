@@ -14,10 +14,7 @@ namespace {
 
 std::int64_t wholeNumber(std::string_view cell, std::string_view what)
 {
-    const double value = std::nearbyint(leadingNumber(cell));
-    if (!(std::fabs(value) <= static_cast<double>(std::numeric_limits<std::int32_t>::max())))
-        throw PictureTableError(std::string(what) + " " + std::string(cell) + " does not fit a 32-bit number");
-    return static_cast<std::int64_t>(value);
+    return roundToInt32(leadingNumber(cell), std::string(what) + " " + std::string(cell));
 }
 
 }  // namespace
@@ -31,6 +28,13 @@ FrameGeometry frameGeometry(const PictureEntry& row)
     std::tie(geometry.width, geometry.height) = pictureDimensions(row.dimensions);
     geometry.depth = static_cast<int>(wholeNumber(row.depth, "depth"));
     return geometry;
+}
+
+bool frameRunsPastImage(const FrameGeometry& geometry, std::int64_t address, std::size_t imageSize)
+{
+    // The pixels the decoder reads: width x height at `depth` bits each, whole bytes.
+    const double bytes = std::ceil(static_cast<double>(geometry.width) * geometry.height * geometry.depth / 8);
+    return address < 0 || static_cast<double>(address) + bytes > static_cast<double>(imageSize);
 }
 
 std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k) { return geometry.start + k * geometry.frameSize; }

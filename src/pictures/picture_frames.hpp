@@ -28,6 +28,10 @@ struct FrameGeometry {
 FrameGeometry frameGeometry(const PictureEntry& row);
 
 // Frame k lies k frame sizes after the start; k may step outside the picture.
+// True when a frame of `geometry` at `address` reaches past an image of `imageSize`
+// bytes (or starts before it): the bytes it lacks decode as black.
+bool frameRunsPastImage(const FrameGeometry& geometry, std::int64_t address, std::size_t imageSize);
+
 std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k);
 
 // folder + the trimmed name + "-" + the frame's ordinal (at least two digits) + ".bmp".

@@ -10,8 +10,6 @@ namespace zevran::pictures {
 
 using namespace zevran::image;
 
-namespace {
-
 std::int32_t roundToInt32(double value, std::string_view what)
 {
     const double rounded = std::nearbyint(value);  // half to even
@@ -19,8 +17,6 @@ std::int32_t roundToInt32(double value, std::string_view what)
         throw PictureTableError(std::string(what) + " does not fit a 32-bit number");
     return static_cast<std::int32_t>(rounded);
 }
-
-}  // namespace
 
 double leadingNumber(std::string_view text)
 {
@@ -47,11 +43,16 @@ double leadingNumber(std::string_view text)
     return std::isfinite(value) ? value : 0;
 }
 
-std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell)
+std::pair<std::string_view, std::string_view> splitDimensions(std::string_view cell)
 {
     const auto star = cell.find('*');
-    const std::string_view width = cell.substr(0, star);
-    const std::string_view height = star == std::string_view::npos ? std::string_view() : cell.substr(star + 1);
+    if (star == std::string_view::npos) return {cell, std::string_view()};
+    return {cell.substr(0, star), cell.substr(star + 1)};
+}
+
+std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell)
+{
+    const auto [width, height] = splitDimensions(cell);
     return {roundToInt32(leadingNumber(width), "the width " + std::string(width)),
             roundToInt32(leadingNumber(height), "the height " + std::string(height))};
 }
@@ -70,11 +71,11 @@ std::vector<PictureEntry> readPictureTable(std::string_view text, bool recompute
         PictureEntry row{ZeroPad(std::to_string(rows.size() + 1), 3), Del_TAb(fields[1]), Del_TAb(fields[2]),
                          Del_TAb(fields[4]),  Del_TAb(fields[6]), Del_TAb(fields[8]), Del_TAb(fields[10])};
         if (recomputeSize) {
-            const std::string_view dimensions = row.dimensions;
-            const auto star = dimensions.find('*');
-            const double width = leadingNumber(dimensions.substr(0, star));
-            const double height = star == std::string_view::npos ? 0 : leadingNumber(dimensions.substr(star + 1));
-            const double size = width * height * leadingNumber(row.depth) / 8;
+            // The cell is split at "*" into two parts; a cell without one has no second part.
+            if (row.dimensions.find('*') == std::string::npos)
+                throw PictureTableError(where + "the dimensions \"" + row.dimensions + "\" have no \"*\"");
+            const auto [width, height] = splitDimensions(row.dimensions);
+            const double size = leadingNumber(width) * leadingNumber(height) * leadingNumber(row.depth) / 8;
             row.frameSize = std::to_string(roundToInt32(size, where + "the frame size of " + row.dimensions));
         }
         rows.push_back(std::move(row));

@@ -36,6 +36,13 @@ inline constexpr int kMessageBadPictureTable = 38;
 // that does not start with a number counts as 0.
 double leadingNumber(std::string_view text);
 
+// A cell's number as a 32-bit integer, rounded half to even, as every number of a
+// picture row is taken; PictureTableError naming `what` when it does not fit.
+std::int32_t roundToInt32(double value, std::string_view what);
+
+// The two parts of a dimensions cell at its first "*"; the second is empty without one.
+std::pair<std::string_view, std::string_view> splitDimensions(std::string_view cell);
+
 // Width and height of a "W*H" cell, each through leadingNumber rounded half to even.
 // Throws PictureTableError when one does not fit a 32-bit integer.
 std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell);

@@ -25,6 +25,7 @@
 
 namespace zevran::pictures {
 
+using image::fromUtf8;
 using image::named;
 
 PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
@@ -71,6 +72,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Picture2->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     Text15 = named(new QLineEdit(this), "Text15");
     Text16 = named(new QLineEdit(this), "Text16");
+    FrameCount = named(new QLabel(this), "FrameCount");
     Text15->setReadOnly(true);
     Text16->setReadOnly(true);
     image::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
@@ -83,6 +85,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     for (QPushButton* button : {PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay}) button->setEnabled(false);
     RepeatPlay = named(new QCheckBox(this), "RepeatPlay", tr("Repeat"));
     Slider1 = named(new QSlider(Qt::Horizontal, this), "Slider1");
+    SpeedLabel = named(new QLabel(this), "SpeedLabel", tr("Frame time:"));
     Slider1->setRange(1, 10);
     Slider1->setValue(2);
     Timer2 = new QTimer(this);
@@ -94,6 +97,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     player->addWidget(Text15, 0, 1);
     player->addWidget(named(new QLabel(this), "Label30", tr("Frame:")), 0, 2);
     player->addWidget(Text16, 0, 3);
+    player->addWidget(FrameCount, 0, 4);
     auto* steps = new QHBoxLayout;
     for (QWidget* control : std::initializer_list<QWidget*>{PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay, RepeatPlay})
         steps->addWidget(control);
@@ -101,7 +105,10 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     preview->addWidget(Picture2, 1);
     preview->addLayout(player);
     preview->addLayout(steps);
-    preview->addWidget(Slider1);
+    auto* speed = new QHBoxLayout;
+    speed->addWidget(SpeedLabel);
+    speed->addWidget(Slider1, 1);
+    preview->addLayout(speed);
 
     // The list and the preview share the width as the user drags their splitter.
     auto* panes = named(new QSplitter(Qt::Horizontal, this), "PicturesSplitter");
@@ -118,8 +125,6 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 using namespace zevran::image;
 
 namespace {
-
-QString qText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 PictureEntry entryOf(const QTreeWidgetItem* item)
 {
@@ -143,9 +148,9 @@ QImage enlarged(const QImage& picture, int zoom)
 }
 
 // "row 003: " before a reason, so a message names the row it is about.
-QString onRow(const PictureEntry& row, const std::exception& error)
+QString onRow(const TabHost& host, const PictureEntry& row, const std::exception& error)
 {
-    return row.number.empty() ? qText(error.what()) : qText("row " + row.number + ": " + error.what());
+    return row.number.empty() ? fromUtf8(error.what()) : host.text("RowError").arg(fromUtf8(row.number), fromUtf8(error.what()));
 }
 
 }  // namespace
@@ -172,6 +177,14 @@ private:
     KeepWindowOpen m_keepOpen;
     BusyPointer m_busy;
 };
+
+std::vector<PictureEntry> PicturesTab::rowsWhere(const std::function<bool(const QTreeWidgetItem*)>& take) const
+{
+    std::vector<PictureEntry> rows;
+    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
+        if (take(ListView5->topLevelItem(i))) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    return rows;
+}
 
 std::vector<QWidget*> PicturesTab::workControls() const
 {
@@ -223,7 +236,7 @@ void PicturesTab::OpenPicTable_Click()
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().openFile(settings.TableSavePath, m_host->filter(2), 2);
     if (path.isEmpty()) return;
-    settings.TableSavePath = qText(FolderOf(path.toStdString()));
+    settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
     // The list is replaced, so an animation of one of its rows ends here.
     stopPlayer();
     ListView5->clear();
@@ -232,15 +245,22 @@ void PicturesTab::OpenPicTable_Click()
         const auto bytes = readWholeFile(path.toStdString());
         const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage());
         rows = readPictureTable(text, Check1->isChecked());
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
-        m_host->ShowMessage(kMessageBadPictureTable);
+        // Message 38 has no text of its own: what failed and where goes under it, and
+        // the preview of a row no longer listed is cleared with the list.
+        m_preview = QImage();
+        scalePreview();
+        Text15->clear();
+        Text16->clear();
+        FrameCount->clear();
+        m_host->showMessageWith(kMessageBadPictureTable, path + ": " + fromUtf8(error.what()));
         return;
     }
     for (const PictureEntry& row : rows) {
-        auto* item = new QTreeWidgetItem(ListView5, {qText(row.number), qText(row.name), qText(row.address),
-                                                     qText(row.frames), qText(row.frameSize), qText(row.dimensions),
-                                                     qText(row.depth)});
+        auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address),
+                                                     fromUtf8(row.frames), fromUtf8(row.frameSize), fromUtf8(row.dimensions),
+                                                     fromUtf8(row.depth)});
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(0, Qt::Unchecked);
     }
@@ -256,9 +276,8 @@ void PicturesTab::SavePicTable_Click()
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().saveFile(settings.TableSavePath, m_host->filter(2), 2);
     if (path.isEmpty()) return;
-    settings.TableSavePath = qText(FolderOf(path.toStdString()));
-    std::vector<PictureEntry> rows;
-    for (int i = 0; i < ListView5->topLevelItemCount(); ++i) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
+    const std::vector<PictureEntry> rows = rowsWhere([](const QTreeWidgetItem*) { return true; });
     // The frame, size, dimension and depth columns are labelled with their headers as shown.
     std::array<std::string, 4> headers;
     for (int column = 3; column <= 6; ++column)
@@ -269,7 +288,7 @@ void PicturesTab::SavePicTable_Click()
         refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
         saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
-        m_host->showError(path + ": " + qText(error.what()));
+        m_host->showError(path + ": " + fromUtf8(error.what()));
         return;
     }
     m_host->ShowMessage(16);
@@ -289,7 +308,8 @@ std::string PicturesTab::colourTablePath() const { return (m_host->programFolder
 
 void PicturesTab::showWrongFormat()
 {
-    m_host->dialogs().message(0, MessageKind::Critical, qText(kWrongFormatTitle), qText(kWrongFormatText));
+    m_host->dialogs().message(0, MessageKind::Critical, m_host->fixedText("WrongFormatTitle", kWrongFormatTitle),
+                              m_host->fixedText("WrongFormatText", kWrongFormatText));
 }
 
 // Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
@@ -301,8 +321,15 @@ QString PicturesTab::showFrame(const std::string& path)
     try {
         const FrameGeometry geometry = pictures::frameGeometry(row);
         const std::int32_t address = shownFrameAddress(geometry, m_frame);
-        Text15->setText(qText(frameAddressText(address)));
-        Text16->setText(qText(frameOrdinalText(m_frame)));
+        Text15->setText(fromUtf8(frameAddressText(address)));
+        Text16->setText(fromUtf8(frameOrdinalText(m_frame)));
+        // Stepping past the last frame stays allowed; the count says where it has led.
+        const bool pastLast = m_frame < 0 || m_frame >= geometry.frames;
+        QString count = m_host->text(pastLast ? "FrameBeyond" : "FrameOf").arg(geometry.frames);
+        // Bytes past the image's end decode as black: the preview says why it is dark.
+        if (frameRunsPastImage(geometry, address, m_host->imageState().FirmwareImage.size()))
+            count += "  " + m_host->text("FramePastImageEnd");
+        FrameCount->setText(count);
         // A refused depth leaves the picture on show as it was.
         if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
             showWrongFormat();
@@ -312,7 +339,7 @@ QString PicturesTab::showFrame(const std::string& path)
         loadPreview(file);
     } catch (const std::exception& error) {
         QFile::remove(file);
-        return onRow(row, error);
+        return onRow(*m_host, row, error);
     }
     QFile::remove(file);
     return {};
@@ -354,23 +381,16 @@ void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
 
 void PicturesTab::ListView5_DblClick() { m_host->ShowMessage(39); }
 
-void PicturesTab::nextpicture_Click()
-{
-    try {
-        m_frame = steppedFrame(m_frame, 1);
-    } catch (const PlayerOverflow& error) {
-        m_host->showError(qText(error.what()));
-        return;
-    }
-    showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
-}
+void PicturesTab::nextpicture_Click() { stepFrame(1); }
 
-void PicturesTab::PreviousPicture_Click()
+void PicturesTab::PreviousPicture_Click() { stepFrame(-1); }
+
+void PicturesTab::stepFrame(int step)
 {
     try {
-        m_frame = steppedFrame(m_frame, -1);
+        m_frame = steppedFrame(m_frame, step);
     } catch (const PlayerOverflow& error) {
-        m_host->showError(qText(error.what()));
+        m_host->showError(fromUtf8(error.what()));
         return;
     }
     showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
@@ -431,7 +451,7 @@ void PicturesTab::Timer2_Timer()
             if (tick.stop) stopPlayer();
         }
     } catch (const std::exception& error) {
-        failure = onRow(row, error);
+        failure = onRow(*m_host, row, error);
     }
     if (!failure.isEmpty()) {
         // A frame that cannot be shown ends the animation before its reason is shown.
@@ -440,6 +460,17 @@ void PicturesTab::Timer2_Timer()
         m_host->showError(failure);
     }
     m_inTick = false;
+}
+
+void PicturesTab::applyTexts()
+{
+    PlayPicture->setText(m_host->text("PlayPicture"));
+    PausePlay->setText(m_host->text("PausePlay"));
+    StopPlay->setText(m_host->text("StopPlay"));
+    PreviousPicture->setToolTip(m_host->text("PreviousPicture"));
+    nextpicture->setToolTip(m_host->text("nextpicture"));
+    SpeedLabel->setText(m_host->text("SpeedLabel"));
+    Slider1->setToolTip(m_host->text("Slider1"));
 }
 
 void PicturesTab::shutDown()
@@ -480,11 +511,12 @@ void PicturesTab::exportPictures(bool selectedOnly)
     if (folder.isEmpty()) return;
     Timer2->stop();
     // The rows are read once: the list may change while pending events run.
-    std::vector<PictureEntry> rows;
-    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
-        if (!selectedOnly || ListView5->topLevelItem(i)->isSelected()) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    const std::vector<PictureEntry> rows =
+        rowsWhere([selectedOnly](const QTreeWidgetItem* item) { return !selectedOnly || item->isSelected(); });
     const std::string target = folder.toStdString();
     QString failure;
+    int written = 0;
+    QStringList skipped;  // rows whose depth cannot be written as BMP
     {
         Work work(*this);
         if (!selectedOnly) {
@@ -506,21 +538,27 @@ void PicturesTab::exportPictures(bool selectedOnly)
                     // Fetched each frame: a phone file opened meanwhile replaces the image.
                     if (!DecodePictureFrame(m_host->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
                                             geometry.width, geometry.height,
-                                            geometry.depth, colours))
+                                            geometry.depth, colours)) {
                         showWrongFormat();
+                        if (!skipped.contains(fromUtf8(row.number))) skipped << fromUtf8(row.number);
+                    } else {
+                        ++written;
+                    }
                     if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
                     QApplication::processEvents();
                 }
             } catch (const std::exception& error) {
-                failure = onRow(row, error);
+                failure = onRow(*m_host, row, error);
             }
             if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(r + 1));
         }
     }
     ProgressBar2->setVisible(false);
     ProgressBar2->reset();
-    if (!failure.isEmpty()) m_host->showError(failure);
-    else m_host->ShowMessage(18);
+    QString counted = m_host->text("FilesWritten").arg(written);
+    if (!skipped.isEmpty()) counted += "\n" + m_host->text("RowsSkipped").arg(skipped.join(", "));
+    if (!failure.isEmpty()) m_host->showError(failure + "\n" + counted);
+    else m_host->showMessageWith(18, counted);
 }
 
 // The bytes of every checked row, all frames together, as one S-record patch file at
@@ -532,11 +570,10 @@ void PicturesTab::outputpics3_Click()
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().saveFile(settings.S3SavePath, m_host->filter(1), 2);
     if (path.isEmpty()) return;
-    settings.S3SavePath = qText(FolderOf(path.toStdString()));
+    settings.S3SavePath = fromUtf8(FolderOf(path.toStdString()));
     Timer2->stop();
-    std::vector<PictureEntry> checked;
-    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
-        if (ListView5->topLevelItem(i)->checkState(0) == Qt::Checked) checked.push_back(entryOf(ListView5->topLevelItem(i)));
+    const std::vector<PictureEntry> checked =
+        rowsWhere([](const QTreeWidgetItem* item) { return item->checkState(0) == Qt::Checked; });
     std::vector<Region> regions;
     QString failure;
     {
@@ -547,7 +584,7 @@ void PicturesTab::outputpics3_Click()
                 try {
                     region = picturePatchRegion(m_host->imageState(), row);
                 } catch (const HexOverflow& error) {
-                    throw std::runtime_error(onRow(row, error).toStdString());
+                    throw std::runtime_error(onRow(*m_host, row, error).toStdString());
                 }
                 // A row of no bytes is reported and left out, so the file still ends in its S7 line.
                 if (region) regions.push_back(std::move(*region));
@@ -557,7 +594,7 @@ void PicturesTab::outputpics3_Click()
             refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
             if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
         } catch (const std::exception& error) {
-            failure = qText(error.what());
+            failure = fromUtf8(error.what());
         }
     }
     if (!failure.isEmpty()) m_host->showError(failure);

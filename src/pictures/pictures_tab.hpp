@@ -2,10 +2,12 @@
 #pragma once
 
 #include "picture_player.hpp"
+#include "picture_table.hpp"
 
 #include <QImage>
 #include <QWidget>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,6 +60,9 @@ public:
     void outputpicall_Click();
     void outputpics3_Click();
 
+    // The player's captions and the speed slider's label in the current language.
+    void applyTexts();
+
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
 
@@ -74,6 +79,7 @@ public:
     QLineEdit* Text21;      // address offset added when saving
     QLineEdit* Text15;      // address of the frame on show
     QLineEdit* Text16;      // its ordinal
+    QLabel* FrameCount;     // "of M", marked when the frame on show lies past the last
     QLabel* Picture2;       // the preview
     QPushButton* PreviousPicture;
     QPushButton* nextpicture;
@@ -81,6 +87,7 @@ public:
     QPushButton* PausePlay;
     QPushButton* StopPlay;
     QSlider* Slider1;
+    QLabel* SpeedLabel;     // names the slider
     QTimer* Timer2;
     QProgressBar* ProgressBar2;
     QMenu* menufile5 = nullptr;
@@ -99,6 +106,9 @@ private:
     class Work;
 
     std::vector<QWidget*> workControls() const;
+    // The rows of the list that `take` accepts, as the logic sees them, in list order.
+    std::vector<PictureEntry> rowsWhere(const std::function<bool(const QTreeWidgetItem*)>& take) const;
+    void stepFrame(int step);
     QTreeWidgetItem* selectedRow() const;
     QString showFrame(const std::string& path);
     void showFrameOrError(const std::string& path);

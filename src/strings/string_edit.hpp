@@ -26,11 +26,6 @@ struct StringEditRow {
 
 inline constexpr int kMessageEmptyEditFields = 25;
 
-// The row that adding a replacement makes, or nullopt (message 25) when the start,
-// end or replacement is empty.
-std::optional<StringEditRow> makeEditRow(std::size_t rowsBefore, std::string_view Text10, std::string_view Text9,
-                                         std::string_view Text7, std::string_view Text8);
-
 // The bytes a row writes: its text in handset codes (A1 20 for a space) or in
 // single-byte codes.
 std::vector<std::uint8_t> editRowBytes(const StringEditRow& row, bool handsetCodes,

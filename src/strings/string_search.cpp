@@ -34,6 +34,8 @@ std::optional<StringHit> findNextString(ImageState& state, std::string_view hexP
         const auto end = static_cast<std::size_t>(static_cast<const std::uint8_t*>(zero) - image.data());
         const std::size_t bytes = end - start;
         StringHit hit;
+        hit.start = start;
+        hit.end = end;
         hit.Text10 = HexPad(static_cast<std::uint32_t>(start), 8);
         hit.Text9 = HexPad(static_cast<std::uint32_t>(end) - 1, 8);
         if (handsetCodes) {
@@ -47,6 +49,50 @@ std::optional<StringHit> findNextString(ImageState& state, std::string_view hexP
         }
         return hit;
     }
+}
+
+namespace {
+
+void appendUtf8(std::string& out, char32_t cp)
+{
+    if (cp < 0x80) {
+        out += static_cast<char>(cp);
+    } else if (cp < 0x800) {
+        out += static_cast<char>(0xC0 | (cp >> 6));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    } else if (cp < 0x10000) {
+        out += static_cast<char>(0xE0 | (cp >> 12));
+        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (cp >> 18));
+        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    }
+}
+
+}  // namespace
+
+std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes, std::string_view codePage)
+{
+    if (!handsetCodes) return decodeText(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()), codePage);
+    std::string text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const char32_t unit = static_cast<char32_t>(bytes[i] << 8 | bytes[i + 1]);
+        if (bytes[i] == 0xA1) {
+            appendUtf8(text, bytes[i + 1]);
+        } else if (unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size() && bytes[i + 2] >= 0xDC && bytes[i + 2] < 0xE0) {
+            const char32_t low = static_cast<char32_t>(bytes[i + 2] << 8 | bytes[i + 3]);
+            appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+            i += 2;
+        } else if (unit >= 0xD800 && unit < 0xE000) {
+            appendUtf8(text, 0xFFFD);  // a half of a pair on its own
+        } else {
+            appendUtf8(text, unit);
+        }
+    }
+    return text;
 }
 
 }  // namespace zevran::strings

@@ -5,7 +5,9 @@
 #include "code_page.hpp"
 #include "image/firmware_image.hpp"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +27,8 @@ struct StringHit {
     std::string Text9;   // last byte before the terminating zero, eight hex digits
     std::string Text8;   // length: bytes, or characters (possibly "2.5") in handset codes
     int maxLength = 0;   // the longest replacement that fits
+    std::size_t start = 0;  // the stored string's bytes: [start, end)
+    std::size_t end = 0;
 };
 
 // One search step on the shared search position: walks on from LastMatch, counts
@@ -33,5 +37,10 @@ struct StringHit {
 // nullopt when no further occurrence exists; LastMatch is then 0.
 std::optional<StringHit> findNextString(image::ImageState& state, std::string_view hexPattern, bool handsetCodes,
                                         int& passCount);
+
+// The stored string's text in UTF-8, decoded in the encoding it was found in: pairs of
+// handset codes (A1 xx for a character up to FF, else UTF-16 high byte first; an odd
+// last byte is left out) or the single-byte code page.
+std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes, std::string_view codePage = kDefaultCodePage);
 
 }  // namespace zevran::strings

@@ -54,7 +54,9 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     Text9 = named(new QLineEdit(frame11), "Text9");
     Text8 = named(new QLineEdit(frame11), "Text8");
     Text7 = named(new QLineEdit(frame11), "Text7");
-    for (QLineEdit* shown : {Text4, Text10, Text9, Text8}) shown->setReadOnly(true);
+    FoundText = named(new QLineEdit(frame11), "FoundText");
+    FoundLabel = named(new QLabel(frame11), "FoundLabel", tr("Stored text:"));
+    for (QLineEdit* shown : {Text4, Text10, Text9, Text8, FoundText}) shown->setReadOnly(true);
     Add2List = named(new QPushButton(frame11), "Add2List", tr("Add to list"));
     Add2List->setEnabled(false);
     auto* frame11Layout = new QGridLayout(frame11);
@@ -69,6 +71,8 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     frame11Layout->addWidget(named(new QLabel(frame11), "Label12", tr("Replacement:")), 1, 0);
     frame11Layout->addWidget(Text7, 1, 1, 1, 6);
     frame11Layout->addWidget(Add2List, 1, 7);
+    frame11Layout->addWidget(FoundLabel, 2, 0);
+    frame11Layout->addWidget(FoundText, 2, 1, 1, 7);
 
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     ListView2 = image::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
@@ -127,7 +131,7 @@ void StringsTab::SeachString_Click()
         m_host->ShowMessage(kMessageEmptySearchText);
         return;
     }
-    for (QLineEdit* shown : {Text8, Text9, Text10}) shown->clear();
+    for (QLineEdit* shown : {Text8, Text9, Text10, FoundText}) shown->clear();
     const bool handsetCodes = Option1->isChecked();
     std::string pattern;
     try {
@@ -135,6 +139,13 @@ void StringsTab::SeachString_Click()
     } catch (const std::exception& error) {
         m_host->showError(QString::fromUtf8(error.what()));
         return;
+    }
+    // Departure: the classic search went on from the previous text's last hit, so a
+    // new text could report "no further occurrence" on its first try.
+    if (pattern != m_searchedPattern || handsetCodes != m_searchedInHandsetCodes) {
+        state.LastMatch = 0;
+        m_searchedPattern = pattern;
+        m_searchedInHandsetCodes = handsetCodes;
     }
     int passCount = Text4->text().toInt();
     std::optional<StringHit> hit;
@@ -148,12 +159,16 @@ void StringsTab::SeachString_Click()
         Text9->setText(fromUtf8(hit->Text9));
         Text8->setText(fromUtf8(hit->Text8));
         Text7->setMaxLength(hit->maxLength);
+        const std::span<const std::uint8_t> stored(state.FirmwareImage.data() + hit->start, hit->end - hit->start);
+        FoundText->setText(fromUtf8(storedText(stored, handsetCodes, m_host->codePage())));
         m_hitInHandsetCodes = handsetCodes;
     } else {
         m_host->ShowMessage(kMessageNoFurtherOccurrence);
     }
     Add2List->setEnabled(true);
 }
+
+void StringsTab::applyTexts() { FoundLabel->setText(m_host->text("FoundLabel")); }
 
 void StringsTab::Add2List_Click()
 {

@@ -8,6 +8,7 @@
 
 class QAction;
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QMenu;
 class QPoint;
@@ -40,6 +41,8 @@ public:
     // `outputStrS3`, "asf" for `outputStraxf`). Run on every item event of the list,
     // when a phone file is opened and when the menu opens.
     void updateListMenu();
+    // The found string's label in the current language.
+    void applyTexts();
 
     QLineEdit* Text11;  // text to look for
     QLineEdit* Text4;   // hits so far in this pass
@@ -47,6 +50,8 @@ public:
     QLineEdit* Text9;   // its last byte
     QLineEdit* Text8;   // its length
     QLineEdit* Text7;   // the replacement
+    QLineEdit* FoundText;  // the stored string found, as text
+    QLabel* FoundLabel;
     QRadioButton* Option1;  // search in handset codes
     QRadioButton* Option2;  // search in single-byte codes
     QRadioButton* Option3;  // write in handset codes
@@ -71,6 +76,9 @@ private:
     QAction* outputStraxf = nullptr;
     // The encoding the shown hit was found in, which the replacement is padded in.
     bool m_hitInHandsetCodes = false;
+    // The pattern and encoding of the last search: another one starts a fresh pass.
+    std::string m_searchedPattern;
+    bool m_searchedInHandsetCodes = false;
 };
 
 }  // namespace zevran::strings

@@ -61,7 +61,7 @@ std::optional<PlanSlotFields> planSlotFields(std::string_view slotText)
 {
     const std::vector<std::string_view> fields = splitAtSpaces(slotText);
     if (fields.size() < 5) return std::nullopt;
-    return PlanSlotFields{hexCell(fields[1]), hexCell(fields[3]), decimalCell(fields[4])};
+    return PlanSlotFields{hexCell(fields[1]), decimalCell(fields[4])};
 }
 
 PlanFileFields planFileFields(std::string_view fileText)

@@ -21,11 +21,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Fields 1, 3 and 4 of a slot text split at single spaces: start and end as hex text,
-// size as decimal. None when the text has too few fields to hold them.
+// Fields 1 and 4 of a slot text split at single spaces: start as hex text, size as
+// decimal (field 3, the end, is not needed: the region always covers `size` bytes).
+// None when the text has too few fields to hold them.
 struct PlanSlotFields {
     std::int64_t start = 0;
-    std::int64_t end = 0;
     std::int64_t size = 0;
 };
 std::optional<PlanSlotFields> planSlotFields(std::string_view slotText);

@@ -16,9 +16,9 @@ std::string rowNumber(std::size_t number) { return image::ZeroPad(std::to_string
 
 }  // namespace
 
-std::string planFileText(std::string_view name, std::string_view sizeText)
+std::string planFileText(std::string_view name, std::string_view sizeText, std::string_view unit)
 {
-    return std::string(name) + " " + std::string(sizeText) + " 字节";
+    return std::string(name) + " " + std::string(sizeText) + " " + std::string(unit);
 }
 
 std::string planSlotText(const ToneSlot& slot)

@@ -21,8 +21,12 @@ struct ReplacementRow {
 
 enum class PlanColumn { File = 1, Slot = 2 };
 
-// The file cell of a tone file listed with its size text: name, space, size, " 字节".
-std::string planFileText(std::string_view name, std::string_view sizeText);
+// The unit word after a file's size in its plan cell, the same in every language
+// unless a language file translates it.
+inline constexpr std::string_view kPlanSizeUnit = "字节";
+
+// The file cell of a tone file listed with its size text: name, space, size, space, unit.
+std::string planFileText(std::string_view name, std::string_view sizeText, std::string_view unit = kPlanSizeUnit);
 // The slot cell of a tone row: number, start " - " end, size and note, spaced singly;
 // an empty note leaves a trailing space.
 std::string planSlotText(const ToneSlot& slot);

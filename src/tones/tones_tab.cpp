@@ -14,6 +14,7 @@
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QSplitter>
 #include <QTreeView>
@@ -59,6 +60,8 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     buttons->addWidget(OpenToneTable);
     buttons->addWidget(SaveToneTable);
     buttons->addStretch();
+    ToneCount = named(new QLabel(frame5), "ToneCount");
+    buttons->addWidget(ToneCount);
     auto* frame5Layout = new QVBoxLayout(frame5);
     frame5Layout->addLayout(buttons);
     frame5Layout->addWidget(ListView4, 1);
@@ -136,6 +139,7 @@ void TonesTab::connectCommands()
     connect(ListView4, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) { editNote(row); });
     connect(ListView4, &QTreeWidget::itemSelectionChanged, this, &TonesTab::showToneCheck);
     connect(Text5, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
+    Text5->installEventFilter(this);
     connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
     connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
@@ -244,6 +248,7 @@ void TonesTab::GetTone_Click()
         rows = scanTones(image, [this](std::int32_t at) { ProgressBar1->setValue(std::max(1, at)); });
     }
     showToneRows(rows);
+    ToneCount->setText(m_host->text("TonesFound").arg(rows.size()));
     QCoreApplication::processEvents();
     ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
@@ -286,10 +291,7 @@ void TonesTab::OpenToneTable_Click()
     }
     showToneRows(table.rows);
     if (table.stoppedAtLine)
-        m_host->showError(QStringLiteral("%1: line %2 has fewer than ten fields; the %3 rows before it were read.")
-                                .arg(path)
-                                .arg(*table.stoppedAtLine)
-                                .arg(table.rows.size()));
+        m_host->showError(m_host->text("ToneTableStopped").arg(path).arg(*table.stoppedAtLine).arg(table.rows.size()));
 }
 
 bool TonesTab::hasSelectedTone() const { return !ListView4->selectedItems().isEmpty(); }
@@ -309,6 +311,7 @@ void TonesTab::exportTones(bool everyRow)
     m_host->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
+    int written = 0;
     for (std::size_t i = 0; i < rows.size(); ++i) selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
@@ -319,7 +322,8 @@ void TonesTab::exportTones(bool everyRow)
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
         tones::exportTones(m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
-                           picked.toStdString(), [this](std::size_t i) {
+                           picked.toStdString(), [&](std::size_t i) {
+                               if (everyRow || selected[i]) ++written;
                                QCoreApplication::processEvents();
                                ProgressBar1->setValue(static_cast<int>(i) + 1);
                            });
@@ -327,8 +331,9 @@ void TonesTab::exportTones(bool everyRow)
         failure = QString::fromUtf8(error.what());
     }
     if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
-    if (failure.isEmpty()) m_host->ShowMessage(9);
-    else m_host->showError(failure + " (the tones before it were exported)");
+    const QString counted = m_host->text("FilesWritten").arg(written);
+    if (failure.isEmpty()) m_host->showMessageWith(9, counted);
+    else m_host->showError(m_host->text("ToneExportStopped").arg(failure) + "\n" + counted);
     if (everyRow) ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
 }
@@ -353,6 +358,23 @@ void TonesTab::Text5_LostFocus()
     Text5->setVisible(false);
     ListView4->setFocus();
     if (QTreeWidgetItem* item = ListView4->topLevelItem(row)) item->setText(4, Text5->text());
+}
+
+bool TonesTab::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Text5 && event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        cancelNote();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void TonesTab::cancelNote()
+{
+    // Departure: the classic editor committed the note whichever way the edit ended.
+    if (std::exchange(m_noteRow, -1) < 0) return;
+    Text5->setVisible(false);
+    ListView4->setFocus();
 }
 
 void TonesTab::showToneCheck()

@@ -47,6 +47,7 @@ public:
     QPushButton* SaveToneTable;
     QPushButton* OpenToneTable;
     QProgressBar* ProgressBar1;
+    QLabel* ToneCount;       // how many tones the last scan found
 
     // The folder shown by the folder tree, remembered as "mmf File Path".
     QString currentFolder() const;
@@ -73,6 +74,8 @@ public:
     // Starts editing the note of a row of ListView4; the edit ends when Text5 loses focus.
     void editNote(QTreeWidgetItem* row);
     void Text5_LostFocus();
+    // Escape in the note editor: the note stays as it was.
+    void cancelNote();
     void ListView1_ColumnClick(int column);
     // The status-bar check of the selected tone, in the current language.
     void showToneCheck();
@@ -85,6 +88,9 @@ public:
     // The rows of the lists as the logic sees them, read from the cells.
     std::vector<ToneSlot> toneRows() const;
     std::vector<ReplacementRow> planRows() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void connectCommands();
@@ -100,9 +106,9 @@ private:
     bool hasSelectedTone() const;
     int selectedPlanRow() const;
     bool anyPlanRowChecked() const;
-    // The regions of the checked pairs; `stopped` when a tone did not fit its slot.
-    // None, with the message shown, when a pair cannot be written at all.
-    std::optional<std::vector<image::Region>> planRegions(bool& stopped);
+    // The regions of the checked pairs (message 1 for each empty slot); none, with the
+    // message shown, when any pair cannot be written: then nothing is written.
+    std::optional<std::vector<image::Region>> planRegions();
 
     image::TabHost* m_host = nullptr;
     QLabel* m_checkPanel = nullptr;

@@ -71,15 +71,18 @@ void TonesTab::planCellChanged(QTreeWidgetItem* item, int column)
 {
     if (m_fillingPlan || column != 0 || item->checkState(0) != Qt::Checked) return;
     // A row can be checked only once it pairs a file with a slot.
-    if (item->text(1).isEmpty() || item->text(2).isEmpty()) item->setCheckState(0, Qt::Unchecked);
+    if (!mayCheckPlanRow({item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(), true}))
+        item->setCheckState(0, Qt::Unchecked);
 }
 
 void TonesTab::addmmf_Click()
 {
+    // The unit word ends the cell as one word: the file's size is read back before it.
+    const std::string unit = m_host->fixedText("PlanSizeUnit", kPlanSizeUnit).remove(' ').toStdString();
     std::vector<std::string> cells;
     for (int i = 0; i < ListView1->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* item = ListView1->topLevelItem(i);
-        if (item->isSelected()) cells.push_back(planFileText(item->text(0).toStdString(), item->text(1).toStdString()));
+        if (item->isSelected()) cells.push_back(planFileText(item->text(0).toStdString(), item->text(1).toStdString(), unit));
     }
     std::vector<ReplacementRow> rows = planRows();
     addPlanCells(rows, PlanColumn::File, cells);
@@ -157,9 +160,8 @@ bool TonesTab::anyPlanRowChecked() const
     return std::any_of(rows.begin(), rows.end(), [](const ReplacementRow& row) { return row.checked; });
 }
 
-std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
+std::optional<std::vector<image::Region>> TonesTab::planRegions()
 {
-    stopped = false;
     std::vector<image::Region> regions;
     const auto imageLength = static_cast<std::int64_t>(m_host->imageState().FirmwareImage.size());
     try {
@@ -167,8 +169,10 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
             PlanRowPatch patch = tonePatchRegion(row, m_listedFolder.toStdString(), imageLength);
             if (patch.result == PlanRowResult::EmptySlot) m_host->ShowMessage(1);
             if (patch.result == PlanRowResult::TooLarge) {
-                stopped = true;
-                break;
+                // Departure: the classic output wrote the pairs before this one and then
+                // stopped; every pair is now checked before anything is written.
+                m_host->showMessageWith(12, m_host->text("PlanRowTooLarge").arg(fromUtf8(row.number), fromUtf8(row.file)));
+                return std::nullopt;
             }
             if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
         }
@@ -181,28 +185,23 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions(bool& stopped)
 
 void TonesTab::outputs3_Click()
 {
-    if (m_host->imageState().FileKind != "bin" || !anyPlanRowChecked()) return;
-    bool stopped = false;
-    const auto regions = planRegions(stopped);
-    if (!regions) return;
-    // The pairs before a tone that does not fit are written; the rest are not.
-    m_host->writeSRecordPatch(*regions);
-    if (stopped) m_host->ShowMessage(12);
+    if (!m_host->takesSRecordPatch() || !anyPlanRowChecked()) return;
+    const QString path = m_host->chooseSRecordPatchPath();
+    if (path.isEmpty()) return;
+    if (const auto regions = planRegions(); regions && !regions->empty()) m_host->writeSRecordPatchTo(path, *regions);
 }
 
 void TonesTab::outputaxf_Click()
 {
-    if (m_host->imageState().FileKind != "asf") return;
+    if (!m_host->takesInImagePatch()) return;
     if (!anyPlanRowChecked()) {
         m_host->ShowMessage(11);
         return;
     }
-    bool stopped = false;
-    const auto regions = planRegions(stopped);
+    const auto regions = planRegions();
     if (!regions) return;
-    if (!regions->empty()) m_host->patchInImage(*regions, !stopped);
-    else if (!stopped) m_host->ShowMessage(13);
-    if (stopped) m_host->ShowMessage(12);
+    if (!regions->empty()) m_host->patchInImage(*regions);
+    else m_host->ShowMessage(13);
 }
 
 }  // namespace zevran::tones

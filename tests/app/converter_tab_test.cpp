@@ -6,6 +6,7 @@
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMouseEvent>
@@ -59,7 +60,12 @@ private slots:
         m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<ConverterTab*>();
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup()
+    {
+        m_window.reset();
+        QDir(m_home.path()).removeRecursively();
+        QDir().mkpath(m_home.path());
+    }
 
     void emptyS3InputShowsMessage31()
     {
@@ -77,7 +83,9 @@ private slots:
         expected.replace(0x10, 4, "\x01\x02\x03\x04");
         expected.replace(0x20, 4, "\x05\x06\x07\x08");
         QCOMPARE(readBytes(path("two.bin")), expected);
-        QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Information);
+        QCOMPARE(m_dialogs->messages[0].text, "The binary file " + path("two.bin") + " has been written.");
         QCOMPARE(m_tab->Text2->text(), QString("00000020"));
         QVERIFY(m_tab->ProgressBar3->isHidden());
     }
@@ -91,7 +99,7 @@ private slots:
         QCOMPARE(readBytes(path("two.bin")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
     }
 
-    void badLineNamesItsNumberAndKeepsThePartialOutput()
+    void badLineNamesItsNumberAndLeavesNoPartialOutput()
     {
         writeBytes(path("bad.s3"), "S30600000000AA4F\r\nS304000000\r\n");
         m_tab->Text1->setText(path("bad.s3"));
@@ -99,12 +107,15 @@ private slots:
         m_tab->ComS3ToBin->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.contains("line 2"));
-        QCOMPARE(readBytes(path("bad.bin")), QByteArray("\xAA"));
+        QVERIFY(m_dialogs->messages[0].text.endsWith("(" + path("bad.bin") + " was not written; an existing file stays as it was)"));
+        QCOMPARE(QDir(m_home.path()).entryList({"bad*"}, QDir::Files), QStringList{"bad.s3"});
         QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
     }
 
-    void stopInTheMiddleKeepsThePartialOutputAndHidesTheBar()
+    void stopInTheMiddleKeepsTheOldOutputAndHidesTheBar()
     {
+        writeBytes(path("big.bin"), "the old output");
+        m_dialogs->answers.push_back(zevran::app::Answer::Yes);
         QByteArray text;
         for (int address = 0; address < 0x100000; address += 16)
             text += "S315" + QByteArray::number(address, 16).toUpper().rightJustified(8, '0') +
@@ -122,10 +133,49 @@ private slots:
         QVERIFY(!m_tab->converting());
         QVERIFY(m_tab->ProgressBar3->isHidden());
         QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
-        const qint64 written = QFileInfo(path("big.bin")).size();
-        QVERIFY(written > 0);
-        QVERIFY(written < 0x100000);
+        QCOMPARE(readBytes(path("big.bin")), QByteArray("the old output"));
+        QCOMPARE(QDir(m_home.path()).entryList({"big*"}, QDir::Files), (QStringList{"big.bin", "big.s3"}));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QCOMPARE(m_dialogs->messages[0].text, "The conversion was stopped: " + path("big.bin") +
+                                                  " was not written, and an existing file stays as it was.");
+    }
+
+    void existingOutputIsReplacedOnlyWhenTheUserAgrees()
+    {
+        writeBytes(path("two.s3"), kTwoRecords);
+        writeBytes(path("two.bin"), "keep me");
+        m_tab->Text1->setText(path("two.s3"));
+        m_tab->PartAdd->setChecked(true);
+        m_dialogs->answers = {zevran::app::Answer::No, zevran::app::Answer::Yes};
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(m_dialogs->asked, QStringList{"question Replace file|" + path("two.bin") + " already exists. Replace it?"});
+        QCOMPARE(readBytes(path("two.bin")), QByteArray("keep me"));
         QVERIFY(m_dialogs->messages.empty());
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(readBytes(path("two.bin")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
+        writeBytes(path("b.bin"), "AB");
+        writeBytes(path("b.s3"), "keep me too");
+        m_tab->Text19->setText(path("b.bin"));
+        m_tab->ComBinToS3->click();  // no answer left: the question is cancelled
+        QCOMPARE(readBytes(path("b.s3")), QByteArray("keep me too"));
+    }
+
+    void outputBoxShowsTheNameBesideTheInputAndMayBeChanged()
+    {
+        writeBytes(path("two.s3"), kTwoRecords);
+        m_tab->Text1->setText(path("two.s3"));
+        QCOMPARE(m_tab->BinOutput->text(), path("two.bin"));
+        m_tab->BinOutput->setText(path("chosen.raw"));
+        m_tab->PartAdd->setChecked(true);
+        m_tab->ComS3ToBin->click();
+        QCOMPARE(readBytes(path("chosen.raw")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
+        QVERIFY(!QFileInfo::exists(path("two.bin")));
+        writeBytes(path("b.bin"), QByteArray("\x01", 1));
+        m_tab->Text19->setText(path("b.bin"));
+        QCOMPARE(m_tab->S3Output->text(), path("b.s3"));
+        m_tab->S3Output->setText(path("out.srec"));
+        m_tab->ComBinToS3->click();
+        QCOMPARE(readBytes(path("out.srec")), QByteArray("S00600004844521B\r\nS3060000000001F8\r\nS705A002000058\r\n"));
     }
 
     void windowRepaintsAndTakesClicksDuringA64MiBConversion()
@@ -176,7 +226,7 @@ private slots:
         QVERIFY2(ticksWhileConverting >= 3, qPrintable(QString::number(ticksWhileConverting)));
         QVERIFY(clickedWhileConverting);
         QVERIFY(paints.count >= 1);
-        QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QCOMPARE(QFileInfo(path("large.bin")).size(), qint64{kLines} * 16);
         QCOMPARE(m_tab->Text2->text(), QByteArray::number((kLines - 1) * 16, 16).toUpper().rightJustified(8, '0'));
     }

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileInfo>
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
@@ -144,6 +145,16 @@ private slots:
         QVERIFY(written.contains("Mobile File Path=" + m_home.path().toUtf8() + "\r\n"));
     }
 
+    void secondStartReadsTheBareNameAsItsLanguageFile()
+    {
+        auto window = startWindow("[Language]\r\nLanguage=ChineseS\r\n");
+        const auto items = window->findChildren<QAction*>("languagNum");
+        QVERIFY(items[0]->isChecked());
+        QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->tabText(0), QString::fromUtf8("\xE9\x93\x83\xE5\xA3\xB0"));
+        QCOMPARE(window->settings().Language, QString("ChineseS.ini"));
+        QVERIFY(!QFileInfo::exists(m_home.path() + "/language/ChineseS"));
+    }
+
     void openingABinFileSetsItsKindVersionAndOutputs()
     {
         auto window = startWindow();
@@ -163,6 +174,16 @@ private slots:
         QCOMPARE(window->settings().MobileFilePath, m_home.path());
         QVERIFY(m_dialogs->asked.first().startsWith("open " + m_home.path() + "|All files (*);;Phone files (*.bin *.asf)|2"));
         QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void languageSwitchKeepsTheOpenFileInTheStatusBar()
+    {
+        auto window = startWindow();
+        window->openPhoneFile(phoneFile("PHONE.BIN", QByteArray("..VersionString:...V1.2.3.4rest", 31)));
+        writeBytes(m_home.path() + "/language/ChineseS.ini", "[String]\r\nStatusBar1Str1=(none)\r\nStatusBar1Str2=no file\r\n");
+        window->languagNum_Click(1);
+        QCOMPARE(window->findChild<QLabel*>("StatusBar1Panel4")->text(), QString("V1.2.3.4"));
+        QCOMPARE(window->findChild<QLabel*>("StatusBar1Panel6")->text(), QString("PHONE.BIN"));
     }
 
     void openingAFileWithoutMarkerShowsTheUnknownVersion()

@@ -6,7 +6,11 @@
 
 #include "app/main_window.hpp"
 
+#include <QAction>
 #include <QDir>
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -14,6 +18,25 @@ using zevran::app::Form1;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
+
+namespace {
+
+// The keys of the [Zevran] section of a language file's text, in file order.
+QStringList workshopKeys(const QByteArray& file)
+{
+    QStringList keys;
+    bool inside = false;
+    for (const QByteArray& raw : file.split('\n')) {
+        const QString line = QString::fromUtf8(raw).trimmed();
+        if (line.startsWith('[')) inside = line == "[Zevran]";
+        else if (inside && !line.isEmpty() && !line.startsWith(';')) keys << line.section('=', 0, 0);
+    }
+    return keys;
+}
+
+QByteArray shipped(const char* name) { return readBytes(QStringLiteral(ZEVRAN_SOURCE_DIR "/data/language/") + name); }
+
+}  // namespace
 
 class WorkshopTextsTest : public QObject {
     Q_OBJECT
@@ -129,6 +152,42 @@ private slots:
             const QByteArray section = after.mid(start, after.indexOf("\n[", start) + 1 - start);
             QCOMPARE(section.count('\n'), 2);
         }
+    }
+
+    void fixedTextsStayUnlessTheLanguageTranslatesThem()
+    {
+        writeBytes(path("language/English.ini"), "[Zevran]\r\nFolderPrompt=Choose the folder:\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcOk=CRC bon\r\n");
+        const auto window = startIn("Other.ini");
+        m_dialogs->folders = {"", ""};
+        window->BrowseForFolder();
+        window->languagNum_Click(1);
+        window->BrowseForFolder();
+        QCOMPARE(m_dialogs->asked, (QStringList{QString::fromUtf8("folder 请选择软件安装路径："), "folder Choose the folder:"}));
+    }
+
+    void shippedChineseTranslatesEveryWorkshopKeyButTheFixedTexts()
+    {
+        QStringList english = workshopKeys(shipped("English.ini"));
+        for (const char* fixed : {"FolderPrompt", "PlanSizeUnit", "WrongFormatTitle", "WrongFormatText"})
+            QVERIFY2(english.removeAll(fixed) == 1, fixed);
+        QCOMPARE(workshopKeys(shipped("ChineseS.ini")), english);
+    }
+
+    void shippedChineseLabelsToolBarPlayerAndHomeLink()
+    {
+        writeBytes(path("language/English.ini"), shipped("English.ini"));
+        writeBytes(path("language/ChineseS.ini"), shipped("ChineseS.ini"));
+        const auto window = startIn("ChineseS.ini");
+        QCOMPARE(window->findChild<QAction*>("Open")->text(), QString::fromUtf8("打开"));
+        QCOMPARE(window->findChild<QAction*>("Save")->text(), QString::fromUtf8("保存"));
+        QCOMPARE(window->findChild<QAction*>("Exit")->text(), QString::fromUtf8("退出"));
+        QCOMPARE(window->findChild<QPushButton*>("PlayPicture")->text(), QString::fromUtf8("播放"));
+        QCOMPARE(window->findChild<QLabel*>("Label16")->text(), QString::fromUtf8("主页"));
+        QCOMPARE(window->findChild<QLabel*>("SpeedLabel")->text(), QString::fromUtf8("每帧时间："));
+        window->languagNum_Click(2);  // English
+        QCOMPARE(window->findChild<QAction*>("Open")->text(), QString("Open"));
+        QCOMPARE(window->findChild<QPushButton*>("PlayPicture")->text(), QString("Play"));
     }
 };
 

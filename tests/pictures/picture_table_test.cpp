@@ -129,3 +129,21 @@ TEST(LeadingNumber, ReadsTheNumberAtTheStart)
     EXPECT_EQ(leadingNumber(""), 0);
     EXPECT_EQ(leadingNumber("."), 0);
 }
+
+TEST(PictureTableRead, RecomputingRefusesDimensionsWithoutAStar)
+{
+    const std::string table = line("1", "a", "0X1", "1", "8", "8*8", "1") + line("2", "b", "0X2", "1", "8", "64", "1");
+    EXPECT_EQ(readPictureTable(table, false).size(), 2u);
+    try {
+        readPictureTable(table, true);
+        FAIL() << "no error";
+    } catch (const PictureTableError& error) {
+        EXPECT_STREQ(error.what(), "line 2: the dimensions \"64\" have no \"*\"");
+    }
+}
+
+TEST(PictureDimensions, SplitAtTheFirstStar)
+{
+    EXPECT_EQ(splitDimensions("96*64*2"), (std::pair<std::string_view, std::string_view>{"96", "64*2"}));
+    EXPECT_EQ(splitDimensions("96"), (std::pair<std::string_view, std::string_view>{"96", ""}));
+}

@@ -109,6 +109,8 @@ private slots:
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 0, 18}));
         QCOMPARE(m_dialogs->messages[0].text, QString::fromUtf8("错误的bmp文件格式"));
         QCOMPARE(m_dialogs->messages[1].text, QString::fromUtf8("错误的bmp文件格式"));
+        QCOMPARE(m_dialogs->messages[2].text,
+                 QString("Exported.\nFiles written: 7\nRows skipped (a depth BMP files cannot hold): 003, 008"));
         const QByteArray pal = readBytes(path("all/pal-01.bmp"));
         QCOMPARE(pal.size(), 118 + 8);
         QCOMPARE(pal.mid(54, 64), readBytes(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat")).left(64));

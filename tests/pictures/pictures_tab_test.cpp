@@ -56,18 +56,32 @@ private slots:
         QCOMPARE(row(2)->text(4), QString("6"));
     }
 
-    void badLineShowsMessage38AndClearsTheList()
+    void badLineShowsMessage38WithWhereAndClearsTheListAndPreview()
     {
         startWindow("phone.bin");
         openTable(kTable);
+        clickRow(0);
+        QVERIFY(!m_tab->Picture2->pixmap().isNull());
         openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24") + "002 short\t 0X00000200\t Frames: 1\r\n");
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
-        QCOMPARE(m_dialogs->messages[0].text, QString());
+        // Message 38 has no text of its own; what failed and where stands in its place.
+        QCOMPARE(m_dialogs->messages[0].text, path("table.txt") + ": line 2: only 5 of 11 space-separated fields");
+        QVERIFY(m_tab->Picture2->pixmap().isNull());
+        QCOMPARE(m_tab->Text15->text(), QString());
         QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Critical);
         QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
         QVERIFY(!m_tab->PlayPicture->isEnabled());
         QVERIFY(!m_tab->nextpicture->isEnabled());
         QVERIFY(!m_tab->PreviousPicture->isEnabled());
+    }
+
+    void check1RefusesDimensionsWithoutAStar()
+    {
+        startWindow("phone.bin");
+        openTable(line("001", "logo", "00000100", "3", "12", "2x2", "24"), true);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
+        QCOMPARE(m_dialogs->messages[0].text, path("table.txt") + ": line 1: the dimensions \"2x2\" have no \"*\"");
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
     }
 
     void unreadableTableIsMessage38Too()
@@ -191,6 +205,18 @@ private slots:
         QVERIFY(m_dialogs->messages.empty());
     }
 
+    void frameRunningPastTheImagesEndSaysSo()
+    {
+        startWindow("phone.bin");
+        openTable(line("001", "tail", "00003FFA", "1", "12", "2*2", "24"));
+        clickRow(0);
+        QCOMPARE(m_tab->FrameCount->text(),
+                 QString("of 1  (the frame runs past the end of the image: the missing bytes show black)"));
+        openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24"));
+        clickRow(0);
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
+    }
+
     void nextAndPreviousStepPastEitherEnd()
     {
         startWindow("phone.bin");
@@ -200,12 +226,15 @@ private slots:
         m_tab->nextpicture->click();
         QCOMPARE(m_tab->Text15->text(), QString("0x10C"));
         QCOMPARE(m_tab->Text16->text(), QString("2"));
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
         expectLogoFrame(qRgb(0, 0, 0), qRgb(255, 255, 0), qRgb(0, 255, 255), qRgb(255, 0, 255));
         m_tab->nextpicture->click();
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
         m_tab->nextpicture->click();
         // Past the last frame: the bytes that follow the picture.
         QCOMPARE(m_tab->Text15->text(), QString("0x124"));
         QCOMPARE(m_tab->Text16->text(), QString("4"));
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3: past the last frame"));
         expectLogoFrame(qRgb(0x03, 0x02, 0x01), qRgb(0x06, 0x05, 0x04),
                         qRgb(0x09, 0x08, 0x07), qRgb(0x0C, 0x0B, 0x0A));
         for (int i = 0; i < 4; ++i) m_tab->PreviousPicture->click();

@@ -121,3 +121,22 @@ TEST(FindNextString, HitWithoutZeroIsSkippedForTheNextOne)
     ASSERT_TRUE(hit);
     EXPECT_EQ(hit->Text9, "00000005");
 }
+
+TEST(StoredText, HandsetCodesDecodeA1PairsAndCodeUnits)
+{
+    const std::vector<std::uint8_t> bytes{0xA1, 0x48, 0xA1, 0x69, 0x4E, 0x2D, 0xD8, 0x3D, 0xDE, 0x00, 0x21};
+    // "Hi", U+4E2D, U+1F600 from its surrogate pair; the odd last byte is left out.
+    EXPECT_EQ(storedText(bytes, true), "Hi\xE4\xB8\xAD\xF0\x9F\x98\x80");
+}
+
+TEST(StoredText, LoneSurrogateShowsAsReplacementCharacter)
+{
+    const std::vector<std::uint8_t> bytes{0xDC, 0x00, 0xA1, 0x41};
+    EXPECT_EQ(storedText(bytes, true), "\xEF\xBF\xBD" "A");
+}
+
+TEST(StoredText, SingleByteCodesDecodeInTheCodePage)
+{
+    const std::vector<std::uint8_t> bytes{'O', 'K', 0xD6, 0xD0};
+    EXPECT_EQ(storedText(bytes, false), "OK\xE4\xB8\xAD");
+}

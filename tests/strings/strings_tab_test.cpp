@@ -153,6 +153,33 @@ private slots:
         QCOMPARE(m_dialogs->codes(), std::vector<int>{26});
     }
 
+    void newTextStartsAFreshPass()
+    {
+        open("phone.bin");
+        search("Tail");
+        QCOMPARE(found(), QStringList({"000000E0", "000000E3", "4", "1"}));
+        search("Menu");
+        QCOMPARE(found(), QStringList({"00000010", "00000013", "4", "1"}));
+        search("Menu", true);  // the same text in the other encoding starts afresh too
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{26});
+        QVERIFY(m_dialogs->messages.size() == 1);
+    }
+
+    void foundStringIsShownAsTextInItsEncoding()
+    {
+        open("phone.bin");
+        search("Menu");
+        QCOMPARE(m_tab->FoundText->text(), QString("Menu"));
+        m_tab->SeachString->click();
+        QCOMPARE(m_tab->FoundText->text(), QString("Menu items"));
+        search("Hi", true);
+        QCOMPARE(m_tab->FoundText->text(), QString("Hi  "));
+        search(QString::fromUtf8("中文"), true);
+        QCOMPARE(m_tab->FoundText->text(), QString::fromUtf8("中文"));
+        search(QString::fromUtf8("中文"));
+        QCOMPARE(m_tab->FoundText->text(), QString::fromUtf8("中文"));
+    }
+
     void fromTheBeginningEveryClickShowsTheFirst()
     {
         open("phone.bin");

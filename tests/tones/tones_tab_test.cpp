@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -181,6 +182,7 @@ private slots:
         const QStringList expected{"001|0x00000100|0x0000019F|160|", "002|0x00000500|0x00000564|101|",
                                    "003|0x00001234|0x00001333|256|"};
         QCOMPARE(rowTexts(m_tab->ListView4), expected);
+        QCOMPARE(m_tab->ToneCount->text(), QString("3 tones found"));
         QVERIFY(!m_tab->ProgressBar1->isVisible());
         QCOMPARE(m_tab->ProgressBar1->value(), 1);
         m_tab->GetTone->click();
@@ -260,6 +262,7 @@ private slots:
         m_dialogs->files = {path("out/ring.mmf")};
         action("outputselect")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{9});
+        QCOMPARE(m_dialogs->messages[0].text, QString("Exported.\nFiles written: 2"));
         const QByteArray image = phoneImage();
         QCOMPARE(readBytes(path("out/ring-001.mmf")), image.mid(0x100, 160) + QByteArray(40, 'Z'));
         QCOMPARE(readBytes(path("out/ring-003.mmf")), image.mid(0x1234, 256));
@@ -326,6 +329,21 @@ private slots:
         emit m_tab->Text5->editingFinished();
         QVERIFY(m_tab->Text5->isHidden());
         QCOMPARE(row->text(4), QString("alarm"));
+    }
+
+    void escapeCancelsTheNoteEdit()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        QTreeWidgetItem* row = m_tab->ListView4->topLevelItem(1);
+        row->setText(4, "ring");
+        select(m_tab->ListView4, {1});
+        emit m_tab->ListView4->itemDoubleClicked(row, 0);
+        m_tab->Text5->setText("alarm");
+        QTest::keyClick(m_tab->Text5, Qt::Key_Escape);
+        QVERIFY(m_tab->Text5->isHidden());
+        emit m_tab->Text5->editingFinished();
+        QCOMPARE(row->text(4), QString("ring"));
     }
 
     void browserListsToneFilesAndSortsByNameOrSizeAsText()
@@ -435,14 +453,39 @@ private slots:
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
     }
 
-    void srecordOutputStopsAtATooLargeTone()
+    void srecordOutputWritesNothingWhenAToneIsTooLarge()
     {
         openPhone("phone.bin");
         planTwoPairs();
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
-        QCOMPARE(m_dialogs->codes(), (std::vector<int>{10, 12}));
-        QCOMPARE(readBytes(path("patch.s3")), patchFile({{0x100, padded(QByteArray(120, 'A'), 160)}}));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
+        QCOMPARE(m_dialogs->messages[0].text, QString("Too large.\nRow 002 of the plan: c.mmf 300 ") + QString::fromUtf8("字节") +
+                                                  " does not fit its slot. Nothing was written.");
+        QVERIFY(!QFileInfo::exists(path("patch.s3")));
+    }
+
+    void cancelledSaveDialogEndsTheToneOutputSilently()
+    {
+        openPhone("phone.bin");
+        planTwoPairs();
+        m_dialogs->files = {""};
+        action("outputs3")->trigger();
+        QVERIFY(m_dialogs->messages.empty());
+    }
+
+    void emptySlotMessageComesAfterTheSaveDialog()
+    {
+        openPhone("phone.bin");
+        planTwoPairs();
+        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        // An empty tone into a slot of 0 bytes (a hand-made table): sizes pass, the slot is empty.
+        m_tab->ListView3->topLevelItem(0)->setText(1, QString::fromUtf8("a.mmf 0 字节"));
+        m_tab->ListView3->topLevelItem(0)->setText(2, "001 0x00000100 - 0x0000019F 0 ");
+        m_dialogs->files = {path("patch.s3")};
+        action("outputs3")->trigger();
+        QCOMPARE(m_dialogs->asked.size(), 1);
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{1});
     }
 
     void imageOutputPatchesTheImageAndEnablesSave()
@@ -459,13 +502,14 @@ private slots:
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());
     }
 
-    void imageOutputStopsAtATooLargeToneWithoutTheDoneMessage()
+    void imageOutputChangesNothingWhenAToneIsTooLarge()
     {
         openPhone("phone.asf");
         planTwoPairs();
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
-        QCOMPARE(static_cast<char>(m_window->imageState().FirmwareImage[0x100]), 'A');
+        QCOMPARE(static_cast<char>(m_window->imageState().FirmwareImage[0x100]), 'M');
+        QVERIFY(!action("Save")->isEnabled());
     }
 
     void imageOutputWithNothingCheckedShowsMessage11()
