@@ -139,34 +139,59 @@ void writeBmp(const std::string& path, const std::vector<std::uint8_t>& bmp)
 
 }  // namespace
 
+bool assembleFrameRows(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width,
+                       std::int32_t height, int depth, std::int64_t stride, std::uint8_t* data)
+{
+    switch (depth) {
+    case 4: copyRows(image, address, width, height, 0.5, stride, data); return true;
+    case 16: copyRows(image, address, width, height, 2, stride, data); return true;
+    case 24: copyRows(image, address, width, height, 3, stride, data); return true;
+    case 8: convertDepth8(image, address, width, height, stride, data); return true;
+    case 12: convertDepth12(image, address, width, height, stride, data); return true;
+    default: return false;
+    }
+}
+
+void assembleMonoColumns(std::span<const std::uint8_t> image, std::int64_t address, std::uint8_t* data)
+{
+    // The display memory is 96 columns by 8 pages of 8 pixel rows; each column's page
+    // bytes, bottom page first, make one BMP row of a 64 x 96 picture.
+    for (std::int64_t column = 0; column < 96; ++column)
+        for (std::int64_t page = 7; page >= 0; --page) *data++ = imageByte(image, address + page * 96 + column);
+}
+
+int bmpBitsPerPixel(int depth)
+{
+    switch (depth) {
+    case 1: case 4: case 16: case 24: return depth;
+    case 8: case 12: return 24;
+    default: return 0;
+    }
+}
+
+std::int64_t bmpStride(std::int32_t width, int bitsPerPixel) { return strideOf(width, bitsPerPixel); }
+
 std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
                                                         std::int32_t width, std::int32_t height, int depth,
                                                         const ColourTable& colours)
 {
     static constexpr std::uint8_t masks[16] = {0x00, 0xF8, 0, 0, 0xE0, 0x07, 0, 0, 0x1F, 0, 0, 0, 0, 0, 0, 0};
     std::span<const std::uint8_t> table;
-    int bitsPerPixel = 24;
     std::uint32_t compression = 0;
     switch (depth) {
-    case 4: table = colours, bitsPerPixel = 4; break;
-    case 16: table = masks, bitsPerPixel = 16, compression = 3; break;
+    case 4: table = colours; break;
+    case 16: table = masks, compression = 3; break;
     case 24: case 8: case 12: break;
     default: return std::nullopt;
     }
+    const int bitsPerPixel = bmpBitsPerPixel(depth);
     if (width < 0 || height < 0) throw std::length_error("a picture cannot have negative dimensions");
     const std::int64_t stride = strideOf(width, bitsPerPixel);
     auto bmp = bmpShell(width, height, bitsPerPixel, compression, table, stride * height);
     const std::size_t offset = kHeaderSize + table.size();
     // A width or height of 0 leaves no pixel data, however many rows the other names.
     if (bmp.size() == offset) return bmp;
-    std::uint8_t* data = bmp.data() + offset;
-    switch (depth) {
-    case 4: copyRows(image, address, width, height, 0.5, stride, data); break;
-    case 16: copyRows(image, address, width, height, 2, stride, data); break;
-    case 24: copyRows(image, address, width, height, 3, stride, data); break;
-    case 8: convertDepth8(image, address, width, height, stride, data); break;
-    case 12: convertDepth12(image, address, width, height, stride, data); break;
-    }
+    assembleFrameRows(image, address, width, height, depth, stride, bmp.data() + offset);
     flipRows(bmp, offset, stride, height);
     return bmp;
 }
@@ -178,12 +203,10 @@ std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std:
     const auto dataSize = static_cast<std::int64_t>(std::nearbyint(static_cast<double>(width) * height / 8));
     auto bmp = bmpShell(width, height, 1, 0, blackWhite, std::max<std::int64_t>(dataSize, 0));
     const std::size_t offset = kHeaderSize + sizeof blackWhite;
-    // The display memory is 96 columns by 8 pages of 8 pixel rows; each column's page
-    // bytes, bottom page first, make one BMP row of a 64 x 96 picture.
-    std::size_t at = offset;
-    for (std::int64_t column = 0; column < 96; ++column)
-        for (std::int64_t page = 7; page >= 0; --page, ++at)
-            if (at < bmp.size()) bmp[at] = imageByte(image, address + page * 96 + column);
+    std::array<std::uint8_t, kMonoMemoryBytes> columns{};
+    assembleMonoColumns(image, address, columns.data());
+    // Dimensions whose product is below 6144 pixels hold only the first columns.
+    std::copy_n(columns.begin(), std::min(columns.size(), bmp.size() - offset), bmp.begin() + static_cast<std::ptrdiff_t>(offset));
     if (width >= 0) flipRows(bmp, offset, strideOf(width, 1), height);
     return bmp;
 }
