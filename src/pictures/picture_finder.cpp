@@ -99,8 +99,9 @@ bool pictureNameAllowed(std::string_view name)
 
 std::string nextPictureNumber(const std::vector<PictureEntry>& rows)
 {
+    // A last number that is not one (typed over by hand) counts as the row's place.
     double last = rows.empty() ? 0 : std::nearbyint(leadingNumber(rows.back().number));
-    if (!(last >= 0 && last < 1e9)) last = static_cast<double>(rows.size());
+    if (!(last >= 1 && last < 1e9)) last = static_cast<double>(rows.size());
     return image::ZeroPad(std::to_string(static_cast<std::int64_t>(last) + 1), 3);
 }
 
