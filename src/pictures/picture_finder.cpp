@@ -46,8 +46,7 @@ std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::in
         if (pairs > 0) scores.push_back({width, static_cast<double>(total) / static_cast<double>(pairs)});
     }
     if (scores.empty())
-        throw std::runtime_error("0x" + image::HexPad(static_cast<std::uint32_t>(address), 8) +
-                                 ": no width from " + std::to_string(least) + " to " + std::to_string(most) +
+        throw std::runtime_error("no width from " + std::to_string(least) + " to " + std::to_string(most) +
                                  " has two rows of pixels inside the image");
     std::stable_sort(scores.begin(), scores.end(),
                      [](const WidthScore& a, const WidthScore& b) { return a.score < b.score; });

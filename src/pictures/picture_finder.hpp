@@ -42,7 +42,7 @@ public:
 // mean of |red| + |green| + |blue| differences between the pixel at p and the one at
 // p + w, the pixel straight below it when w is the picture's width. Pixels outside the
 // image are left out. Throws WidthGuessError as above, and std::runtime_error when no
-// width has two rows inside the image.
+// width has two rows inside the image (the caller names the address).
 std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::int64_t address, int depth,
                                     std::int32_t least, std::int32_t most, const ColourTable& colours);
 
