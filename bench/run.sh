@@ -276,6 +276,19 @@ for depth in 1 4 8 12 16 24; do
   fi
 done
 
+# The picture finder: one redraw of a 512*1024-pixel view (wall and CPU time, ms).
+time_of() {
+  awk -v want="\"$1\"," -v field="\"$2\":" '$1 == "\"name\":" { name = $2 } $1 == field && name == want {
+    sub(",", "", $2); printf "%.2f", $2 }' "$DATA/bench.json"
+}
+for depth in 1 4 8 12 16 24; do
+  redraw_ms=$(time_of "BM_finderRedraw/depth:$depth" real_time)
+  verdict "finder redraw of 512*1024 pixels at depth $depth, ms" "$redraw_ms" "<=" 16
+  printf '  %-36s %8s ms (CPU %s ms)  %s (target <= 16)\n' "finder redraw, 512*1024 at depth $depth" "$redraw_ms" \
+    "$(time_of "BM_finderRedraw/depth:$depth" cpu_time)" "$VERDICT"
+done
+printf '  %-36s %8s ms\n' "finder width guess, widths 8 to 320" "$(time_of BM_guessWidth real_time)"
+
 echo
 echo "Targets"
 printf '  %s\n' "${targets[@]}"

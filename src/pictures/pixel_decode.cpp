@@ -3,6 +3,7 @@
 #include "image/file_io.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 
@@ -88,7 +89,17 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
     // width 5 -> 3 bytes and width 7 -> 3 bytes a row, as the tables always assumed.
     const auto lastIndex = static_cast<std::int64_t>(std::nearbyint(bytesPerPixel * width - 1));
     const std::int64_t count = std::min(lastIndex + 1, stride);
+    const auto size = static_cast<std::int64_t>(image.size());
     for (std::int64_t r = 0; r < height; ++r) {
+        // Whole bytes a pixel: the rounding changes nothing, and a row inside the
+        // image is one plain copy.
+        if (bytesPerPixel >= 1) {
+            const std::int64_t from = static_cast<std::int64_t>(bytesPerPixel) * r * width + address;
+            if (from >= 0 && from + count <= size) {
+                std::copy_n(image.begin() + from, count, data + r * stride);
+                continue;
+            }
+        }
         const double rowStart = bytesPerPixel * static_cast<double>(r) * width;
         for (std::int64_t i = 0; i < count; ++i)
             data[r * stride + i] = imageByte(image, static_cast<std::int64_t>(std::nearbyint(rowStart + static_cast<double>(i) + static_cast<double>(address))));
@@ -98,15 +109,17 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
 void convertDepth8(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width, std::int32_t height,
                    std::int64_t stride, std::uint8_t* data)
 {
+    // Bits 7-5 land in the BMP's blue byte and bits 1-0 in its red byte.
+    static const auto kConverted = [] {
+        std::array<std::array<std::uint8_t, 3>, 256> table{};
+        for (unsigned b = 0; b < 256; ++b)
+            table[b] = {scaled((b >> 5) * 255.0 / 7), scaled(((b >> 2) & 7) * 255.0 / 7), scaled((b & 3) * 255.0 / 3)};
+        return table;
+    }();
     for (std::int64_t r = 0; r < height; ++r) {
         std::uint8_t* out = data + r * stride;
-        for (std::int64_t x = 0; x < width; ++x) {
-            const std::uint8_t b = imageByte(image, address + r * width + x);
-            // Bits 7-5 land in the BMP's blue byte and bits 1-0 in its red byte.
-            *out++ = scaled((b >> 5) * 255.0 / 7);
-            *out++ = scaled(((b >> 2) & 7) * 255.0 / 7);
-            *out++ = scaled((b & 3) * 255.0 / 3);
-        }
+        for (std::int64_t x = 0; x < width; ++x, out += 3)
+            std::copy_n(kConverted[imageByte(image, address + r * width + x)].begin(), 3, out);
     }
 }
 
