@@ -253,6 +253,7 @@ void Form1::languagNum_Click(int index)
     applyLanguage(m_settings.Language);
     for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
     m_tonesTab->showToneCheck();
+    m_picturesTab->showWorkshopTexts();
 }
 
 void Form1::ShowMessage(int code)
