@@ -227,6 +227,42 @@ private slots:
         QCOMPARE(rowTexts(row(0)), (QStringList{"001", "mono", "0X00003200", "2", "768", "64*96", "1"}));
     }
 
+    void captionsComeFromTheWorkshopTexts()
+    {
+        startWindow("phone.bin");
+        PictureFinderPane* finder = openFinder();
+        QVERIFY(finder);
+        // The test's language file lacks the keys: the shipped English ones stand in.
+        QCOMPARE(m_tab->FindPictures->text(), QString("Find pictures"));
+        QCOMPARE(m_tab->ShowInFinder->text(), QString("Show in finder"));
+        QCOMPARE(finder->windowTitle(), QString("Picture finder"));
+        QCOMPARE(finder->guessButton->text(), QString("Guess width"));
+        QCOMPARE(finder->addButton->text(), QString("Add to table"));
+        QCOMPARE(finder->forwardButtons[0]->text(), QString("Byte >"));
+        QCOMPARE(finder->backButtons[4]->text(), QString("< Page"));
+    }
+
+    void bothShippedLanguagesHaveEveryFinderText()
+    {
+        const QStringList keys = {"FindPictures", "ShowInFinder", "FinderTitle", "FinderAddress", "FinderDepth",
+                                  "FinderWidth", "FinderHeight", "FinderFrames", "FinderZoom", "FinderByte",
+                                  "FinderPixel", "FinderRow", "FinderFrame", "FinderPage", "FinderPointer",
+                                  "FinderGuessWidth", "FinderGuessed", "FinderNoWidth", "FinderMonoHasNoWidth",
+                                  "FinderName", "FinderAddToTable", "FinderBadName", "FinderAdded", "FinderBadAddress"};
+        for (const char* language : {"English", "ChineseS"}) {
+            QFile file(QString(ZEVRAN_DATA_DIR "/language/%1.ini").arg(language));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QString text = QString::fromUtf8(file.readAll());
+            const QString section = text.mid(text.indexOf("[Zevran]"));
+            for (const QString& key : keys) {
+                const qsizetype at = section.indexOf("\r\n" + key + "=");
+                QVERIFY2(at >= 0, qPrintable(QString(language) + " lacks " + key));
+                const qsizetype valueAt = at + 3 + key.size();
+                QVERIFY2(section.indexOf("\r\n", valueAt) > valueAt, qPrintable(QString(language) + ": " + key + " is empty"));
+            }
+        }
+    }
+
     void nameWithASpaceOrNoNameAddsNothing()
     {
         startWindow("phone.bin");
