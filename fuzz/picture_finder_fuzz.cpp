@@ -66,10 +66,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static constexpr int kDepths[8] = {1, 2, 4, 8, 12, 16, 24, 32};
     const int depth = kDepths[data[0] % 8];
     const std::int32_t width = data[1] % 100;
-    const std::int32_t rows = data[2] % 48;
+    const std::int32_t rows = data[2] % 32;
     const std::int64_t address = static_cast<std::int16_t>(data[3] | data[4] << 8);
-    const std::int32_t least = data[5] % 70;
-    const std::int32_t most = data[6] % 70;
+    const std::int32_t least = data[5] % 40;
+    const std::int32_t most = data[6] % 40;
     const std::span<const std::uint8_t> image(data + 8, size - 8);
     ColourTable colours{};
     for (std::size_t i = 0; i < colours.size(); ++i) colours[i] = static_cast<std::uint8_t>(i * 7 + data[7]);
