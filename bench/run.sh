@@ -169,6 +169,18 @@ if [[ -x $BIN/zevran-window-bench ]]; then
   echo "  median $preview_ms ms, worst $(awk '$1 == "preview_frame_worst_ms" { print $2 }' "$DATA/preview.txt") ms  $VERDICT (target <= 16)"
 fi
 
+# --- the picture finder in the window: a 512*1024 view redrawn and painted ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "Picture finder in the window: a 512*1024-pixel view moved a row, redrawn and painted (median of 60)"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" --finder >"$DATA/finder.txt" 2>>"$LOG"
+  for depth in 1 4 8 12 16 24; do
+    finder_ms=$(awk -v key="finder_redraw_ms_$depth" '$1 == key { print $2 }' "$DATA/finder.txt")
+    verdict "finder window redraw of 512*1024 at depth $depth, ms" "$finder_ms" "<=" 16
+    printf '  depth %-3s %8s ms  %s (target <= 16)\n' "$depth" "$finder_ms" "$VERDICT"
+  done
+fi
+
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---
 if [[ -x $BIN/zevran-window-bench ]]; then
   echo
