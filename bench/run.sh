@@ -169,6 +169,18 @@ if [[ -x $BIN/zevran-window-bench ]]; then
   echo "  median $preview_ms ms, worst $(awk '$1 == "preview_frame_worst_ms" { print $2 }' "$DATA/preview.txt") ms  $VERDICT (target <= 16)"
 fi
 
+# --- the picture finder in the window: a 512*1024 view redrawn and painted ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "Picture finder in the window: a 512*1024-pixel view moved a row, redrawn and painted (median of 60)"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" --finder >"$DATA/finder.txt" 2>>"$LOG"
+  for depth in 1 4 8 12 16 24; do
+    finder_ms=$(awk -v key="finder_redraw_ms_$depth" '$1 == key { print $2 }' "$DATA/finder.txt")
+    verdict "finder window redraw of 512*1024 at depth $depth, ms" "$finder_ms" "<=" 16
+    printf '  depth %-3s %8s ms  %s (target <= 16)\n' "$depth" "$finder_ms" "$VERDICT"
+  done
+fi
+
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---
 if [[ -x $BIN/zevran-window-bench ]]; then
   echo
@@ -275,6 +287,19 @@ for depth in 1 4 8 12 16 24; do
     printf '  %-36s %8s frames/s\n' "export, 128*160 at depth $depth" "$fps"
   fi
 done
+
+# The picture finder: one redraw of a 512*1024-pixel view (wall and CPU time, ms).
+time_of() {
+  awk -v want="\"$1\"," -v field="\"$2\":" '$1 == "\"name\":" { name = $2 } $1 == field && name == want {
+    sub(",", "", $2); printf "%.2f", $2 }' "$DATA/bench.json"
+}
+for depth in 1 4 8 12 16 24; do
+  redraw_ms=$(time_of "BM_finderRedraw/depth:$depth" real_time)
+  verdict "finder redraw of 512*1024 pixels at depth $depth, ms" "$redraw_ms" "<=" 16
+  printf '  %-36s %8s ms (CPU %s ms)  %s (target <= 16)\n' "finder redraw, 512*1024 at depth $depth" "$redraw_ms" \
+    "$(time_of "BM_finderRedraw/depth:$depth" cpu_time)" "$VERDICT"
+done
+printf '  %-36s %8s ms\n' "finder width guess, widths 8 to 320" "$(time_of BM_guessWidth real_time)"
 
 echo
 echo "Targets"

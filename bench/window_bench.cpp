@@ -5,13 +5,17 @@
 //        zevran-window-bench --load PHONEFILE  (opens it, scans tones, searches a text;
 //        prints the peak memory, which must not hold the image twice)
 //        zevran-window-bench --preview  (times showing 128*160 frames of 16 bits)
+//        zevran-window-bench --finder  (times the picture finder's 512*1024 view at each depth)
 #include "app/main_window.hpp"
 #include "image/converter_tab.hpp"
+#include "pictures/picture_finder_pane.hpp"
 #include "pictures/pictures_tab.hpp"
 #include "strings/strings_tab.hpp"
 #include "tones/tones_tab.hpp"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QSpinBox>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QStringList>
@@ -109,6 +113,43 @@ int previewFrames()
     return 0;
 }
 
+// The picture finder's view of 512 * 1024 pixels at zoom 1, moved on a row and painted
+// 60 times at each depth, as a user holding the down key sees it.
+int finderRedraws()
+{
+    QTemporaryDir home;
+    zevran::app::Form1 window(home.path(), std::make_unique<SilentDialogs>());
+    window.LoadSettings();
+    window.show();
+    QByteArray image(8 << 20, '\0');
+    for (int i = 0; i < image.size(); ++i) image[i] = static_cast<char>(i * 7 / 3 + (i >> 11));
+    QFile phone(home.path() + "/finder.bin");
+    if (phone.open(QIODevice::WriteOnly)) phone.write(image);
+    phone.close();
+    window.openPhoneFile(home.path() + "/finder.bin");
+    auto* pictures = window.findChild<zevran::pictures::PicturesTab*>();
+    pictures->FindPictures_Click();
+    zevran::pictures::PictureFinderPane* finder = pictures->finder();
+    finder->canvas->setFixedSize(512, 1024);
+    finder->zoomBox->setValue(1);
+    finder->widthBox->setValue(512);
+    for (int depth : {1, 4, 8, 12, 16, 24}) {
+        finder->depthBox->setCurrentIndex(finder->depthBox->findData(depth));
+        finder->setAddress(0x1000);
+        QApplication::processEvents();
+        std::vector<double> redraws;
+        for (int step = 0; step < 60; ++step) {
+            QElapsedTimer clock;
+            clock.start();
+            finder->moveBy(zevran::pictures::FinderMove::Row, 1);
+            finder->canvas->repaint();
+            redraws.push_back(clock.nsecsElapsed() / 1e6);
+        }
+        std::printf("finder_redraw_ms_%d %.2f\n", depth, median(redraws));
+    }
+    return 0;
+}
+
 long peakKibibytes()
 {
     rusage usage{};
@@ -149,6 +190,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     if (argc == 3 && QByteArray(argv[1]) == "--load") return loadLargeImage(QString::fromLocal8Bit(argv[2]));
     if (argc == 2 && QByteArray(argv[1]) == "--preview") return previewFrames();
+    if (argc == 2 && QByteArray(argv[1]) == "--finder") return finderRedraws();
     if (argc != 2) {
         std::fprintf(stderr, "usage: zevran-window-bench S3FILE | --load PHONEFILE\n");
         return 2;

@@ -4,6 +4,7 @@
 #include "image/hex_text.hpp"
 #include "image/tab_host.hpp"
 #include "image/widget_helpers.hpp"
+#include "picture_finder_pane.hpp"
 #include "picture_frames.hpp"
 #include "picture_table.hpp"
 #include "pixel_decode.hpp"
@@ -40,6 +41,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     image::showCellsInToolTips(ListView5, {1});
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
+    FindPictures = named(new QPushButton(table), "FindPictures");
     Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
     Text21 = named(new QLineEdit(table), "Text21");
     // Wide enough for a whole address, so "1000" never shows as "000".
@@ -49,6 +51,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
+    tableButtons->addWidget(FindPictures);
     tableButtons->addWidget(Check1);
     tableButtons->addStretch();
     // The offset has a line of its own, so the buttons and it never squeeze each other.
@@ -198,6 +201,7 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     outputpic = menuAction(menufile5, "outputpic");
     outputpicall = menuAction(menufile5, "outputpicall");
     outputpics3 = menuAction(menufile5, "outputpics3");
+    ShowInFinder = menuAction(menufile5, "ShowInFinder");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
     connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
@@ -218,6 +222,9 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     connect(outputpic, &QAction::triggered, this, &PicturesTab::outputpic_Click);
     connect(outputpicall, &QAction::triggered, this, &PicturesTab::outputpicall_Click);
     connect(outputpics3, &QAction::triggered, this, &PicturesTab::outputpics3_Click);
+    connect(FindPictures, &QPushButton::clicked, this, &PicturesTab::FindPictures_Click);
+    connect(ShowInFinder, &QAction::triggered, this, &PicturesTab::ShowInFinder_Click);
+    applyTexts();
     enablePictureMenu();
 }
 
@@ -257,14 +264,16 @@ void PicturesTab::OpenPicTable_Click()
         m_host->showMessageWith(kMessageBadPictureTable, path + ": " + fromUtf8(error.what()));
         return;
     }
-    for (const PictureEntry& row : rows) {
-        auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address),
-                                                     fromUtf8(row.frames), fromUtf8(row.frameSize), fromUtf8(row.dimensions),
-                                                     fromUtf8(row.depth)});
-        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-        item->setCheckState(0, Qt::Unchecked);
-    }
+    for (const PictureEntry& row : rows) addListRow(row);
     for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
+}
+
+void PicturesTab::addListRow(const PictureEntry& row)
+{
+    auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address), fromUtf8(row.frames),
+                                                 fromUtf8(row.frameSize), fromUtf8(row.dimensions), fromUtf8(row.depth)});
+    item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+    item->setCheckState(0, Qt::Unchecked);
 }
 
 void PicturesTab::SavePicTable_Click()
@@ -471,6 +480,9 @@ void PicturesTab::applyTexts()
     nextpicture->setToolTip(m_host->text("nextpicture"));
     SpeedLabel->setText(m_host->text("SpeedLabel"));
     Slider1->setToolTip(m_host->text("Slider1"));
+    FindPictures->setText(m_host->text("FindPictures"));
+    ShowInFinder->setText(m_host->text("ShowInFinder"));
+    if (m_finder) m_finder->retranslate();
 }
 
 void PicturesTab::shutDown()
@@ -494,6 +506,55 @@ void PicturesTab::enablePictureMenu()
     outputpic->setEnabled(rows);
     outputpicall->setEnabled(rows);
     outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
+    ShowInFinder->setEnabled(selectedRow() != nullptr);
+}
+
+// ---- The picture finder ----
+
+PictureFinderPane* PicturesTab::openFinder()
+{
+    if (!m_finder) {
+        m_finder = new PictureFinderPane(*m_host, this);
+        m_finder->setWindowFlag(Qt::Window);
+        connect(m_finder, &PictureFinderPane::addToTableRequested, this, &PicturesTab::addFoundPicture);
+    }
+    m_finder->retranslate();
+    m_finder->show();
+    m_finder->raise();
+    m_finder->activateWindow();
+    return m_finder;
+}
+
+void PicturesTab::FindPictures_Click()
+{
+    PictureFinderPane* finder = openFinder();
+    finder->setAddress(finder->address());  // the image may have changed since
+}
+
+void PicturesTab::ShowInFinder_Click()
+{
+    QTreeWidgetItem* item = selectedRow();
+    if (!item) return;
+    const PictureEntry row = entryOf(item);
+    try {
+        const FrameGeometry geometry = pictures::frameGeometry(row);
+        openFinder()->showPicture({geometry.start, geometry.frames, geometry.width, geometry.height, geometry.depth});
+    } catch (const std::exception& error) {
+        m_host->showError(onRow(row, error));
+    }
+}
+
+void PicturesTab::addFoundPicture(const FoundPicture& picture, const QString& name)
+{
+    std::vector<PictureEntry> last;
+    if (const int count = ListView5->topLevelItemCount(); count > 0) last.push_back(entryOf(ListView5->topLevelItem(count - 1)));
+    try {
+        addListRow(foundPictureEntry(picture, nextPictureNumber(last), name.toStdString()));
+    } catch (const std::exception& error) {
+        m_host->showError(fromUtf8(error.what()));
+        return;
+    }
+    for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
 }
 
 void PicturesTab::outputpic_Click() { exportPictures(true); }

@@ -1,6 +1,7 @@
 // The picture tab: picture tables, the preview with its player, export and patches.
 #pragma once
 
+#include "picture_finder.hpp"
 #include "picture_player.hpp"
 #include "picture_table.hpp"
 
@@ -27,6 +28,8 @@ class QTreeWidgetItem;
 namespace zevran::image { class TabHost; }
 
 namespace zevran::pictures {
+
+class PictureFinderPane;
 
 class PicturesTab : public QWidget {
     Q_OBJECT
@@ -60,8 +63,16 @@ public:
     void outputpicall_Click();
     void outputpics3_Click();
 
-    // The player's captions and the speed slider's label in the current language.
+    // The player's captions, the speed slider's label and the finder's captions in the
+    // current language.
     void applyTexts();
+
+    // The picture finder: opened empty-handed, or on the selected row's place, size
+    // and depth; a picture found there becomes a row numbered after the last.
+    void FindPictures_Click();
+    void ShowInFinder_Click();
+    void addFoundPicture(const FoundPicture& picture, const QString& name);
+    PictureFinderPane* finder() const { return m_finder; }
 
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
@@ -74,6 +85,7 @@ public:
     QTreeWidget* ListView5;
     QPushButton* OpenPicTable;
     QPushButton* SavePicTable;
+    QPushButton* FindPictures;
     QCheckBox* Check1;      // recompute frame sizes when loading
     QCheckBox* RepeatPlay;
     QLineEdit* Text21;      // address offset added when saving
@@ -94,6 +106,7 @@ public:
     QAction* outputpic = nullptr;
     QAction* outputpicall = nullptr;
     QAction* outputpics3 = nullptr;
+    QAction* ShowInFinder = nullptr;
 
 signals:
     // The preview's temporary BMP is written and about to be loaded, then deleted.
@@ -118,6 +131,8 @@ private:
     void showWrongFormat();
     std::string colourTablePath() const;
     void exportPictures(bool selectedOnly);
+    void addListRow(const PictureEntry& row);
+    PictureFinderPane* openFinder();
 
     image::TabHost* m_host = nullptr;
     QGroupBox* m_frame16 = nullptr;
@@ -127,6 +142,7 @@ private:
     bool m_working = false;
     QImage m_preview;
     int m_zoom = 1;
+    PictureFinderPane* m_finder = nullptr;
 };
 
 }  // namespace zevran::pictures

@@ -3,6 +3,7 @@
 #include "image/file_io.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 
@@ -88,7 +89,17 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
     // width 5 -> 3 bytes and width 7 -> 3 bytes a row, as the tables always assumed.
     const auto lastIndex = static_cast<std::int64_t>(std::nearbyint(bytesPerPixel * width - 1));
     const std::int64_t count = std::min(lastIndex + 1, stride);
+    const auto size = static_cast<std::int64_t>(image.size());
     for (std::int64_t r = 0; r < height; ++r) {
+        // Whole bytes a pixel: the rounding changes nothing, and a row inside the
+        // image is one plain copy.
+        if (bytesPerPixel >= 1) {
+            const std::int64_t from = static_cast<std::int64_t>(bytesPerPixel) * r * width + address;
+            if (from >= 0 && from + count <= size) {
+                std::copy_n(image.begin() + from, count, data + r * stride);
+                continue;
+            }
+        }
         const double rowStart = bytesPerPixel * static_cast<double>(r) * width;
         for (std::int64_t i = 0; i < count; ++i)
             data[r * stride + i] = imageByte(image, static_cast<std::int64_t>(std::nearbyint(rowStart + static_cast<double>(i) + static_cast<double>(address))));
@@ -98,15 +109,17 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
 void convertDepth8(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width, std::int32_t height,
                    std::int64_t stride, std::uint8_t* data)
 {
+    // Bits 7-5 land in the BMP's blue byte and bits 1-0 in its red byte.
+    static const auto kConverted = [] {
+        std::array<std::array<std::uint8_t, 3>, 256> table{};
+        for (unsigned b = 0; b < 256; ++b)
+            table[b] = {scaled((b >> 5) * 255.0 / 7), scaled(((b >> 2) & 7) * 255.0 / 7), scaled((b & 3) * 255.0 / 3)};
+        return table;
+    }();
     for (std::int64_t r = 0; r < height; ++r) {
         std::uint8_t* out = data + r * stride;
-        for (std::int64_t x = 0; x < width; ++x) {
-            const std::uint8_t b = imageByte(image, address + r * width + x);
-            // Bits 7-5 land in the BMP's blue byte and bits 1-0 in its red byte.
-            *out++ = scaled((b >> 5) * 255.0 / 7);
-            *out++ = scaled(((b >> 2) & 7) * 255.0 / 7);
-            *out++ = scaled((b & 3) * 255.0 / 3);
-        }
+        for (std::int64_t x = 0; x < width; ++x, out += 3)
+            std::copy_n(kConverted[imageByte(image, address + r * width + x)].begin(), 3, out);
     }
 }
 
@@ -139,34 +152,59 @@ void writeBmp(const std::string& path, const std::vector<std::uint8_t>& bmp)
 
 }  // namespace
 
+bool assembleFrameRows(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width,
+                       std::int32_t height, int depth, std::int64_t stride, std::uint8_t* data)
+{
+    switch (depth) {
+    case 4: copyRows(image, address, width, height, 0.5, stride, data); return true;
+    case 16: copyRows(image, address, width, height, 2, stride, data); return true;
+    case 24: copyRows(image, address, width, height, 3, stride, data); return true;
+    case 8: convertDepth8(image, address, width, height, stride, data); return true;
+    case 12: convertDepth12(image, address, width, height, stride, data); return true;
+    default: return false;
+    }
+}
+
+void assembleMonoColumns(std::span<const std::uint8_t> image, std::int64_t address, std::uint8_t* data)
+{
+    // The display memory is 96 columns by 8 pages of 8 pixel rows; each column's page
+    // bytes, bottom page first, make one BMP row of a 64 x 96 picture.
+    for (std::int64_t column = 0; column < 96; ++column)
+        for (std::int64_t page = 7; page >= 0; --page) *data++ = imageByte(image, address + page * 96 + column);
+}
+
+int bmpBitsPerPixel(int depth)
+{
+    switch (depth) {
+    case 1: case 4: case 16: case 24: return depth;
+    case 8: case 12: return 24;
+    default: return 0;
+    }
+}
+
+std::int64_t bmpStride(std::int32_t width, int bitsPerPixel) { return strideOf(width, bitsPerPixel); }
+
 std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
                                                         std::int32_t width, std::int32_t height, int depth,
                                                         const ColourTable& colours)
 {
     static constexpr std::uint8_t masks[16] = {0x00, 0xF8, 0, 0, 0xE0, 0x07, 0, 0, 0x1F, 0, 0, 0, 0, 0, 0, 0};
     std::span<const std::uint8_t> table;
-    int bitsPerPixel = 24;
     std::uint32_t compression = 0;
     switch (depth) {
-    case 4: table = colours, bitsPerPixel = 4; break;
-    case 16: table = masks, bitsPerPixel = 16, compression = 3; break;
+    case 4: table = colours; break;
+    case 16: table = masks, compression = 3; break;
     case 24: case 8: case 12: break;
     default: return std::nullopt;
     }
+    const int bitsPerPixel = bmpBitsPerPixel(depth);
     if (width < 0 || height < 0) throw std::length_error("a picture cannot have negative dimensions");
     const std::int64_t stride = strideOf(width, bitsPerPixel);
     auto bmp = bmpShell(width, height, bitsPerPixel, compression, table, stride * height);
     const std::size_t offset = kHeaderSize + table.size();
     // A width or height of 0 leaves no pixel data, however many rows the other names.
     if (bmp.size() == offset) return bmp;
-    std::uint8_t* data = bmp.data() + offset;
-    switch (depth) {
-    case 4: copyRows(image, address, width, height, 0.5, stride, data); break;
-    case 16: copyRows(image, address, width, height, 2, stride, data); break;
-    case 24: copyRows(image, address, width, height, 3, stride, data); break;
-    case 8: convertDepth8(image, address, width, height, stride, data); break;
-    case 12: convertDepth12(image, address, width, height, stride, data); break;
-    }
+    assembleFrameRows(image, address, width, height, depth, stride, bmp.data() + offset);
     flipRows(bmp, offset, stride, height);
     return bmp;
 }
@@ -178,12 +216,10 @@ std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std:
     const auto dataSize = static_cast<std::int64_t>(std::nearbyint(static_cast<double>(width) * height / 8));
     auto bmp = bmpShell(width, height, 1, 0, blackWhite, std::max<std::int64_t>(dataSize, 0));
     const std::size_t offset = kHeaderSize + sizeof blackWhite;
-    // The display memory is 96 columns by 8 pages of 8 pixel rows; each column's page
-    // bytes, bottom page first, make one BMP row of a 64 x 96 picture.
-    std::size_t at = offset;
-    for (std::int64_t column = 0; column < 96; ++column)
-        for (std::int64_t page = 7; page >= 0; --page, ++at)
-            if (at < bmp.size()) bmp[at] = imageByte(image, address + page * 96 + column);
+    std::array<std::uint8_t, kMonoMemoryBytes> columns{};
+    assembleMonoColumns(image, address, columns.data());
+    // Dimensions whose product is below 6144 pixels hold only the first columns.
+    std::copy_n(columns.begin(), std::min(columns.size(), bmp.size() - offset), bmp.begin() + static_cast<std::ptrdiff_t>(offset));
     if (width >= 0) flipRows(bmp, offset, strideOf(width, 1), height);
     return bmp;
 }

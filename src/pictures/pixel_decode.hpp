@@ -30,6 +30,23 @@ std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::ui
 std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width,
                                        std::int32_t height);
 
+// The pixel data of one frame as its BMP holds it, but top row first: `height` rows
+// of `stride` bytes into `data`, which the caller has zeroed (bytes after a row's
+// pixels stay as they are). Depths 4, 8, 12, 16 and 24; false for any other. The BMP
+// writer and the picture finder's view both draw through it.
+bool assembleFrameRows(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width,
+                       std::int32_t height, int depth, std::int64_t stride, std::uint8_t* data);
+
+// The mono display memory in the order of its BMP rows: column by column, each
+// column's 8 page bytes from the bottom page up (768 bytes into `data`).
+inline constexpr std::size_t kMonoMemoryBytes = 768;
+void assembleMonoColumns(std::span<const std::uint8_t> image, std::int64_t address, std::uint8_t* data);
+
+// Bits per pixel of the BMP a depth becomes (24 for 8 and 12); 0 for a refused depth.
+int bmpBitsPerPixel(int depth);
+// Bytes of one BMP row: whole 32-bit words.
+std::int64_t bmpStride(std::int32_t width, int bitsPerPixel);
+
 // The colour table for depth 4: the first 64 bytes of the file, zero where it is
 // shorter. A missing file is created empty, so every such pixel shows black.
 ColourTable readColourTable(const std::string& path);
