@@ -22,6 +22,7 @@ std::vector<Command> imageCommands();
 std::vector<Command> toneCommands();
 std::vector<Command> stringCommands();
 std::vector<Command> pictureCommands();
+std::vector<Command> importCommands();  // where Qt's image readers are built in
 std::vector<Command> demoCommands();
 
 }  // namespace zevran::cli
