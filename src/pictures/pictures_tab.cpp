@@ -185,6 +185,8 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     outputpic = menuAction(menufile5, "outputpic");
     outputpicall = menuAction(menufile5, "outputpicall");
     outputpics3 = menuAction(menufile5, "outputpics3");
+    importpic = menuAction(menufile5, "importpic");
+    importallpic = menuAction(menufile5, "importallpic");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
     connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
@@ -205,6 +207,8 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     connect(outputpic, &QAction::triggered, this, &PicturesTab::outputpic_Click);
     connect(outputpicall, &QAction::triggered, this, &PicturesTab::outputpicall_Click);
     connect(outputpics3, &QAction::triggered, this, &PicturesTab::outputpics3_Click);
+    connect(importpic, &QAction::triggered, this, &PicturesTab::importpic_Click);
+    connect(importallpic, &QAction::triggered, this, &PicturesTab::importallpic_Click);
     enablePictureMenu();
 }
 
@@ -463,6 +467,13 @@ void PicturesTab::enablePictureMenu()
     outputpic->setEnabled(rows);
     outputpicall->setEnabled(rows);
     outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
+    // The import's captions are the workshop's own texts, read as the menu opens, so a
+    // language switch shows in the next menu.
+    importpic->setText(m_host->text("importpic"));
+    importallpic->setText(m_host->text("importallpic"));
+    const bool importable = selectedRow() && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
+    importpic->setEnabled(importable);
+    importallpic->setEnabled(importable);
 }
 
 void PicturesTab::outputpic_Click() { exportPictures(true); }
