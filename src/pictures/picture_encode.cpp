@@ -154,6 +154,60 @@ void checkLayout(const FrameLayout& frame)
 
 std::uint32_t noCode(std::int64_t) { return 0; }
 
+// Depths 8, 12, 16 and 24 into the region, which holds every byte the frame shows.
+void writeWholeBytes(const PictureGrid& picture, const FrameLayout& frame, image::Region& region)
+{
+    const std::int64_t width = frame.width;
+    const std::int64_t height = frame.height;
+    const std::uint8_t* rgb = picture.rgb.data();
+    std::uint8_t* bytes = region.bytes.data();
+    const std::int64_t offset = frame.address - region.first;  // region index of the frame's address
+    switch (frame.depth) {
+    case 24:
+    case 16: {
+        const int bytesPerPixel = frame.depth / 8;
+        for (std::int64_t y = 0; y < height; ++y) {
+            // Whole bytes a pixel: the row's bytes lie one after another from its start.
+            const std::int64_t rowStart =
+                copiedByteIndex(copiedRowStart(bytesPerPixel, y, frame.width), 0, frame.address) - region.first;
+            std::uint8_t* out = bytes + rowStart;
+            const std::uint8_t* in = rgb + 3 * y * width;
+            for (std::int64_t x = 0; x < width; ++x, in += 3) {
+                if (bytesPerPixel == 3) {
+                    *out++ = in[2];
+                    *out++ = in[1];
+                    *out++ = in[0];
+                } else {
+                    const std::uint16_t word = depth16Word(in[0], in[1], in[2]);
+                    *out++ = static_cast<std::uint8_t>(word);
+                    *out++ = static_cast<std::uint8_t>(word >> 8);
+                }
+            }
+        }
+        break;
+    }
+    case 8:
+        for (std::int64_t pixel = 0; pixel < width * height; ++pixel)
+            bytes[offset + pixel] = depth8Byte(rgb[3 * pixel], rgb[3 * pixel + 1], rgb[3 * pixel + 2]);
+        break;
+    case 12:
+        for (std::int64_t pixel = 0; pixel < width * height; ++pixel) {
+            const std::uint16_t code = depth12Value(rgb[3 * pixel], rgb[3 * pixel + 1], rgb[3 * pixel + 2]);
+            std::uint8_t* at = bytes + offset + pixel / 2 * 3;
+            if (pixel % 2 == 0) {
+                at[0] = static_cast<std::uint8_t>(code >> 4);
+                at[1] = static_cast<std::uint8_t>((at[1] & 0x0F) | ((code << 4) & 0xF0));
+            } else {
+                at[1] = static_cast<std::uint8_t>((at[1] & 0xF0) | (code >> 8));
+                at[2] = static_cast<std::uint8_t>(code);
+            }
+        }
+        break;
+    default:
+        break;
+    }
+}
+
 }  // namespace
 
 PictureImportError::PictureImportError(ImportRefusal reason, std::vector<std::string> values)
@@ -199,6 +253,31 @@ std::uint8_t nearestColourIndex(const ColourTable& colours, std::uint8_t red, st
 std::optional<ShownBytes> shownImageBytes(const FrameLayout& frame)
 {
     checkLayout(frame);
+    const std::int64_t width = frame.width;
+    const std::int64_t height = frame.height;
+    if (width == 0 || height == 0) return std::nullopt;
+    // Every index grows with the row and with the byte in the row, so the first pixel
+    // shows the first byte and the last row the last; only the mono memory is walked.
+    switch (frame.depth) {
+    case 8: return ShownBytes{frame.address, frame.address + width * height - 1};
+    case 12: {
+        const std::int64_t lastPixel = width * height - 1;
+        const std::int64_t at = frame.address + lastPixel / 2 * 3;
+        return ShownBytes{frame.address, lastPixel % 2 == 0 ? at + 1 : at + 2};
+    }
+    case 4:
+    case 16:
+    case 24: {
+        const double bytesPerPixel = frame.depth / 8.0;
+        const std::int64_t count = copiedBytesPerRow(frame.width, bytesPerPixel, bmpStride(frame.width, frame.depth));
+        // At depth 4 the last byte a row copies may lie past its last pixel.
+        const std::int64_t lastByte = frame.depth == 4 ? std::min(count - 1, (width - 1) / 2) : count - 1;
+        if (lastByte < 0) return std::nullopt;
+        return ShownBytes{copiedByteIndex(copiedRowStart(bytesPerPixel, 0, frame.width), 0, frame.address),
+                          copiedByteIndex(copiedRowStart(bytesPerPixel, height - 1, frame.width), lastByte, frame.address)};
+    }
+    default: break;
+    }
     std::int64_t first = std::numeric_limits<std::int64_t>::max();
     std::int64_t last = std::numeric_limits<std::int64_t>::min();
     walkShownBits(frame, noCode, [&](std::int64_t, std::int64_t index, std::uint8_t, std::uint8_t) {
@@ -252,6 +331,12 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
     const auto length = static_cast<std::size_t>(range->last - range->first + 1);
     image::Region region{static_cast<std::int32_t>(range->first), static_cast<std::int32_t>(range->last),
                          std::vector<std::uint8_t>(image.begin() + range->first, image.begin() + range->last + 1)};
+    // Depths 8, 12, 16 and 24 show each image bit at most once and in one run of bytes
+    // a row: written straight, no pixel can clash with another.
+    if (frame.depth != 4 && frame.depth != 1) {
+        writeWholeBytes(picture, frame, region);
+        return region;
+    }
     std::vector<std::uint8_t> written(length, 0);
     const std::int64_t first = range->first;
     std::int64_t clashPixel = -1, clashIndex = 0;

@@ -49,8 +49,10 @@ PictureGrid readPictureFile(const std::string& path, const ColourTable& colours)
     grid.height = read.height();
     const auto width = static_cast<std::size_t>(grid.width);
     grid.rgb.resize(3 * width * static_cast<std::size_t>(grid.height));
-    // Non-premultiplied, so the colour of a transparent pixel stays as stored.
-    const QImage pixels = read.convertToFormat(QImage::Format_ARGB32);
+    // Non-premultiplied, so the colour of a transparent pixel stays as stored; 32-bit
+    // pictures (the BMP reader's usual answer) are taken as they are.
+    const bool asRead = read.format() == QImage::Format_RGB32 || read.format() == QImage::Format_ARGB32;
+    const QImage pixels = asRead ? read : read.convertToFormat(QImage::Format_ARGB32);
     std::uint8_t* out = grid.rgb.data();
     for (int y = 0; y < grid.height; ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
+
 using namespace zevran::pictures;
 using Bytes = std::vector<std::uint8_t>;
 
@@ -333,4 +336,34 @@ TEST(RowImport, ExportFolderPictureIsTheBmpElseThePng)
     EXPECT_EQ(exportedFramePicture(dir, " logo ", 0), dir + "logo-01.bmp");
     EXPECT_EQ(exportedFramePicture(dir, "logo", 1), dir + "logo-02.png");
     EXPECT_EQ(exportedFramePicture(dir, "logo", 2), std::nullopt);
+}
+
+TEST(PictureEncode, ShownBytesMatchTheDecodersIndicesForSmallGeometries)
+{
+    // The decoder copies byte i of row r from round-half-even(bytes a pixel * r * width
+    // + i + address), for i up to round(bytes a pixel * width - 1) and below the stride;
+    // at depth 4 only bytes holding a pixel of the row are shown.
+    for (int depth : {4, 16, 24}) {
+        const double bytesPerPixel = depth / 8.0;
+        for (std::int32_t width = 1; width <= 9; ++width)
+            for (std::int32_t height = 1; height <= 4; ++height)
+                for (std::int64_t address = 0; address <= 3; ++address) {
+                    const std::int64_t stride = (std::int64_t{width} * depth + 31) / 32 * 4;
+                    const std::int64_t count =
+                        std::min<std::int64_t>(std::llround(std::nearbyint(bytesPerPixel * width - 1)) + 1, stride);
+                    std::int64_t first = INT64_MAX, last = INT64_MIN;
+                    for (std::int64_t r = 0; r < height; ++r)
+                        for (std::int64_t i = 0; i < count; ++i) {
+                            if (depth == 4 && 2 * i >= width) continue;
+                            const auto index = static_cast<std::int64_t>(
+                                std::nearbyint(bytesPerPixel * static_cast<double>(r) * width + static_cast<double>(i) +
+                                               static_cast<double>(address)));
+                            first = std::min(first, index), last = std::max(last, index);
+                        }
+                    const auto shown = shownImageBytes(layout(address, width, height, depth));
+                    ASSERT_TRUE(shown);
+                    EXPECT_EQ(shown->first, first) << depth << " " << width << "*" << height << " at " << address;
+                    EXPECT_EQ(shown->last, last) << depth << " " << width << "*" << height << " at " << address;
+                }
+    }
 }
