@@ -37,12 +37,21 @@ PictureGrid readPictureFile(const std::string& path, const ColourTable& colours)
     } catch (const image::FileError& error) {
         throw PictureFileError(error.what());
     }
-    QImageReader reader(QFile::decodeName(QByteArray::fromStdString(path)));
-    reader.setDecideFormatFromContent(true);
+    const QString name = QFile::decodeName(QByteArray::fromStdString(path));
+    QImageReader reader(name);
     reader.setAutoTransform(false);
-    const QImage read = reader.read();
-    if (read.isNull())
-        throw PictureFileError(path + ": not a picture that can be read (" + reader.errorString().toStdString() + ")");
+    QImage read = reader.read();
+    if (read.isNull()) {
+        // The name's suffix chose the reader (asking every reader costs more than the
+        // reading); a picture under another suffix is read by its content.
+        QImageReader byContent(name);
+        byContent.setDecideFormatFromContent(true);
+        byContent.setAutoTransform(false);
+        read = byContent.read();
+        if (read.isNull())
+            throw PictureFileError(path + ": not a picture that can be read (" + byContent.errorString().toStdString() +
+                                   ")");
+    }
 
     PictureGrid grid;
     grid.width = read.width();

@@ -231,6 +231,17 @@ TEST(PictureFile, PngAlphaIsIgnored)
     EXPECT_EQ(readPictureFile(folder.path("a.png"), ColourTable{}).rgb, (Bytes{10, 20, 30, 40, 50, 60}));
 }
 
+TEST(PictureFile, PngUnderABmpNameIsReadByItsContent)
+{
+    TempFolder folder;
+    QImage made(1, 1, QImage::Format_RGB32);
+    made.setPixel(0, 0, qRgb(7, 8, 9));
+    ASSERT_TRUE(made.save(QString::fromStdString(folder.path("a.bmp")), "PNG"));
+    ASSERT_TRUE(made.save(QString::fromStdString(folder.path("noname")), "PNG"));
+    EXPECT_EQ(readPictureFile(folder.path("a.bmp"), ColourTable{}).rgb, (Bytes{7, 8, 9}));
+    EXPECT_EQ(readPictureFile(folder.path("noname"), ColourTable{}).rgb, (Bytes{7, 8, 9}));
+}
+
 TEST(PictureFile, MissingFolderAndTextAreRefusedNamingThePath)
 {
     TempFolder folder;
