@@ -337,6 +337,18 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
         writeWholeBytes(picture, frame, region);
         return region;
     }
+    // So does depth 4 at an even width: every byte holds two pixels of one row.
+    if (frame.depth == 4 && frame.width % 2 == 0) {
+        const std::int64_t half = frame.width / 2;
+        for (std::int64_t y = 0; y < frame.height; ++y) {
+            std::uint8_t* out = region.bytes.data() + (frame.address + y * half - range->first);
+            for (std::int64_t i = 0; i < half; ++i) {
+                const std::int64_t pixel = y * frame.width + 2 * i;
+                *out++ = static_cast<std::uint8_t>(codeOf(pixel) << 4 | codeOf(pixel + 1));
+            }
+        }
+        return region;
+    }
     std::vector<std::uint8_t> written(length, 0);
     const std::int64_t first = range->first;
     std::int64_t clashPixel = -1, clashIndex = 0;

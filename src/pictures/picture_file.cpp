@@ -59,16 +59,27 @@ PictureGrid readPictureFile(const std::string& path, const ColourTable& colours)
     const auto width = static_cast<std::size_t>(grid.width);
     grid.rgb.resize(3 * width * static_cast<std::size_t>(grid.height));
     // Non-premultiplied, so the colour of a transparent pixel stays as stored; 32-bit
-    // pictures (the BMP reader's usual answer) are taken as they are.
-    const bool asRead = read.format() == QImage::Format_RGB32 || read.format() == QImage::Format_ARGB32;
-    const QImage pixels = asRead ? read : read.convertToFormat(QImage::Format_ARGB32);
+    // pictures (the BMP reader's usual answer) are taken as they are, and
+    // an indexed picture's colours are looked up in its own table.
     std::uint8_t* out = grid.rgb.data();
-    for (int y = 0; y < grid.height; ++y) {
-        const auto* line = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
-        for (int x = 0; x < grid.width; ++x, out += 3) {
-            out[0] = static_cast<std::uint8_t>(qRed(line[x]));
-            out[1] = static_cast<std::uint8_t>(qGreen(line[x]));
-            out[2] = static_cast<std::uint8_t>(qBlue(line[x]));
+    auto put = [&out](QRgb colour) {
+        out[0] = static_cast<std::uint8_t>(qRed(colour));
+        out[1] = static_cast<std::uint8_t>(qGreen(colour));
+        out[2] = static_cast<std::uint8_t>(qBlue(colour));
+        out += 3;
+    };
+    if (read.format() == QImage::Format_Indexed8) {
+        const QList<QRgb> table = read.colorTable();
+        for (int y = 0; y < grid.height; ++y) {
+            const uchar* line = read.constScanLine(y);
+            for (int x = 0; x < grid.width; ++x) put(line[x] < table.size() ? table[line[x]] : qRgb(0, 0, 0));
+        }
+    } else {
+        const bool asRead = read.format() == QImage::Format_RGB32 || read.format() == QImage::Format_ARGB32;
+        const QImage pixels = asRead ? read : read.convertToFormat(QImage::Format_ARGB32);
+        for (int y = 0; y < grid.height; ++y) {
+            const auto* line = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
+            for (int x = 0; x < grid.width; ++x) put(line[x]);
         }
     }
     if (hasTableOf(read, colours)) {
