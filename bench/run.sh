@@ -287,6 +287,15 @@ for depth in 1 4 8 12 16 24; do
     printf '  %-36s %8s frames/s\n' "export, 128*160 at depth $depth" "$fps"
   fi
 done
+# The import of the same frames (BMP read back and encoded), beside the export's figure.
+if grep -q '"BM_importFrames/depth:16"' "$DATA/bench.json"; then
+  for depth in 1 4 8 12 16 24; do
+    export_fps=$(frames_of "BM_exportFrames/depth:$depth")
+    import_fps=$(frames_of "BM_importFrames/depth:$depth")
+    verdict "import of 128*160 frames at depth $depth, frames/s, against the export's" "$import_fps" ">=" "$export_fps"
+    printf '  %-36s %8s frames/s  %s (export %s)\n' "import, 128*160 at depth $depth" "$import_fps" "$VERDICT" "$export_fps"
+  done
+fi
 
 # The picture finder: one redraw of a 512*1024-pixel view (wall and CPU time, ms).
 time_of() {

@@ -2,6 +2,7 @@
 #include "cli_args.hpp"
 #include "command.hpp"
 #include "phone_argument.hpp"
+#include "picture_rows.hpp"
 
 #include "image/file_io.hpp"
 #include "image/patch_writer.hpp"
@@ -23,24 +24,6 @@ namespace {
 using namespace zevran::image;
 using namespace zevran::pictures;
 
-std::vector<PictureEntry> openTable(const std::string& path, bool recomputeSize)
-{
-    const auto bytes = readWholeFile(path);
-    try {
-        return readPictureTable(std::string(bytes.begin(), bytes.end()), recomputeSize);
-    } catch (const std::exception& error) {
-        throw std::runtime_error(path + ": " + error.what());
-    }
-}
-
-const PictureEntry& rowOf(const std::vector<PictureEntry>& rows, long number, const std::string& table)
-{
-    if (number < 1 || static_cast<std::size_t>(number) > rows.size())
-        throw std::runtime_error(table + ": there is no row " + std::to_string(number) + " among its " +
-                                 std::to_string(rows.size()));
-    return rows[static_cast<std::size_t>(number) - 1];
-}
-
 // Decodes one frame as the preview does: depth 1 through the mono display memory.
 bool decodeFrame(const ImageState& state, const PictureEntry& row, std::int64_t frame, const std::string& path,
                  const Context& context, bool monoAllowed)
@@ -59,8 +42,8 @@ int runPicture(const std::vector<std::string>& words, const Context& context)
     args.expectPositional(3, "picture FILE TABLE ROW [--frame K] [--recompute-size] -o OUT.bmp");
     if (!args.has("-o")) throw UsageError("picture needs -o OUT.bmp");
     const ImageState state = openPhoneFile(args.positional()[0]);
-    const auto rows = openTable(args.positional()[1], args.has("--recompute-size"));
-    const PictureEntry& row = rowOf(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
+    const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
+    const PictureEntry& row = pictureRow(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
     const std::int64_t frame = args.has("--frame") ? numberArgument(*args.value("--frame"), "--frame") : 0;
     if (!decodeFrame(state, row, frame, *args.value("-o"), context, true))
         throw std::runtime_error(std::string(kWrongFormatText) + " (row " + row.number + ", depth " + row.depth + ")");
@@ -75,7 +58,7 @@ int runExportPictures(const std::vector<std::string>& words, const Context& cont
     std::string folder = *args.value("--to");
     if (folder.empty() || folder.back() != '/') folder += '/';
     const ImageState state = openPhoneFile(args.positional()[0]);
-    for (const PictureEntry& row : openTable(args.positional()[1], args.has("--recompute-size"))) {
+    for (const PictureEntry& row : openPictureTable(args.positional()[1], args.has("--recompute-size"))) {
         const FrameGeometry geometry = frameGeometry(row);
         bool refused = false;
         for (std::int64_t j = 0; j < geometry.frames && !refused; ++j)
@@ -94,9 +77,9 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
     args.expectPositional(2, "picture-patch FILE TABLE --rows 001,003 -o OUT.s3");
     if (!args.has("--rows") || !args.has("-o")) throw UsageError("picture-patch needs --rows and -o");
     const ImageState state = openPhoneFile(args.positional()[0]);
-    const auto rows = openTable(args.positional()[1], args.has("--recompute-size"));
+    const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const std::set<long> wanted = numberListArgument(*args.value("--rows"), "--rows");
-    for (long number : wanted) rowOf(rows, number, args.positional()[1]);
+    for (long number : wanted) pictureRow(rows, number, args.positional()[1]);
     std::vector<Region> regions;
     for (long number : wanted) {
         const PictureEntry& row = rows[static_cast<std::size_t>(number) - 1];

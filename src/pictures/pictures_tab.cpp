@@ -202,6 +202,8 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     outputpicall = menuAction(menufile5, "outputpicall");
     outputpics3 = menuAction(menufile5, "outputpics3");
     ShowInFinder = menuAction(menufile5, "ShowInFinder");
+    importpic = menuAction(menufile5, "importpic");
+    importallpic = menuAction(menufile5, "importallpic");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
     connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
@@ -224,6 +226,8 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     connect(outputpics3, &QAction::triggered, this, &PicturesTab::outputpics3_Click);
     connect(FindPictures, &QPushButton::clicked, this, &PicturesTab::FindPictures_Click);
     connect(ShowInFinder, &QAction::triggered, this, &PicturesTab::ShowInFinder_Click);
+    connect(importpic, &QAction::triggered, this, &PicturesTab::importpic_Click);
+    connect(importallpic, &QAction::triggered, this, &PicturesTab::importallpic_Click);
     applyTexts();
     enablePictureMenu();
 }
@@ -482,6 +486,8 @@ void PicturesTab::applyTexts()
     Slider1->setToolTip(m_host->text("Slider1"));
     FindPictures->setText(m_host->text("FindPictures"));
     ShowInFinder->setText(m_host->text("ShowInFinder"));
+    importpic->setText(m_host->text("importpic"));
+    importallpic->setText(m_host->text("importallpic"));
     if (m_finder) m_finder->retranslate();
 }
 
@@ -507,6 +513,9 @@ void PicturesTab::enablePictureMenu()
     outputpicall->setEnabled(rows);
     outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
     ShowInFinder->setEnabled(selectedRow() != nullptr);
+    const bool importable = selectedRow() && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
+    importpic->setEnabled(importable);
+    importallpic->setEnabled(importable);
 }
 
 // ---- The picture finder ----

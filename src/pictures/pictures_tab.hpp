@@ -62,6 +62,11 @@ public:
     void outputpic_Click();
     void outputpicall_Click();
     void outputpics3_Click();
+    // A user's picture into the chosen row's current frame, or every frame of the row
+    // from an export folder: shown before and after, then written as the file's kind
+    // wants it (an S-record patch for "bin", into the image for "asf").
+    void importpic_Click();
+    void importallpic_Click();
 
     // The player's captions, the speed slider's label and the finder's captions in the
     // current language.
@@ -107,6 +112,8 @@ public:
     QAction* outputpicall = nullptr;
     QAction* outputpics3 = nullptr;
     QAction* ShowInFinder = nullptr;
+    QAction* importpic = nullptr;
+    QAction* importallpic = nullptr;
 
 signals:
     // The preview's temporary BMP is written and about to be loaded, then deleted.
@@ -133,6 +140,21 @@ private:
     void exportPictures(bool selectedOnly);
     void addListRow(const PictureEntry& row);
     PictureFinderPane* openFinder();
+    // The import's steps (pictures_tab_import.cpp).
+    struct FramePicture {
+        std::int64_t frame;
+        std::string file;
+    };
+    struct RowToImport {
+        PictureEntry entry;
+        FrameGeometry geometry;
+        ColourTable colours{};
+    };
+    bool importableRow(RowToImport& row);
+    void importFrames(const RowToImport& row, const std::vector<FramePicture>& frames);
+    bool confirmImport(const FrameGeometry& geometry, const std::vector<image::Region>& regions,
+                       const std::vector<std::int64_t>& frames);
+    QString importText(const char* key) const;
 
     image::TabHost* m_host = nullptr;
     QGroupBox* m_frame16 = nullptr;

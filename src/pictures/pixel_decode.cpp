@@ -12,19 +12,13 @@ namespace zevran::pictures {
 namespace {
 
 constexpr std::size_t kHeaderSize = 54;
-// Dimensions come from hand-typed tables. A handset picture is at most 128 x 160 at
-// 24 bits (60 KiB); past 4 MiB a frame is a typing error and is refused, not allocated.
-constexpr std::int64_t kLargestPixelData = std::int64_t{1} << 22;
 
 void putLittle(std::vector<std::uint8_t>& bmp, std::size_t at, std::uint32_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i) bmp[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
 }
 
-std::int64_t strideOf(std::int32_t width, int bitsPerPixel)
-{
-    return (std::int64_t{width} * bitsPerPixel + 31) / 32 * 4;
-}
+std::int64_t strideOf(std::int32_t width, int bitsPerPixel) { return bmpStride(width, bitsPerPixel); }
 
 // A BMP of the given pixel data size with its header and colour table filled in.
 std::vector<std::uint8_t> bmpShell(std::int32_t width, std::int32_t height, int bitsPerPixel, std::uint32_t compression,
@@ -85,10 +79,8 @@ std::uint8_t scaled(double value) { return static_cast<std::uint8_t>(std::nearby
 void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::int32_t width, std::int32_t height,
               double bytesPerPixel, std::int64_t stride, std::uint8_t* data)
 {
-    // Products in double and half-to-even rounding: an odd width at depth 4 copies
-    // width 5 -> 3 bytes and width 7 -> 3 bytes a row, as the tables always assumed.
-    const auto lastIndex = static_cast<std::int64_t>(std::nearbyint(bytesPerPixel * width - 1));
-    const std::int64_t count = std::min(lastIndex + 1, stride);
+    // The picture import walks the same indices: both use the helpers of the header.
+    const std::int64_t count = copiedBytesPerRow(width, bytesPerPixel, stride);
     const auto size = static_cast<std::int64_t>(image.size());
     for (std::int64_t r = 0; r < height; ++r) {
         // Whole bytes a pixel: the rounding changes nothing, and a row inside the
@@ -100,9 +92,8 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
                 continue;
             }
         }
-        const double rowStart = bytesPerPixel * static_cast<double>(r) * width;
-        for (std::int64_t i = 0; i < count; ++i)
-            data[r * stride + i] = imageByte(image, static_cast<std::int64_t>(std::nearbyint(rowStart + static_cast<double>(i) + static_cast<double>(address))));
+        const double rowStart = copiedRowStart(bytesPerPixel, r, width);
+        for (std::int64_t i = 0; i < count; ++i) data[r * stride + i] = imageByte(image, copiedByteIndex(rowStart, i, address));
     }
 }
 

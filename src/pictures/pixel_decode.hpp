@@ -3,7 +3,9 @@
 // display memory of the handset's mono screen.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -18,6 +20,36 @@ inline constexpr std::string_view kWrongFormatText = "错误的bmp文件格式";
 inline constexpr std::string_view kWrongFormatTitle = "错误";
 
 using ColourTable = std::array<std::uint8_t, 64>;  // 16 entries of blue, green, red, 0
+
+// Dimensions come from hand-typed tables. A handset picture is at most 128 x 160 at
+// 24 bits (60 KiB); past 4 MiB of BMP pixel data a frame is a typing error and is
+// refused, not allocated.
+inline constexpr std::int64_t kLargestPixelData = std::int64_t{1} << 22;
+
+// Bytes of one BMP row: whole 32-bit words.
+inline std::int64_t bmpStride(std::int32_t width, int bitsPerPixel)
+{
+    return (std::int64_t{width} * bitsPerPixel + 31) / 32 * 4;
+}
+
+// The copied depths (4, 16, 24) take 0.5, 2 or 3 bytes a pixel. Each BMP row copies
+// round(bytes a pixel x width - 1) + 1 bytes (at most the stride), byte i of row r from
+// the image byte at round(bytes a pixel x r x width + i + address): products in double,
+// half-to-even rounding, so an odd width at depth 4 copies width 5 -> 3 bytes and
+// width 7 -> 3 bytes a row, as the tables always assumed.
+inline std::int64_t copiedBytesPerRow(std::int32_t width, double bytesPerPixel, std::int64_t stride)
+{
+    const auto lastIndex = static_cast<std::int64_t>(std::nearbyint(bytesPerPixel * width - 1));
+    return std::min(lastIndex + 1, stride);
+}
+inline double copiedRowStart(double bytesPerPixel, std::int64_t row, std::int32_t width)
+{
+    return bytesPerPixel * static_cast<double>(row) * width;
+}
+inline std::int64_t copiedByteIndex(double rowStart, std::int64_t i, std::int64_t address)
+{
+    return static_cast<std::int64_t>(std::nearbyint(rowStart + static_cast<double>(i) + static_cast<double>(address)));
+}
 
 // The BMP bytes of one frame at `address` for depths 4, 8, 12, 16 and 24; nullopt for
 // any other depth. Bytes of the frame that lie outside the image read as zero.
