@@ -23,5 +23,6 @@ std::vector<Command> toneCommands();
 std::vector<Command> stringCommands();
 std::vector<Command> pictureCommands();
 std::vector<Command> demoCommands();
+std::vector<Command> diffCommands();
 
 }  // namespace zevran::cli

@@ -18,6 +18,7 @@ std::vector<Command> allCommands()
     for (auto& command : zevran::cli::toneCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::stringCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::pictureCommands()) commands.push_back(command);
+    for (auto& command : zevran::cli::diffCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::demoCommands()) commands.push_back(command);
     return commands;
 }
