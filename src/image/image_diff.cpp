@@ -139,4 +139,18 @@ std::string describeRange(const DiffRange& range)
            HexPad(static_cast<std::uint32_t>(range.last), 8) + " " + std::to_string(range.size());
 }
 
+std::string previewBytes(std::span<const std::uint8_t> image, const DiffRange& range, std::size_t limit)
+{
+    std::string text;
+    if (range.first < 0 || range.last < range.first) return text;
+    const auto first = static_cast<std::size_t>(range.first);
+    const auto end = std::min<std::uint64_t>(std::uint64_t{first} + std::min<std::uint64_t>(limit, range.size()), image.size());
+    for (std::size_t at = first; at < end; ++at) {
+        if (!text.empty()) text += ' ';
+        text += ByteToHex(image[at]);
+    }
+    if (!text.empty() && static_cast<std::uint64_t>(range.size()) > limit) text += " ...";
+    return text;
+}
+
 }  // namespace zevran::image

@@ -57,4 +57,9 @@ bool writeDiffPatch(const std::string& path, std::span<const std::uint8_t> newer
 // "0x00001234 0x0000123F 12": first and last address, then the size in decimal.
 std::string describeRange(const DiffRange& range);
 
+// The first bytes of the range in `image` as spaced hex pairs, "41 42 43", at most
+// `limit` of them and then "..." when the range holds more. Bytes past the image's end
+// (a range in the tail of a longer second image) are not shown.
+std::string previewBytes(std::span<const std::uint8_t> image, const DiffRange& range, std::size_t limit = 8);
+
 }  // namespace zevran::image

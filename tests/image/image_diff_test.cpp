@@ -148,6 +148,17 @@ TEST(ImageDiff, RangeIsDescribedAsFirstLastAndDecimalSize)
     EXPECT_EQ(describeRange({0x7FFFFFF0, 0x7FFFFFFF}), "0x7FFFFFF0 0x7FFFFFFF 16");
 }
 
+TEST(ImageDiff, PreviewShowsTheFirstBytesOfARangeInHex)
+{
+    const Bytes image = {0x00, 0x0F, 0xA0, 0xFF, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16};
+    EXPECT_EQ(previewBytes(image, {1, 3}), "0F A0 FF");
+    EXPECT_EQ(previewBytes(image, {0, 10}, 4), "00 0F A0 FF ...");
+    EXPECT_EQ(previewBytes(image, {0, 3}, 4), "00 0F A0 FF");
+    // A range reaching past the end shows the bytes there are; one wholly past it shows none.
+    EXPECT_EQ(previewBytes(image, {9, 12}), "15 16");
+    EXPECT_EQ(previewBytes(image, {11, 12}), "");
+}
+
 TEST(ImageDiff, PatchHoldsTheSecondImagesBytesOfEveryRegionInOrder)
 {
     TempFolder folder;
