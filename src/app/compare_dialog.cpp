@@ -108,7 +108,7 @@ void CompareDialog::fillList()
         item->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
         // An image that cannot grow cannot take the bytes past its end.
         const bool writable = !m_writableLength || static_cast<std::uint64_t>(range.last) < *m_writableLength;
-        item->setFlags(writable ? item->flags() | Qt::ItemIsUserCheckable : item->flags() & ~Qt::ItemIsEnabled);
+        if (!writable) item->setFlags(item->flags() & ~(Qt::ItemIsUserCheckable | Qt::ItemIsEnabled));
         item->setCheckState(0, writable ? Qt::Checked : Qt::Unchecked);
         items.push_back(item);
     }
