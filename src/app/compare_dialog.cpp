@@ -9,6 +9,8 @@
 #include <QSpinBox>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <limits>
 
 namespace zevran::app {
 
@@ -17,6 +19,7 @@ namespace {
 // The gap starts at 0, as zevran-cli diff's does; raising it joins nearby runs into
 // fewer, longer rows.
 constexpr int kLargestGap = 1 << 20;
+constexpr std::size_t kRowLimit = 10000;
 
 QString hexAddress(std::int32_t address)
 {
@@ -88,7 +91,20 @@ CompareDialog::CompareDialog(const CompareTexts& texts, const QString& newerName
 
 void CompareDialog::compare()
 {
-    m_ranges = image::compareImages(m_older, m_newer, static_cast<std::size_t>(m_gap->value()));
+    // Two images that differ all over would list millions of slivers: the gap is raised
+    // until the regions fit a list one can read.
+    int gap = m_gap->value();
+    auto ranges = image::compareImagesUpTo(m_older, m_newer, static_cast<std::size_t>(gap), kRowLimit);
+    while (!ranges) {
+        gap = gap >= kLargestGap / 4 ? kLargestGap : std::max(1, gap * 4);
+        ranges = image::compareImagesUpTo(m_older, m_newer, static_cast<std::size_t>(gap),
+                                          gap == kLargestGap ? std::numeric_limits<std::size_t>::max() : kRowLimit);
+    }
+    if (gap != m_gap->value()) {
+        const QSignalBlocker quiet(m_gap);
+        m_gap->setValue(gap);
+    }
+    m_ranges = std::move(*ranges);
     fillList();
 }
 

@@ -88,8 +88,9 @@ ShorterImage::ShorterImage(std::size_t olderLength, std::size_t newerLength)
 {
 }
 
-std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::span<const std::uint8_t> newer,
-                                     std::size_t gap)
+std::optional<std::vector<DiffRange>> compareImagesUpTo(std::span<const std::uint8_t> older,
+                                                        std::span<const std::uint8_t> newer, std::size_t gap,
+                                                        std::size_t maxRanges)
 {
     if (newer.size() < older.size()) throw ShorterImage(older.size(), newer.size());
     // Addresses are signed 32-bit, as everywhere in the image.
@@ -105,9 +106,18 @@ std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::s
         if (first == common) break;
         at = findAgreement(older.data(), newer.data(), first, common);
         addRun(ranges, first, at - 1, gap);
+        // Later runs only ever add ranges or lengthen the last: the count never falls.
+        if (ranges.size() > maxRanges) return std::nullopt;
     }
     if (newer.size() > common) addRun(ranges, common, newer.size() - 1, gap);
+    if (ranges.size() > maxRanges) return std::nullopt;
     return ranges;
+}
+
+std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::span<const std::uint8_t> newer,
+                                     std::size_t gap)
+{
+    return *compareImagesUpTo(older, newer, gap, std::numeric_limits<std::size_t>::max());
 }
 
 std::vector<Region> diffRegions(std::span<const std::uint8_t> newer, const std::vector<DiffRange>& ranges)

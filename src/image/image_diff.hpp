@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -44,6 +45,13 @@ private:
 // std::length_error when `newer` has addresses beyond 32 bits.
 std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::span<const std::uint8_t> newer,
                                      std::size_t gap = 0);
+
+// The same, given up as soon as there are more than `maxRanges` regions (nullopt), so
+// that two images differing in every other byte cost neither the time nor the memory
+// of millions of regions.
+std::optional<std::vector<DiffRange>> compareImagesUpTo(std::span<const std::uint8_t> older,
+                                                        std::span<const std::uint8_t> newer, std::size_t gap,
+                                                        std::size_t maxRanges);
 
 // The regions holding the bytes of `newer` in each range: what an in-image patch of
 // the older image takes to become the newer one.

@@ -155,6 +155,21 @@ private slots:
                               "78 78 34 35 36 37 7A 39 ..."}));
     }
 
+    void imagesDifferingAllOverAreListedWithARaisedGap()
+    {
+        auto window = startWindow();
+        window->openPhoneFile(phoneFile("phone.bin", QByteArray(40000, 'a')));
+        QByteArray second(40000, 'a');
+        for (int at = 0; at < second.size(); at += 2) second[at] = 'b';
+        CompareDialog* dialog = compareWith(*window, phoneFile("second.bin", second));
+        // 20000 runs one byte apart are more than a list shows: a gap of 1 makes them one.
+        QCOMPARE(dialog->findChild<QSpinBox*>("CompareGap")->value(), 1);
+        QCOMPARE(listOf(dialog)->topLevelItemCount(), 1);
+        QCOMPARE(rowTexts(listOf(dialog)->topLevelItem(0)),
+                 (QStringList{"0x00000000", "0x00009C3E", "39999", "61 61 61 61 61 61 61 61 ...",
+                              "62 61 62 61 62 61 62 61 ..."}));
+    }
+
     void checkedRegionsOfABinFileBecomeAnSRecordPatch()
     {
         auto window = startWindow();

@@ -123,6 +123,20 @@ TEST(ImageDiff, DifferencesAcrossBlockAndWordBoundariesOfALargeImage)
               (Ranges{{7, 8}, {65535, 65536}, {131071, 150099}, {200001, 200001}, {299999, 299999}}));
 }
 
+TEST(ImageDiff, ComparisonGivesUpPastTheGivenNumberOfRegions)
+{
+    //                        0123456789
+    const Bytes older = text("ABCDEFGHIJ");
+    const Bytes newer = text("xBxDxFGHIJyz");  // runs at 0, 2, 4, and the tail 10..11
+    EXPECT_EQ(compareImagesUpTo(older, newer, 0, 4), (Ranges{{0, 0}, {2, 2}, {4, 4}, {10, 11}}));
+    EXPECT_EQ(compareImagesUpTo(older, newer, 0, 3), std::nullopt);
+    EXPECT_EQ(compareImagesUpTo(older, newer, 1, 2), (Ranges{{0, 4}, {10, 11}}));
+    EXPECT_EQ(compareImagesUpTo(older, newer, 1, 1), std::nullopt);
+    EXPECT_EQ(compareImagesUpTo(older, newer, 5, 1), (Ranges{{0, 11}}));
+    EXPECT_EQ(compareImagesUpTo(older, older, 0, 0), Ranges{});
+    EXPECT_THROW(compareImagesUpTo(newer, older, 0, 9), ShorterImage);
+}
+
 TEST(ImageDiff, RegionsHoldTheSecondImagesBytes)
 {
     const auto regions = diffRegions(text("ABCxyzGHIw"), Ranges{{3, 5}, {9, 9}});
