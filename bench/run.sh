@@ -20,7 +20,7 @@ for tool in srec_cat objcopy cmp; do
   command -v "$tool" >/dev/null || { echo "bench: $tool is missing ('make deps' installs it)" >&2; exit 1; }
 done
 [[ -x /usr/bin/time ]] || { echo "bench: /usr/bin/time is missing (package time)" >&2; exit 1; }
-for program in "$CLI" "$BIN/zevran-bench" "$BIN/zevran-bench-data"; do
+for program in "$CLI" "$BIN/zevran-bench" "$BIN/zevran-bench-data" "$BIN/zevran-bench-changed"; do
   [[ -x $program ]] || { echo "bench: $program is not built" >&2; exit 1; }
 done
 
@@ -249,6 +249,29 @@ tones_grep=$(ratio "${MEDIAN[tones:grep]}" "${MEDIAN[tones:zevran-cli]}")
 verdict "tones, grep time / ours" "$tones_grep" ">=" 1
 echo "  $tone_rows tones listed; grep counts $(cat "$DATA/grep.txt") lines holding MMMD"
 echo "  grep / ours: $tones_grep  $VERDICT (target >= 1)"
+
+# --- comparison of two 256 MiB images against cmp ---
+echo
+echo "Comparison: zevran-cli diff of two 256 MiB images differing in 1000 places, cmp of two equal 256 MiB files"
+[[ -f $DATA/large.bin ]] || cat "$DATA/image.bin" "$DATA/image.bin" "$DATA/image.bin" "$DATA/image.bin" >"$DATA/large.bin"
+# cmp answers at once for one file named twice: the equal file is a copy.
+[[ -f $DATA/large-copy.bin ]] || cp "$DATA/large.bin" "$DATA/large-copy.bin"
+if [[ ! -f $DATA/large-changed.bin ]]; then
+  "$BIN/zevran-bench-changed" "$DATA/large.bin" "$DATA/large-changed.bin.part" 1000
+  mv "$DATA/large-changed.bin.part" "$DATA/large-changed.bin"
+fi
+time_runs diff:zevran-cli "$RUNS" "$DATA/none" "$CLI" diff "$DATA/large.bin" "$DATA/large-changed.bin"
+time_runs diff:cmp "$RUNS" "$DATA/none" cmp "$DATA/large.bin" "$DATA/large-copy.bin"
+TABLE_BYTES=$(stat -c %s "$DATA/large.bin") table diff:zevran-cli diff:cmp
+"$CLI" diff "$DATA/large.bin" "$DATA/large-changed.bin" -o "$DATA/change.s3" >"$DATA/regions.txt"
+check "1000 regions, each of one byte, listed" test "$(wc -l <"$DATA/regions.txt")" -eq 1000 \
+  -a "$(awk '$3 != 1' "$DATA/regions.txt" | wc -l)" -eq 0
+"$CLI" apply-patch "$DATA/large.bin" "$DATA/change.s3" -o "$DATA/patched.bin"
+check "apply-patch of its patch = the changed image" cmp "$DATA/patched.bin" "$DATA/large-changed.bin"
+rm -f "$DATA/change.s3" "$DATA/patched.bin"
+diff_cmp=$(ratio "${MEDIAN[diff:zevran-cli]}" "${MEDIAN[diff:cmp]}")
+verdict "diff of 256 MiB images, our time / cmp's on equal files" "$diff_cmp" "<=" 2
+echo "  ours / cmp: $diff_cmp  $VERDICT (target <= 2)"
 
 # --- in-process ---
 echo

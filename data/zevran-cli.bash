@@ -11,7 +11,7 @@ _zevran_cli()
         --home)
             mapfile -t COMPREPLY < <(compgen -d -- "$cur")
             return 0 ;;
-        --fill|--start|--end|--rows|--frame|--at|--depth|--width|--height|--min|--max)
+        --fill|--start|--end|--rows|--frame|--at|--depth|--width|--height|--min|--max|--gap)
             return 0 ;;
     esac
 

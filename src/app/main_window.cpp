@@ -2,6 +2,7 @@
 
 #include "about_tab.hpp"
 #include "help_viewer.hpp"
+#include "editor_commands.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
 
@@ -63,6 +64,12 @@ Form1::Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs, QW
     buildToolBar();
     buildStatusBar();
     attachTabs();
+    // Save is enabled exactly while the image differs from its phone file.
+    connect(&m_editor->history(), &ImageHistory::modifiedChanged, this, [this](bool modified) {
+        m_save->setEnabled(modified);
+        setWindowModified(modified);
+    });
+    connect(m_editor, &EditorCommands::openRequested, this, &Form1::openPhoneFile);
     resize(1100, 720);
 }
 
@@ -105,6 +112,8 @@ void Form1::buildMenus()
     open->setObjectName("menuopen");
     open->setShortcut(QKeySequence::Open);
     connect(open, &QAction::triggered, this, &Form1::menuopen_Click);
+    m_editor = new EditorCommands(*this, this, settingsPath());
+    m_editor->addFileItems(file);
     file->addSeparator()->setObjectName("line9");
     m_languageMenu = file->addMenu(tr("&Language"));
     m_languageMenu->setObjectName("menulanguage");
@@ -114,6 +123,7 @@ void Form1::buildMenus()
     exit->setObjectName("menuexit");
     exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     connect(exit, &QAction::triggered, this, &QWidget::close);
+    m_editor->addEditMenu(menuBar());
 
     QMenu* helpMenu = menuBar()->addMenu(tr("&Help"));
     helpMenu->setObjectName("menuhelp");
@@ -269,6 +279,7 @@ void Form1::applyWorkshopTexts()
     m_picturesTab->applyTexts();
     m_stringsTab->applyTexts();
     m_converterTab->applyTexts();
+    m_editor->applyTexts();
 }
 
 void Form1::languagNum_Click(int index)
@@ -334,6 +345,7 @@ void Form1::openPhoneFile(const QString& path)
         showError(QString::fromUtf8(error.what()));
         return;
     }
+    m_editor->imageReplaced(path);
     QString version;
     try {
         version = versionText();
@@ -357,7 +369,8 @@ void Form1::openPhoneFile(const QString& path)
     enableOutputsForKind();
     m_save->setEnabled(false);
     m_image.ImageLoaded = m_image.FileKind != "other";
-    if (!m_image.ImageLoaded) ShowMessage(2);
+    if (m_image.ImageLoaded) m_editor->fileOpened(path);
+    else ShowMessage(2);
 }
 
 QString Form1::versionText()
@@ -384,7 +397,7 @@ bool Form1::Saveaxf(bool showDone)
         showError(QString::fromUtf8(error.what()));
         return false;
     }
-    m_save->setEnabled(false);
+    m_editor->history().saved();
     if (showDone) ShowMessage(21);
     return true;
 }
@@ -422,13 +435,12 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
     if (!takesInImagePatch()) return;
     bool whole = true;
     try {
-        whole = image::patchImage(m_image, regions);
+        // One undo step; Save follows from it, even for a region cut at the image's end.
+        whole = m_editor->history().patch(regions);
     } catch (const std::exception& error) {
         showError(QString::fromUtf8(error.what()));
         return;
     }
-    // Even a region cut at the image's end changed the bytes before it.
-    m_save->setEnabled(true);
     if (!whole) {
         showError(text("PatchPastEnd").arg(m_image.FirmwareImage.size()));
         return;

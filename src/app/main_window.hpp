@@ -33,6 +33,7 @@ namespace zevran::image { class ConverterTab; }
 namespace zevran::app {
 
 class AboutTab;
+class EditorCommands;
 
 class Form1 : public QMainWindow, public image::TabHost {
     Q_OBJECT
@@ -136,6 +137,7 @@ private:
     pictures::PicturesTab* m_picturesTab = nullptr;
     image::ConverterTab* m_converterTab = nullptr;
     AboutTab* m_aboutTab = nullptr;
+    EditorCommands* m_editor = nullptr;  // compare, undo and redo, recent files, the title
 };
 
 }  // namespace zevran::app

@@ -25,5 +25,6 @@ std::vector<Command> pictureCommands();
 std::vector<Command> finderCommands();
 std::vector<Command> importCommands();  // where Qt's image readers are built in
 std::vector<Command> demoCommands();
+std::vector<Command> diffCommands();
 
 }  // namespace zevran::cli

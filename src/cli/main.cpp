@@ -22,6 +22,7 @@ std::vector<Command> allCommands()
 #ifdef ZEVRAN_PICTURE_IMPORT
     for (auto& command : zevran::cli::importCommands()) commands.push_back(command);
 #endif
+    for (auto& command : zevran::cli::diffCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::demoCommands()) commands.push_back(command);
     return commands;
 }

@@ -1,0 +1,55 @@
+// Edit > Undo and Redo over every change the window makes to the image in memory, and
+// the unsaved-changes state that follows from them: the image differs from its phone
+// file exactly when the history is away from the step of the last open or save.
+#pragma once
+
+#include "image/firmware_image.hpp"
+#include "image/patch_writer.hpp"
+#include "image/undo_history.hpp"
+
+#include <QObject>
+#include <vector>
+
+class QAction;
+
+namespace zevran::app {
+
+class ImageHistory : public QObject {
+    Q_OBJECT
+public:
+    ImageHistory(image::ImageState& image, QObject* parent);
+
+    // Ctrl+Z and Ctrl+Shift+Z; enabled while there is a step to undo or redo.
+    QAction* undoAction() const { return m_undo; }
+    QAction* redoAction() const { return m_redo; }
+
+    // A phone file was opened: no steps, nothing unsaved.
+    void opened();
+    // The image was written over its phone file.
+    void saved();
+    // Lays the regions over the image as patchImage does, as one step. Returns
+    // patchImage's answer: false when a region was cut at the image's end.
+    bool patch(const std::vector<image::Region>& regions);
+
+    void undo();
+    void redo();
+
+    bool modified() const { return !m_history.isClean(); }
+
+signals:
+    // The image now differs from its phone file, or no longer does.
+    void modifiedChanged(bool modified);
+    // Undo or redo changed bytes of the image.
+    void imageChanged();
+
+private:
+    void update();
+
+    image::ImageState& m_image;
+    image::UndoHistory m_history;
+    QAction* m_undo;
+    QAction* m_redo;
+    bool m_modified = false;
+};
+
+}  // namespace zevran::app

@@ -1,0 +1,166 @@
+#include "image_diff.hpp"
+
+#include "hex_text.hpp"
+#include "srecord.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace zevran::image {
+
+namespace {
+
+// Equal stretches are passed over a block at a time by memcmp, which reads far more
+// than a byte a step; only a block that holds a difference is looked at closer.
+constexpr std::size_t kBlock = 64 * 1024;
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+std::uint64_t loadWord(const std::uint8_t* at)
+{
+    std::uint64_t word;
+    std::memcpy(&word, at, kWord);
+    return word;
+}
+
+// Set bits mark the zero bytes of `word` (a zero byte exists exactly when the
+// result is not 0; bits above the first zero byte may be false alarms).
+std::uint64_t zeroBytes(std::uint64_t word)
+{
+    constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+    constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
+    return (word - kOnes) & ~word & kHighs;
+}
+
+// The first index in [from, to) where the two differ, or `to`.
+std::size_t findDifference(const std::uint8_t* a, const std::uint8_t* b, std::size_t from, std::size_t to)
+{
+    while (from < to) {
+        const std::size_t length = std::min(kBlock, to - from);
+        if (std::memcmp(a + from, b + from, length) == 0) {
+            from += length;
+            continue;
+        }
+        const std::size_t end = from + length;
+        while (from + kWord <= end && loadWord(a + from) == loadWord(b + from)) from += kWord;
+        while (from < end && a[from] == b[from]) ++from;
+        return from;
+    }
+    return to;
+}
+
+// The first index in [from, to) where the two agree, or `to`.
+std::size_t findAgreement(const std::uint8_t* a, const std::uint8_t* b, std::size_t from, std::size_t to)
+{
+    // A word whose bytes all differ has no zero byte in its exclusive or.
+    while (from + kWord <= to && zeroBytes(loadWord(a + from) ^ loadWord(b + from)) == 0) from += kWord;
+    while (from < to && a[from] != b[from]) ++from;
+    return from;
+}
+
+void addRun(std::vector<DiffRange>& ranges, std::size_t first, std::size_t last, std::size_t gap)
+{
+    if (!ranges.empty()) {
+        const auto equalBetween = first - static_cast<std::size_t>(ranges.back().last) - 1;
+        if (equalBetween <= gap) {
+            ranges.back().last = static_cast<std::int32_t>(last);
+            return;
+        }
+    }
+    ranges.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)});
+}
+
+std::span<const std::uint8_t> rangeBytes(std::span<const std::uint8_t> image, const DiffRange& range)
+{
+    if (range.first < 0 || range.last < range.first || static_cast<std::uint64_t>(range.last) >= image.size())
+        throw std::out_of_range("region " + describeRange(range) + " lies outside the image of " +
+                                std::to_string(image.size()) + " bytes");
+    return image.subspan(static_cast<std::size_t>(range.first), static_cast<std::size_t>(range.size()));
+}
+
+}  // namespace
+
+ShorterImage::ShorterImage(std::size_t olderLength, std::size_t newerLength)
+    : std::runtime_error("the second image holds " + std::to_string(newerLength) + " bytes, fewer than the " +
+                         std::to_string(olderLength) + " of the first; a patch cannot shorten an image"),
+      m_olderLength(olderLength),
+      m_newerLength(newerLength)
+{
+}
+
+std::optional<std::vector<DiffRange>> compareImagesUpTo(std::span<const std::uint8_t> older,
+                                                        std::span<const std::uint8_t> newer, std::size_t gap,
+                                                        std::size_t maxRanges)
+{
+    if (newer.size() < older.size()) throw ShorterImage(older.size(), newer.size());
+    // Addresses are signed 32-bit, as everywhere in the image.
+    constexpr auto kAddresses = std::size_t{std::numeric_limits<std::int32_t>::max()} + 1;
+    if (newer.size() > kAddresses)
+        throw std::length_error("an image of " + std::to_string(newer.size()) +
+                                " bytes has addresses beyond 0x7FFFFFFF");
+    std::vector<DiffRange> ranges;
+    const std::size_t common = older.size();
+    std::size_t at = 0;
+    for (;;) {
+        const std::size_t first = findDifference(older.data(), newer.data(), at, common);
+        if (first == common) break;
+        at = findAgreement(older.data(), newer.data(), first, common);
+        addRun(ranges, first, at - 1, gap);
+        // Later runs only ever add ranges or lengthen the last: the count never falls.
+        if (ranges.size() > maxRanges) return std::nullopt;
+    }
+    if (newer.size() > common) addRun(ranges, common, newer.size() - 1, gap);
+    if (ranges.size() > maxRanges) return std::nullopt;
+    return ranges;
+}
+
+std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::span<const std::uint8_t> newer,
+                                     std::size_t gap)
+{
+    return *compareImagesUpTo(older, newer, gap, std::numeric_limits<std::size_t>::max());
+}
+
+std::vector<Region> diffRegions(std::span<const std::uint8_t> newer, const std::vector<DiffRange>& ranges)
+{
+    std::vector<Region> regions;
+    regions.reserve(ranges.size());
+    for (const DiffRange& range : ranges) {
+        const auto bytes = rangeBytes(newer, range);
+        regions.push_back({range.first, range.last, {bytes.begin(), bytes.end()}});
+    }
+    return regions;
+}
+
+bool writeDiffPatch(const std::string& path, std::span<const std::uint8_t> newer, const std::vector<DiffRange>& ranges)
+{
+    // Every range is checked before the file is begun, so a bad one leaves no half patch.
+    for (const DiffRange& range : ranges) rangeBytes(newer, range);
+    PatchFile file;
+    for (std::size_t k = 0; k < ranges.size(); ++k) {
+        const DiffRange& range = ranges[k];
+        WriteSRecordRegion(file, rangeBytes(newer, range), range.first, range.last, path, k == 0, k + 1 == ranges.size());
+    }
+    return !ranges.empty();
+}
+
+std::string describeRange(const DiffRange& range)
+{
+    return "0x" + HexPad(static_cast<std::uint32_t>(range.first), 8) + " 0x" +
+           HexPad(static_cast<std::uint32_t>(range.last), 8) + " " + std::to_string(range.size());
+}
+
+std::string previewBytes(std::span<const std::uint8_t> image, const DiffRange& range, std::size_t limit)
+{
+    std::string text;
+    if (range.first < 0 || range.last < range.first) return text;
+    const auto first = static_cast<std::size_t>(range.first);
+    const auto end = std::min<std::uint64_t>(std::uint64_t{first} + std::min<std::uint64_t>(limit, range.size()), image.size());
+    for (std::size_t at = first; at < end; ++at) {
+        if (!text.empty()) text += ' ';
+        text += ByteToHex(image[at]);
+    }
+    if (!text.empty() && static_cast<std::uint64_t>(range.size()) > limit) text += " ...";
+    return text;
+}
+
+}  // namespace zevran::image
