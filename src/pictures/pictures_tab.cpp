@@ -549,7 +549,7 @@ void PicturesTab::ShowInFinder_Click()
         const FrameGeometry geometry = pictures::frameGeometry(row);
         openFinder()->showPicture({geometry.start, geometry.frames, geometry.width, geometry.height, geometry.depth});
     } catch (const std::exception& error) {
-        m_host->showError(onRow(row, error));
+        m_host->showError(onRow(*m_host, row, error));
     }
 }
 

@@ -18,8 +18,6 @@ void putLittle(std::vector<std::uint8_t>& bmp, std::size_t at, std::uint32_t val
     for (int i = 0; i < bytes; ++i) bmp[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
 }
 
-std::int64_t strideOf(std::int32_t width, int bitsPerPixel) { return bmpStride(width, bitsPerPixel); }
-
 // A BMP of the given pixel data size with its header and colour table filled in.
 std::vector<std::uint8_t> bmpShell(std::int32_t width, std::int32_t height, int bitsPerPixel, std::uint32_t compression,
                                    std::span<const std::uint8_t> colourTable, std::int64_t dataSize)
@@ -173,8 +171,6 @@ int bmpBitsPerPixel(int depth)
     }
 }
 
-std::int64_t bmpStride(std::int32_t width, int bitsPerPixel) { return strideOf(width, bitsPerPixel); }
-
 std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
                                                         std::int32_t width, std::int32_t height, int depth,
                                                         const ColourTable& colours)
@@ -190,7 +186,7 @@ std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::ui
     }
     const int bitsPerPixel = bmpBitsPerPixel(depth);
     if (width < 0 || height < 0) throw std::length_error("a picture cannot have negative dimensions");
-    const std::int64_t stride = strideOf(width, bitsPerPixel);
+    const std::int64_t stride = bmpStride(width, bitsPerPixel);
     auto bmp = bmpShell(width, height, bitsPerPixel, compression, table, stride * height);
     const std::size_t offset = kHeaderSize + table.size();
     // A width or height of 0 leaves no pixel data, however many rows the other names.
@@ -211,7 +207,7 @@ std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std:
     assembleMonoColumns(image, address, columns.data());
     // Dimensions whose product is below 6144 pixels hold only the first columns.
     std::copy_n(columns.begin(), std::min(columns.size(), bmp.size() - offset), bmp.begin() + static_cast<std::ptrdiff_t>(offset));
-    if (width >= 0) flipRows(bmp, offset, strideOf(width, 1), height);
+    if (width >= 0) flipRows(bmp, offset, bmpStride(width, 1), height);
     return bmp;
 }
 

@@ -76,8 +76,6 @@ void assembleMonoColumns(std::span<const std::uint8_t> image, std::int64_t addre
 
 // Bits per pixel of the BMP a depth becomes (24 for 8 and 12); 0 for a refused depth.
 int bmpBitsPerPixel(int depth);
-// Bytes of one BMP row: whole 32-bit words.
-std::int64_t bmpStride(std::int32_t width, int bitsPerPixel);
 
 // The colour table for depth 4: the first 64 bytes of the file, zero where it is
 // shorter. A missing file is created empty, so every such pixel shows black.
