@@ -102,12 +102,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     }
 
     const std::vector<Region> regions = import.regions();
-    if (args.has("-o")) {
-        writeSRecordPatch(*args.value("-o"), regions);
-    } else {
-        patchImage(state, regions);
-        Saveaxf(state);
-    }
+    writeEdits(args, state, regions);
     return 0;
 }
 

@@ -17,4 +17,14 @@ image::ImageState openPhoneFile(const std::string& path)
     return state;
 }
 
+void writeEdits(const Arguments& args, image::ImageState& state, const std::vector<image::Region>& regions)
+{
+    if (args.has("-o")) {
+        image::writeSRecordPatch(*args.value("-o"), regions);
+    } else {
+        image::patchImage(state, regions);
+        image::Saveaxf(state);
+    }
+}
+
 }  // namespace zevran::cli

@@ -115,12 +115,7 @@ int runPatchStrings(const std::vector<std::string>& words, const Context& contex
         }
     }
     if (regions.empty()) throw std::runtime_error(planPath + ": the plan holds no replacement");
-    if (args.has("-o")) {
-        writeSRecordPatch(*args.value("-o"), regions);
-    } else {
-        patchImage(state, regions);
-        Saveaxf(state);
-    }
+    writeEdits(args, state, regions);
     return 0;
 }
 
