@@ -325,6 +325,17 @@ void PicturesTab::showWrongFormat()
                               m_host->fixedText("WrongFormatText", kWrongFormatText));
 }
 
+void PicturesTab::showFrameCount(const FrameGeometry& geometry, std::int32_t address)
+{
+    // Stepping past the last frame stays allowed; the count says where it has led.
+    const bool pastLast = m_frame < 0 || m_frame >= geometry.frames;
+    QString count = m_host->text(pastLast ? "FrameBeyond" : "FrameOf").arg(geometry.frames);
+    // Bytes past the image's end decode as black: the preview says why it is dark.
+    if (frameRunsPastImage(geometry, address, m_host->imageState().FirmwareImage.size()))
+        count += "  " + m_host->text("FramePastImageEnd");
+    FrameCount->setText(count);
+}
+
 // Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
 // loaded into Picture2, and the file deleted again. Returns why it could not, or "".
 QString PicturesTab::showFrame(const std::string& path)
@@ -336,13 +347,7 @@ QString PicturesTab::showFrame(const std::string& path)
         const std::int32_t address = shownFrameAddress(geometry, m_frame);
         Text15->setText(fromUtf8(frameAddressText(address)));
         Text16->setText(fromUtf8(frameOrdinalText(m_frame)));
-        // Stepping past the last frame stays allowed; the count says where it has led.
-        const bool pastLast = m_frame < 0 || m_frame >= geometry.frames;
-        QString count = m_host->text(pastLast ? "FrameBeyond" : "FrameOf").arg(geometry.frames);
-        // Bytes past the image's end decode as black: the preview says why it is dark.
-        if (frameRunsPastImage(geometry, address, m_host->imageState().FirmwareImage.size()))
-            count += "  " + m_host->text("FramePastImageEnd");
-        FrameCount->setText(count);
+        showFrameCount(geometry, address);
         // A refused depth leaves the picture on show as it was.
         if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
             showWrongFormat();
@@ -489,6 +494,15 @@ void PicturesTab::applyTexts()
     importpic->setText(m_host->text("importpic"));
     importallpic->setText(m_host->text("importallpic"));
     if (m_finder) m_finder->retranslate();
+    // A frame on show keeps its count, now in the new language.
+    if (QTreeWidgetItem* item = selectedRow(); item && !FrameCount->text().isEmpty()) {
+        try {
+            const FrameGeometry geometry = pictures::frameGeometry(entryOf(item));
+            showFrameCount(geometry, shownFrameAddress(geometry, m_frame));
+        } catch (const std::exception&) {
+            // A row that cannot be shown has no count on show to retell.
+        }
+    }
 }
 
 void PicturesTab::shutDown()

@@ -136,6 +136,7 @@ private:
     void scalePreview();
     void stopPlayer();
     void showWrongFormat();
+    void showFrameCount(const FrameGeometry& geometry, std::int32_t address);
     std::string colourTablePath() const;
     void exportPictures(bool selectedOnly);
     void addListRow(const PictureEntry& row);

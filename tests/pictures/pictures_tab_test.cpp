@@ -217,6 +217,18 @@ private slots:
         QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
     }
 
+    void frameCountIsRetoldInTheNewLanguage()
+    {
+        QDir().mkpath(path("language"));
+        QVERIFY(QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/language/ChineseS.ini"), path("language/ChineseS.ini")));
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
+        m_window->languagNum_Click(1);  // ChineseS sorts before English
+        QCOMPARE(m_tab->FrameCount->text(), QString::fromUtf8("共 3 帧"));
+    }
+
     void nextAndPreviousStepPastEitherEnd()
     {
         startWindow("phone.bin");
