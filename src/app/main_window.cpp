@@ -275,7 +275,7 @@ void Form1::applyWorkshopTexts()
     m_save->setText(text("ToolSave"));
     m_exitTool->setText(text("ToolExit"));
     m_aboutTab->applyTexts(*this);
-    m_tonesTab->showToneCheck();
+    m_tonesTab->applyTexts();
     m_picturesTab->applyTexts();
     m_stringsTab->applyTexts();
     m_converterTab->applyTexts();

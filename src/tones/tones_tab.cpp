@@ -248,7 +248,8 @@ void TonesTab::GetTone_Click()
         rows = scanTones(image, [this](std::int32_t at) { ProgressBar1->setValue(std::max(1, at)); });
     }
     showToneRows(rows);
-    ToneCount->setText(m_host->text("TonesFound").arg(rows.size()));
+    m_tonesFound = rows.size();
+    showToneCount();
     QCoreApplication::processEvents();
     ProgressBar1->setValue(1);
     ProgressBar1->setVisible(false);
@@ -375,6 +376,17 @@ void TonesTab::cancelNote()
     if (std::exchange(m_noteRow, -1) < 0) return;
     Text5->setVisible(false);
     ListView4->setFocus();
+}
+
+void TonesTab::applyTexts()
+{
+    showToneCount();
+    showToneCheck();
+}
+
+void TonesTab::showToneCount()
+{
+    if (m_tonesFound) ToneCount->setText(m_host->text("TonesFound").arg(*m_tonesFound));
 }
 
 void TonesTab::showToneCheck()

@@ -79,6 +79,8 @@ public:
     void ListView1_ColumnClick(int column);
     // The status-bar check of the selected tone, in the current language.
     void showToneCheck();
+    // The tone count and the tone check again, after a language switch.
+    void applyTexts();
     // A phone file was opened: the plan's outputs follow its kind.
     void enableOutputsForKind();
 
@@ -93,6 +95,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void showToneCount();
     void connectCommands();
     void connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu);
     QAction* command(const char* name) const { return m_commands.value(QLatin1String(name)); }
@@ -111,6 +114,7 @@ private:
     std::optional<std::vector<image::Region>> planRegions();
 
     image::TabHost* m_host = nullptr;
+    std::optional<std::size_t> m_tonesFound;  // none before the first scan
     QLabel* m_checkPanel = nullptr;
     QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
     QString m_listedFolder;       // the folder whose files ListView1 lists

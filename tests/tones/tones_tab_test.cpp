@@ -156,7 +156,7 @@ private slots:
     {
         QDir().mkpath(path("language"));
         writeBytes(path("language/English.ini"), kLanguage);
-        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcBad=Mauvais CRC\r\n");
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcBad=Mauvais CRC\r\nTonesFound=%1 sonneries\r\n");
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
         m_tab = m_window->findChild<TonesTab*>();
@@ -205,6 +205,15 @@ private slots:
         QCOMPARE(panel->text(), QString("003: Mauvais CRC"));
         m_tab->ListView4->clearSelection();
         QCOMPARE(panel->text(), QString());
+    }
+
+    void toneCountIsRetoldInTheNewLanguage()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        QCOMPARE(m_tab->ToneCount->text(), QString("3 tones found"));
+        m_window->languagNum_Click(2);
+        QCOMPARE(m_tab->ToneCount->text(), QString("3 sonneries"));
     }
 
     void saveTableWritesEveryRowWithItsNote()
