@@ -1,4 +1,5 @@
 #include "pictures_tab.hpp"
+#include "pictures_tab_cells.hpp"
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
@@ -129,13 +130,6 @@ using namespace zevran::image;
 
 namespace {
 
-PictureEntry entryOf(const QTreeWidgetItem* item)
-{
-    if (!item) return {};  // no row chosen: every cell reads as empty, every number as 0
-    auto cell = [item](int column) { return item->text(column).toStdString(); };
-    return {cell(0), cell(1), cell(2), cell(3), cell(4), cell(5), cell(6)};
-}
-
 // Each pixel as a square block of zoom x zoom. QImage::scaled does not replicate an
 // indexed image's pixels exactly, so the blocks are laid out here.
 QImage enlarged(const QImage& picture, int zoom)
@@ -148,12 +142,6 @@ QImage enlarged(const QImage& picture, int zoom)
         for (int x = 0; x < out.width(); ++x) line[x] = in[x / zoom];
     }
     return out;
-}
-
-// "row 003: " before a reason, so a message names the row it is about.
-QString onRow(const TabHost& host, const PictureEntry& row, const std::exception& error)
-{
-    return row.number.empty() ? fromUtf8(error.what()) : host.text("RowError").arg(fromUtf8(row.number), fromUtf8(error.what()));
 }
 
 }  // namespace
@@ -530,54 +518,6 @@ void PicturesTab::enablePictureMenu()
     const bool importable = selectedRow() && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
     importpic->setEnabled(importable);
     importallpic->setEnabled(importable);
-}
-
-// ---- The picture finder ----
-
-PictureFinderPane* PicturesTab::openFinder()
-{
-    if (!m_finder) {
-        m_finder = new PictureFinderPane(*m_host, this);
-        m_finder->setWindowFlag(Qt::Window);
-        connect(m_finder, &PictureFinderPane::addToTableRequested, this, &PicturesTab::addFoundPicture);
-    }
-    m_finder->retranslate();
-    m_finder->show();
-    m_finder->raise();
-    m_finder->activateWindow();
-    return m_finder;
-}
-
-void PicturesTab::FindPictures_Click()
-{
-    PictureFinderPane* finder = openFinder();
-    finder->setAddress(finder->address());  // the image may have changed since
-}
-
-void PicturesTab::ShowInFinder_Click()
-{
-    QTreeWidgetItem* item = selectedRow();
-    if (!item) return;
-    const PictureEntry row = entryOf(item);
-    try {
-        const FrameGeometry geometry = pictures::frameGeometry(row);
-        openFinder()->showPicture({geometry.start, geometry.frames, geometry.width, geometry.height, geometry.depth});
-    } catch (const std::exception& error) {
-        m_host->showError(onRow(*m_host, row, error));
-    }
-}
-
-void PicturesTab::addFoundPicture(const FoundPicture& picture, const QString& name)
-{
-    std::vector<PictureEntry> last;
-    if (const int count = ListView5->topLevelItemCount(); count > 0) last.push_back(entryOf(ListView5->topLevelItem(count - 1)));
-    try {
-        addListRow(foundPictureEntry(picture, nextPictureNumber(last), name.toStdString()));
-    } catch (const std::exception& error) {
-        m_host->showError(fromUtf8(error.what()));
-        return;
-    }
-    for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
 }
 
 void PicturesTab::outputpic_Click() { exportPictures(true); }

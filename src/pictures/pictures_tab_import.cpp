@@ -2,6 +2,7 @@
 // pop-up menu. Pictures are read through Qt's readers, encoded as the exact inverse of
 // the preview, shown before and after, and written as the phone file's kind wants.
 #include "pictures_tab.hpp"
+#include "pictures_tab_cells.hpp"
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
@@ -22,14 +23,6 @@ namespace zevran::pictures {
 using namespace zevran::image;
 
 namespace {
-
-QString qText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
-
-PictureEntry entryOf(const QTreeWidgetItem* item)
-{
-    auto cell = [item](int column) { return item->text(column).toStdString(); };
-    return {cell(0), cell(1), cell(2), cell(3), cell(4), cell(5), cell(6)};
-}
 
 // The language key of each refusal's reason.
 const char* reasonKey(ImportRefusal reason)
@@ -91,7 +84,7 @@ void PicturesTab::importpic_Click()
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().openFile(settings.PictureSavePath, importText("PictureImportFilter"), 2);
     if (path.isEmpty()) return;
-    settings.PictureSavePath = qText(FolderOf(path.toStdString()));
+    settings.PictureSavePath = fromUtf8(FolderOf(path.toStdString()));
     importFrames(row, {{m_frame, path.toStdString()}});
 }
 
@@ -100,7 +93,7 @@ void PicturesTab::importallpic_Click()
     RowToImport row;
     if (m_working || !importableRow(row)) return;
     if (row.geometry.frames <= 0) {
-        m_host->showError(importText("PictureImportNoFrames").arg(qText(row.entry.number)));
+        m_host->showError(importText("PictureImportNoFrames").arg(fromUtf8(row.entry.number)));
         return;
     }
     const QString folder = m_host->BrowseForFolder();
@@ -112,9 +105,9 @@ void PicturesTab::importallpic_Click()
         const auto file = exportedFramePicture(folder.toStdString(), row.entry.name, frame);
         if (!file) {
             m_host->showError(importText("PictureImportMissing")
-                                  .arg(qText(row.entry.number))
+                                  .arg(fromUtf8(row.entry.number))
                                   .arg(frame + 1)
-                                  .arg(qText(pictureFramePath(folder.toStdString(), row.entry.name, frame))));
+                                  .arg(fromUtf8(pictureFramePath(folder.toStdString(), row.entry.name, frame))));
             return;
         }
         frames.push_back({frame, *file});
@@ -129,18 +122,18 @@ bool PicturesTab::importableRow(RowToImport& row)
     QTreeWidgetItem* item = selectedRow();
     if (!item || !(m_host->takesSRecordPatch() || m_host->takesInImagePatch())) return false;
     row.entry = entryOf(item);
-    const QString number = qText(row.entry.number);
+    const QString number = fromUtf8(row.entry.number);
     try {
         row.geometry = pictures::frameGeometry(row.entry);
         row.colours = coloursForDepth(row.geometry.depth, colourTablePath());
         shownImageBytes({frameAddress(row.geometry, 0), row.geometry.width, row.geometry.height, row.geometry.depth});
     } catch (const PictureImportError& error) {
         QString reason = importText(reasonKey(error.reason()));
-        for (const std::string& value : error.values()) reason = reason.arg(qText(value));
+        for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
         m_host->showError(importText("PictureImportRowRefused").arg(number, reason));
         return false;
     } catch (const std::exception& error) {
-        m_host->showError(importText("PictureImportRowRefused").arg(number, qText(error.what())));
+        m_host->showError(importText("PictureImportRowRefused").arg(number, fromUtf8(error.what())));
         return false;
     }
     return true;
@@ -151,7 +144,7 @@ bool PicturesTab::importableRow(RowToImport& row)
 void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePicture>& frames)
 {
     Timer2->stop();
-    const QString rowNumber = qText(row.entry.number);
+    const QString rowNumber = fromUtf8(row.entry.number);
     const FrameGeometry& geometry = row.geometry;
     const ColourTable& colours = row.colours;
     // The image as it is when the import starts; nothing changes it until the user confirms.
@@ -160,7 +153,7 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
     {
         BusyPointer busy;
         for (const FramePicture& frame : frames) {
-            const QString file = qText(frame.file);
+            const QString file = fromUtf8(frame.file);
             // Frames count from 1, as the player and the export's file names count them.
             const QString ordinal = QString::number(frame.frame + 1);
             PictureGrid picture;
@@ -174,7 +167,7 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
                 import.importFrame(frame.frame, picture);
             } catch (const PictureImportError& error) {
                 QString reason = importText(reasonKey(error.reason()));
-                for (const std::string& value : error.values()) reason = reason.arg(qText(value));
+                for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
                 failure = importText("PictureImportRefused").arg(rowNumber, ordinal, file, reason);
                 break;
             }

@@ -1,0 +1,29 @@
+// The picture list's cells as the tab's commands read them, and the row a message is
+// about. Shared by the tab's files (list and preview, import, finder).
+#pragma once
+
+#include "picture_table.hpp"
+
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
+
+#include <QTreeWidgetItem>
+#include <exception>
+
+namespace zevran::pictures {
+
+inline PictureEntry entryOf(const QTreeWidgetItem* item)
+{
+    if (!item) return {};  // no row chosen: every cell reads as empty, every number as 0
+    auto cell = [item](int column) { return item->text(column).toStdString(); };
+    return {cell(0), cell(1), cell(2), cell(3), cell(4), cell(5), cell(6)};
+}
+
+// "row 003: " before a reason, so a message names the row it is about.
+inline QString onRow(const image::TabHost& host, const PictureEntry& row, const std::exception& error)
+{
+    using image::fromUtf8;
+    return row.number.empty() ? fromUtf8(error.what()) : host.text("RowError").arg(fromUtf8(row.number), fromUtf8(error.what()));
+}
+
+}  // namespace zevran::pictures
