@@ -2,14 +2,15 @@
 
 #include "profile_file.hpp"
 
+#include "image/widget_helpers.hpp"
+
 namespace zevran::app {
 
 namespace {
 
 QString read(const ProfileFile& settings, const char* section, const char* key)
 {
-    const std::string value = settings.ReadSetting(section, key, "");
-    return QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
+    return image::fromUtf8(settings.ReadSetting(section, key, ""));
 }
 
 void write(const ProfileFile& settings, const char* section, const char* key, const QString& value)

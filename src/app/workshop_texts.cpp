@@ -4,6 +4,7 @@
 #include "profile_file.hpp"
 
 #include "image/file_io.hpp"
+#include "image/widget_helpers.hpp"
 
 namespace zevran::app {
 
@@ -42,14 +43,14 @@ QString WorkshopTexts::text(std::string_view key) const
         const auto value = readProfileValue(source.text, kWorkshopSection, key);
         if (value && !value->empty()) return decodeLanguageValue(*value, source.utf8, m_codePage);
     }
-    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+    return image::fromUtf8(key);
 }
 
 QString WorkshopTexts::fixedText(std::string_view key, std::string_view designText) const
 {
     const auto value = readProfileValue(m_language, kWorkshopSection, key);
     if (value && !value->empty()) return decodeLanguageValue(*value, m_languageUtf8, m_codePage);
-    return QString::fromUtf8(designText.data(), static_cast<qsizetype>(designText.size()));
+    return image::fromUtf8(designText);
 }
 
 }  // namespace zevran::app
