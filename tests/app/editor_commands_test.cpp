@@ -27,6 +27,7 @@
 using zevran::app::Answer;
 using zevran::app::CompareDialog;
 using zevran::app::Form1;
+using zevran::test::closeWindow;
 using zevran::app::MessageKind;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
@@ -75,13 +76,6 @@ private:
     {
         writeBytes(path(name), bytes);
         return path(name);
-    }
-
-    static bool closeWindow(Form1& window)
-    {
-        QCloseEvent event;
-        QCoreApplication::sendEvent(&window, &event);
-        return event.isAccepted();
     }
 
     static QAction* action(Form1& window, const char* name) { return window.findChild<QAction*>(name); }

@@ -1,6 +1,7 @@
 // The window of an installed workshop: shipped data read-only under share/zevran, the
 // user's settings and language files in their XDG folders; and help and home page on
 // a desktop that has no program for them.
+#include "test_window.hpp"
 #include "qt_files.hpp"
 #include "scripted_dialogs.hpp"
 
@@ -22,6 +23,7 @@
 #include <QUrl>
 
 using zevran::app::Form1;
+using zevran::test::closeWindow;
 using zevran::app::Layout;
 using zevran::app::ProgramFolders;
 using zevran::test::readBytes;
@@ -45,13 +47,6 @@ private:
         auto window = std::make_unique<Form1>(m_folders, std::move(dialogs));
         window->LoadSettings();
         return window;
-    }
-
-    static bool closeWindow(Form1& window)
-    {
-        QCloseEvent event;
-        QCoreApplication::sendEvent(&window, &event);
-        return event.isAccepted();
     }
 
     QStringList languageItems(Form1& window)

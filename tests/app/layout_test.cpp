@@ -24,6 +24,7 @@
 #include <QTreeWidget>
 
 using zevran::app::Form1;
+using zevran::test::closeWindow;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
@@ -65,13 +66,6 @@ private:
         auto window = startWindow();
         window->openPhoneFile(path("phone.bin"));
         return window;
-    }
-
-    static bool closeWindow(Form1& window)
-    {
-        QCloseEvent event;
-        QCoreApplication::sendEvent(&window, &event);
-        return event.isAccepted();
     }
 
 private slots:

@@ -21,6 +21,7 @@
 
 using zevran::app::AboutTab;
 using zevran::app::Form1;
+using zevran::test::closeWindow;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
@@ -45,13 +46,6 @@ private:
         QDir().mkpath(path("language"));
         writeBytes(path("language/") + name, bytes);
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=" + name.toUtf8() + "\r\n");
-    }
-
-    static bool closeWindow(Form1& window)
-    {
-        QCloseEvent event;
-        QCoreApplication::sendEvent(&window, &event);
-        return event.isAccepted();
     }
 
 private slots:

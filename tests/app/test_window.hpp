@@ -6,6 +6,8 @@
 
 #include "app/main_window.hpp"
 
+#include <QCloseEvent>
+#include <QCoreApplication>
 #include <memory>
 
 namespace zevran::test {
@@ -19,6 +21,14 @@ inline std::unique_ptr<app::Form1> startTestWindow(const QString& home, Scripted
     auto window = std::make_unique<app::Form1>(home, std::move(owned));
     window->LoadSettings();
     return window;
+}
+
+// Asks the window to close as the title bar's close button does; true when it agreed.
+inline bool closeWindow(app::Form1& window)
+{
+    QCloseEvent event;
+    QCoreApplication::sendEvent(&window, &event);
+    return event.isAccepted();
 }
 
 }  // namespace zevran::test

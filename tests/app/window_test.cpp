@@ -21,6 +21,7 @@
 
 using zevran::app::Answer;
 using zevran::app::Form1;
+using zevran::test::closeWindow;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
@@ -59,13 +60,6 @@ private:
         const QString path = m_home.path() + "/" + name;
         writeBytes(path, bytes);
         return path;
-    }
-
-    static bool closeWindow(Form1& window)
-    {
-        QCloseEvent event;
-        QCoreApplication::sendEvent(&window, &event);
-        return event.isAccepted();
     }
 
 private slots:

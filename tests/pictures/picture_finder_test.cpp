@@ -1,4 +1,5 @@
 #include "pictures/picture_finder.hpp"
+#include "support/noise_bytes.hpp"
 
 #include "demo_firmware.hpp"
 #include "pictures/picture_frames.hpp"
@@ -17,15 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 namespace {
 
-Bytes noise(std::size_t count, std::uint32_t seed)
-{
-    Bytes bytes(count);
-    for (auto& b : bytes) {
-        seed = seed * 1664525u + 1013904223u;
-        b = static_cast<std::uint8_t>(seed >> 24);
-    }
-    return bytes;
-}
+using zevran::test::noise;
 
 unsigned level(double value, unsigned top) { return static_cast<unsigned>(std::lround(std::clamp(value, 0.0, 1.0) * top)); }
 

@@ -1,4 +1,5 @@
 #include "pictures/picture_view.hpp"
+#include "support/noise_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,16 +12,7 @@ using Pixels = std::vector<std::uint32_t>;
 
 namespace {
 
-// Bytes that look like nothing: a fixed 32-bit linear congruential sequence.
-Bytes noise(std::size_t count, std::uint32_t seed)
-{
-    Bytes bytes(count);
-    for (auto& b : bytes) {
-        seed = seed * 1664525u + 1013904223u;
-        b = static_cast<std::uint8_t>(seed >> 24);
-    }
-    return bytes;
-}
+using zevran::test::noise;
 
 std::uint32_t little(const Bytes& bmp, std::size_t at, int bytes)
 {
