@@ -34,6 +34,7 @@ bool ImageHistory::patch(const std::vector<image::Region>& regions)
     m_history.record(image::stepForRegions(m_image.FirmwareImage, regions));
     const bool whole = image::patchImage(m_image, regions);
     update();
+    emit imageChanged();
     return whole;
 }
 

@@ -39,7 +39,7 @@ public:
 signals:
     // The image now differs from its phone file, or no longer does.
     void modifiedChanged(bool modified);
-    // Undo or redo changed bytes of the image.
+    // An output, an undo or a redo changed bytes of the image.
     void imageChanged();
 
 private:

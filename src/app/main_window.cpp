@@ -23,8 +23,10 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStyle>
@@ -32,6 +34,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
 #include <cstdlib>
 
 namespace zevran::app {
@@ -51,14 +54,14 @@ Form1::Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs, QWi
 }
 
 Form1::Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs, QWidget* parent)
-    : QMainWindow(parent), m_folders(folders), m_programFolder(QString::fromStdString(folders.dataFolder)),
+    : QMainWindow(parent), m_folders(folders), m_dataFolder(QString::fromStdString(folders.dataFolder)),
       m_dialogs(std::move(dialogs))
 {
     if (!m_dialogs) m_dialogs = std::make_unique<QtDialogs>(this);
     setObjectName("Form1");
     setWindowTitle(QStringLiteral("Zevran Handset Workshop V1.11"));
     setAcceptDrops(true);
-    setWindowIcon(QIcon(m_programFolder + "/zevran.xpm"));
+    setWindowIcon(QIcon(m_dataFolder + "/zevran.xpm"));
     buildTabs();
     buildMenus();
     buildToolBar();
@@ -68,6 +71,11 @@ Form1::Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs, QW
     connect(&m_editor->history(), &ImageHistory::modifiedChanged, this, [this](bool modified) {
         m_save->setEnabled(modified);
         setWindowModified(modified);
+    });
+    // Every view of image bytes follows an output, an undo or a redo.
+    connect(&m_editor->history(), &ImageHistory::imageChanged, this, [this] {
+        m_tonesTab->showToneCheck();
+        m_picturesTab->imageBytesChanged();
     });
     connect(m_editor, &EditorCommands::openRequested, this, &Form1::openPhoneFile);
     resize(1100, 720);
@@ -220,6 +228,7 @@ void Form1::LoadSettings()
     m_tabs->setCurrentIndex(0);
     const std::string geometry = settings.read("Window", "Geometry").value_or("");
     if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
+    fitIntoScreen();
     // The tab last used, unless it waits for a phone file.
     const int tab = std::atoi(settings.read("Window", "Tab").value_or("0").c_str());
     if (tab > 0 && tab < m_tabs->count() && m_tabs->isTabEnabled(tab)) m_tabs->setCurrentIndex(tab);
@@ -228,6 +237,21 @@ void Form1::LoadSettings()
         const std::string state = settings.read("Window", panes->objectName().toStdString()).value_or("");
         if (!state.empty()) panes->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
     }
+}
+
+// A size remembered on a larger screen (or widened by a long text) would put the
+// window's edges out of reach: it is fitted to the screen it opens on.
+void Form1::fitIntoScreen()
+{
+    const QScreen* shown = screen();
+    if (!shown) return;
+    const QRect room = shown->availableGeometry();
+    const QSize fitted = size().boundedTo(room.size());
+    if (fitted != size()) resize(fitted);
+    const QRect frame = frameGeometry();
+    if (!room.contains(frame))
+        move(std::clamp(frame.left(), room.left(), std::max(room.left(), room.right() - frame.width() + 1)),
+             std::clamp(frame.top(), room.top(), std::max(room.top(), room.bottom() - frame.height() + 1)));
 }
 
 void Form1::BuildLanguageMenu()
@@ -247,10 +271,13 @@ void Form1::BuildLanguageMenu()
         item->setChecked(m_settings.Language == files[i]);
     }
     if (m_settings.Language.isEmpty()) {
-        // A first run takes the first language's bare name and applies nothing yet.
-        m_settings.Language = m_languageItems[0]->text();
-        m_languageItems[0]->setChecked(true);
-        return;
+        // Departure: a first run took the first language's bare name and applied nothing,
+        // leaving empty captions. It now takes the locale's language, as an installed
+        // first start does, applies it and writes it at once.
+        const QString locale = QString::fromStdString(localeLanguageFile(QLocale().uiLanguages().value(0).toStdString()));
+        m_settings.Language = files.contains(locale) ? locale : files.first();
+        for (QAction* item : m_languageItems) item->setChecked(item->text() + ".ini" == m_settings.Language);
+        ProfileFile(settingsPath().toStdString()).WriteSetting("Language", "Language", m_settings.Language.toStdString());
     }
     applyLanguage(m_settings.Language);
 }
@@ -318,8 +345,23 @@ void Form1::menuopen_Click()
     openPhoneFile(path);
 }
 
+bool Form1::mayReplaceImage()
+{
+    // A running command works on the image it started with.
+    if (!m_mayClose || m_converterTab->converting()) {
+        ShowMessage(32);
+        return false;
+    }
+    if (!m_save->isEnabled()) return true;
+    const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], m_texts.MsgStr[35]);
+    return answer == Answer::No || (answer == Answer::Yes && Saveaxf(false));
+}
+
 void Form1::openPhoneFile(const QString& path)
 {
+    // Departure: the classic Open replaced changed bytes without a word. Every
+    // replacement of the image (Open, Recent, drop, hand-over) asks as closing does.
+    if (!mayReplaceImage()) return;
     const std::string file = path.toStdString();
     m_settings.MobileFilePath = fromUtf8(image::FolderOf(file));
     setBusy(true);
@@ -465,7 +507,7 @@ void Form1::Delay(double seconds)
 
 void Form1::help_Click()
 {
-    const QString path = m_programFolder + "/" + m_texts.HelpStr;
+    const QString path = m_dataFolder + "/" + m_texts.HelpStr;
     if (m_texts.HelpStr.isEmpty() || !QFileInfo(path).isFile()) {
         ShowMessage(33);
         return;
@@ -483,17 +525,9 @@ void Form1::homepage_Click()
 
 void Form1::closeEvent(QCloseEvent* event)
 {
-    if (!m_mayClose || m_converterTab->converting()) {
-        ShowMessage(32);
+    if (!mayReplaceImage()) {
         event->ignore();
         return;
-    }
-    if (m_save->isEnabled()) {
-        const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], m_texts.MsgStr[35]);
-        if (answer == Answer::Cancel || (answer == Answer::Yes && !Saveaxf(false))) {
-            event->ignore();
-            return;
-        }
     }
     const ProfileFile settings(settingsPath().toStdString());
     saveShellSettings(m_settings, settings, m_tonesTab->currentFolder());

@@ -47,8 +47,12 @@ public:
     void LoadSettings();
 
     void menuopen_Click();
-    // Opens a phone file as if it had been chosen in the Open dialog.
+    // Opens a phone file as if it had been chosen in the Open dialog, once the changes
+    // of the open image are saved or let go.
     void openPhoneFile(const QString& path);
+    // The one guard of every replacement of the open image and of closing: false while a
+    // command runs, or when the user cancels the save question (or the save fails).
+    bool mayReplaceImage();
     // Writes the image back over the phone file; false (with a message) when it fails.
     bool Saveaxf(bool showDone);
 
@@ -56,7 +60,7 @@ public:
     image::ImageState& imageState() override { return m_image; }
     ShellSettings& settings() override { return m_settings; }
     Dialogs& dialogs() override { return *m_dialogs; }
-    const QString& programFolder() const override { return m_programFolder; }
+    const QString& dataFolder() const override { return m_dataFolder; }
     QString runtimeFolder() const override { return QString::fromStdString(m_folders.runtimeFolder); }
     std::string codePage() const override { return m_codePage; }
     QString filter(int number) const override;
@@ -108,11 +112,12 @@ private:
     void applyWorkshopTexts();
     QAction* addLanguageItem(int index, const QString& caption);
     void setBusy(bool busy);
+    void fitIntoScreen();
     void enableOutputsForKind();
     QString versionText();
 
     ProgramFolders m_folders;
-    QString m_programFolder;
+    QString m_dataFolder;
     std::unique_ptr<Dialogs> m_dialogs;
     image::ImageState m_image;
     image::InterfaceTexts m_texts;

@@ -10,6 +10,7 @@
 #include <QUrl>
 #include <QWidget>
 
+#include <deque>
 #include <memory>
 
 namespace zevran::app {
@@ -130,26 +131,33 @@ void bringToFront(QWidget* window)
 
 void serveWindow(SingleInstance& instance, QWidget* window, std::function<void(const QString& file)> open)
 {
-    // A file handed over while a dialog is open waits for it: the dialog's command
-    // still works on the image it started with.
-    auto waiting = std::make_shared<QString>();
+    // Files handed over are opened one at a time, never from inside the socket's
+    // handler and never while a dialog is open: a message of one opening (its box runs
+    // an event loop of its own) must close before the next opening starts.
+    auto waiting = std::make_shared<std::deque<QString>>();
+    auto opening = std::make_shared<bool>(false);
     auto* retry = new QTimer(window);
     retry->setInterval(250);
-    QObject::connect(retry, &QTimer::timeout, window, [retry, waiting, open] {
-        if (QApplication::activeModalWidget()) return;
+    auto openWaiting = [retry, waiting, opening, open] {
+        while (!waiting->empty()) {
+            if (*opening || QApplication::activeModalWidget()) {
+                retry->start();
+                return;
+            }
+            const QString file = waiting->front();
+            waiting->pop_front();
+            *opening = true;
+            open(file);
+            *opening = false;
+        }
         retry->stop();
-        const QString file = std::exchange(*waiting, QString());
-        if (!file.isEmpty()) open(file);
-    });
-    instance.serve([window, retry, waiting, open](const QString& file) {
+    };
+    QObject::connect(retry, &QTimer::timeout, window, openWaiting);
+    instance.serve([window, waiting, openWaiting](const QString& file) {
         bringToFront(window);
         if (file.isEmpty()) return;
-        if (QApplication::activeModalWidget()) {
-            *waiting = file;
-            retry->start();
-            return;
-        }
-        open(file);
+        waiting->push_back(file);
+        QTimer::singleShot(0, window, openWaiting);
     });
 }
 

@@ -34,7 +34,9 @@ public:
     virtual ImageState& imageState() = 0;
     virtual ShellSettings& settings() = 0;
     virtual Dialogs& dialogs() = 0;
-    virtual const QString& programFolder() const = 0;
+    // The shipped data (16.dat, help, language files): the program folder when portable,
+    // share/zevran when installed, where it is read-only.
+    virtual const QString& dataFolder() const = 0;
     // Where preview pictures are written: the program folder when portable, the user's
     // runtime folder when installed (the shipped data is read-only there).
     virtual QString runtimeFolder() const = 0;

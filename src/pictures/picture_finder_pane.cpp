@@ -284,7 +284,7 @@ void PictureFinderPane::moveBy(FinderMove move, int direction)
 void PictureFinderPane::redraw()
 {
     const ViewGeometry geometry = view();
-    const std::string colourTable = m_host.programFolder().toStdString() + "/16.dat";
+    const std::string colourTable = m_host.dataFolder().toStdString() + "/16.dat";
     m_renderer.render(m_host.imageState().FirmwareImage, geometry, coloursForDepth(geometry.depth, colourTable));
     // The image shares the renderer's pixels: it is replaced before they change.
     const QImage picture(reinterpret_cast<const uchar*>(m_renderer.pixels().data()), m_renderer.width(),
@@ -317,7 +317,7 @@ void PictureFinderPane::guessWidth()
     }
     std::vector<WidthScore> scores;
     try {
-        const std::string colourTable = m_host.programFolder().toStdString() + "/16.dat";
+        const std::string colourTable = m_host.dataFolder().toStdString() + "/16.dat";
         scores = guessWidths(m_host.imageState().FirmwareImage, m_address, depth(), kLeastGuessWidth, kMostGuessWidth,
                              coloursForDepth(depth(), colourTable));
     } catch (const std::exception&) {

@@ -3,6 +3,8 @@
 #include "image/hex_text.hpp"
 #include "image/table_text.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <limits>
 
@@ -81,6 +83,47 @@ std::vector<PictureEntry> readPictureTable(std::string_view text, bool recompute
         rows.push_back(std::move(row));
     }
     return rows;
+}
+
+namespace {
+
+bool isHexText(std::string_view text)
+{
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'X' || text[1] == 'x')) text.remove_prefix(2);
+    if (text.empty()) return false;
+    return std::all_of(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; });
+}
+
+// A cell read through leadingNumber names a number only when it starts with one.
+bool startsWithNumber(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return false;
+    std::size_t at = first;
+    if (text[at] == '+' || text[at] == '-') ++at;
+    if (at < text.size() && text[at] == '.') ++at;
+    return at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0;
+}
+
+}  // namespace
+
+std::vector<TableFieldWarning> pictureTableWarnings(std::string_view text)
+{
+    std::vector<TableFieldWarning> warnings;
+    std::size_t lineNumber = 0;
+    for (std::string_view line : splitTextLines(text)) {
+        ++lineNumber;
+        if (line.empty()) continue;
+        const auto fields = splitAtSpaces(line);
+        if (fields.size() < 11) continue;
+        const std::string address = Del_TAb(fields[2]);
+        const std::string frames = Del_TAb(fields[4]);
+        const std::string size = Del_TAb(fields[6]);
+        if (!isHexText(address)) warnings.push_back({lineNumber, TableFieldProblem::AddressNotHex, address});
+        if (!startsWithNumber(frames)) warnings.push_back({lineNumber, TableFieldProblem::FramesNotANumber, frames});
+        if (leadingNumber(size) < 1) warnings.push_back({lineNumber, TableFieldProblem::SizeBelowOne, size});
+    }
+    return warnings;
 }
 
 std::string pictureTableText(const std::vector<PictureEntry>& rows, const std::array<std::string, 4>& headers,

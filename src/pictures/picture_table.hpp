@@ -53,6 +53,22 @@ std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell);
 // PictureTableError for a line of fewer than 11 fields or a size that overflows.
 std::vector<PictureEntry> readPictureTable(std::string_view text, bool recomputeSize);
 
+// A field of a table line that the list would take leniently (a non-hex digit as 0)
+// but that can name no picture: said at load, line by line.
+enum class TableFieldProblem {
+    AddressNotHex,      // value: the address field
+    FramesNotANumber,   // value: the frame count field
+    SizeBelowOne,       // value: the frame size field
+};
+struct TableFieldWarning {
+    std::size_t line;  // from 1, as the file counts its lines
+    TableFieldProblem problem;
+    std::string value;
+};
+
+// Every such field of the table's text, in line order; blank lines count as lines.
+std::vector<TableFieldWarning> pictureTableWarnings(std::string_view text);
+
 // The table file of the rows: the headers of the frame, size, dimension and depth
 // columns as labels; each address saved as its low six hex digits plus the offset in
 // `offsetHex` ("" counts as 0). Throws image::HexOverflow when a sum overflows.

@@ -77,6 +77,10 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     Text15 = named(new QLineEdit(this), "Text15");
     Text16 = named(new QLineEdit(this), "Text16");
     FrameCount = named(new QLabel(this), "FrameCount");
+    // A long count (past the last frame, past the image's end) wraps within the column
+    // instead of widening the window; the whole text is also its tooltip.
+    FrameCount->setWordWrap(true);
+    FrameCount->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     Text15->setReadOnly(true);
     Text16->setReadOnly(true);
     image::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
@@ -240,10 +244,12 @@ void PicturesTab::OpenPicTable_Click()
     stopPlayer();
     ListView5->clear();
     std::vector<PictureEntry> rows;
+    std::vector<TableFieldWarning> warnings;
     try {
         const auto bytes = readWholeFile(path.toStdString());
         const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage());
         rows = readPictureTable(text, Check1->isChecked());
+        warnings = pictureTableWarnings(text);
     } catch (const std::exception& error) {
         for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
         // Message 38 has no text of its own: what failed and where goes under it, and
@@ -258,6 +264,9 @@ void PicturesTab::OpenPicTable_Click()
     }
     for (const PictureEntry& row : rows) addListRow(row);
     for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
+    // The rows load as they always did, but a field that can name no picture is said now,
+    // not later as a wrong picture format.
+    if (!warnings.empty()) m_host->showMessageWith(kMessageBadPictureTable, path + ":\n" + tableWarningText(*m_host, warnings));
 }
 
 void PicturesTab::addListRow(const PictureEntry& row)
@@ -305,7 +314,7 @@ QTreeWidgetItem* PicturesTab::selectedRow() const
     return selected.isEmpty() ? nullptr : selected.first();
 }
 
-std::string PicturesTab::colourTablePath() const { return (m_host->programFolder() + "/16.dat").toStdString(); }
+std::string PicturesTab::colourTablePath() const { return (m_host->dataFolder() + "/16.dat").toStdString(); }
 
 void PicturesTab::showWrongFormat()
 {
@@ -322,6 +331,7 @@ void PicturesTab::showFrameCount(const FrameGeometry& geometry, std::int32_t add
     if (frameRunsPastImage(geometry, address, m_host->imageState().FirmwareImage.size()))
         count += "  " + m_host->text("FramePastImageEnd");
     FrameCount->setText(count);
+    FrameCount->setToolTip(count);
 }
 
 // Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
@@ -383,6 +393,13 @@ void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
     if (!item || m_working) return;
     m_frame = 0;
     showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
+}
+
+void PicturesTab::imageBytesChanged()
+{
+    if (m_finder && m_finder->isVisible()) m_finder->redraw();
+    if (!m_preview.isNull() && selectedRow() && !m_working)
+        showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
 
 void PicturesTab::ListView5_DblClick() { m_host->ShowMessage(39); }

@@ -79,6 +79,10 @@ public:
     void addFoundPicture(const FoundPicture& picture, const QString& name);
     PictureFinderPane* finder() const { return m_finder; }
 
+    // Undo or redo changed the image's bytes: the frame on show and the finder are drawn
+    // again from them.
+    void imageBytesChanged();
+
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
 

@@ -7,8 +7,10 @@
 #include "image/tab_host.hpp"
 #include "image/widget_helpers.hpp"
 
+#include <QStringList>
 #include <QTreeWidgetItem>
 #include <exception>
+#include <vector>
 
 namespace zevran::pictures {
 
@@ -24,6 +26,19 @@ inline QString onRow(const image::TabHost& host, const PictureEntry& row, const 
 {
     using image::fromUtf8;
     return row.number.empty() ? fromUtf8(error.what()) : host.text("RowError").arg(fromUtf8(row.number), fromUtf8(error.what()));
+}
+
+// One line a field of the table that can name no picture, in the window's language.
+inline QString tableWarningText(const image::TabHost& host, const std::vector<TableFieldWarning>& warnings)
+{
+    QStringList lines;
+    for (const TableFieldWarning& warning : warnings) {
+        const char* key = warning.problem == TableFieldProblem::AddressNotHex      ? "TableAddressNotHex"
+                          : warning.problem == TableFieldProblem::FramesNotANumber ? "TableFramesNotANumber"
+                                                                                   : "TableSizeBelowOne";
+        lines << host.text(key).arg(warning.line).arg(image::fromUtf8(warning.value));
+    }
+    return lines.join('\n');
 }
 
 }  // namespace zevran::pictures

@@ -186,7 +186,7 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
     } else {
         m_host->patchInImage(regions);
         // The preview shows the frame as the image now holds it.
-        showFrameOrError(previewFilePath(m_host->programFolder().toStdString()));
+        showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
     }
 }
 

@@ -21,6 +21,14 @@ std::string planFileText(std::string_view name, std::string_view sizeText, std::
     return std::string(name) + " " + std::string(sizeText) + " " + std::string(unit);
 }
 
+std::string withPlanUnit(std::string_view cell, std::string_view from, std::string_view to)
+{
+    const std::string ending = " " + std::string(from);
+    if (from.empty() || cell.size() <= ending.size() || cell.substr(cell.size() - ending.size()) != ending)
+        return std::string(cell);
+    return std::string(cell.substr(0, cell.size() - from.size())) + std::string(to);
+}
+
 std::string planSlotText(const ToneSlot& slot)
 {
     return slot.number + " " + slot.start + " - " + slot.end + " " + slot.size + " " + slot.note;

@@ -27,6 +27,8 @@ inline constexpr std::string_view kPlanSizeUnit = "字节";
 
 // The file cell of a tone file listed with its size text: name, space, size, space, unit.
 std::string planFileText(std::string_view name, std::string_view sizeText, std::string_view unit = kPlanSizeUnit);
+// A file cell written with the unit word `from`, now with `to`; any other cell as it is.
+std::string withPlanUnit(std::string_view cell, std::string_view from, std::string_view to);
 // The slot cell of a tone row: number, start " - " end, size and note, spaced singly;
 // an empty note leaves a trailing space.
 std::string planSlotText(const ToneSlot& slot);

@@ -380,6 +380,18 @@ void TonesTab::cancelNote()
 
 void TonesTab::applyTexts()
 {
+    // The plan's file cells carry the unit word of the language they were added in.
+    const std::string unit = planSizeUnit();
+    if (!m_planUnit.empty() && unit != m_planUnit) {
+        m_fillingPlan = true;
+        for (int i = 0; i < ListView3->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* item = ListView3->topLevelItem(i);
+            const QString cell = fromUtf8(withPlanUnit(item->text(1).toStdString(), m_planUnit, unit));
+            item->setText(1, cell);
+        }
+        m_fillingPlan = false;
+    }
+    m_planUnit = unit;
     showToneCount();
     showToneCheck();
 }

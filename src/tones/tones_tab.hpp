@@ -95,6 +95,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The unit word of the plan's file cells in the current language.
+    std::string planSizeUnit() const;
     void showToneCount();
     void connectCommands();
     void connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu);
@@ -121,6 +123,7 @@ private:
     QString m_openedFolder;       // the folder ET1 was opened at, scrolled to as its parents load
     int m_noteRow = -1;           // the ListView4 row whose note Text5 edits
     bool m_fillingPlan = false;
+    std::string m_planUnit;  // the unit word the plan's file cells were written with
     int m_fileSortColumn = 0;
     bool m_fileSortDescending = true;
 };

@@ -75,10 +75,15 @@ void TonesTab::planCellChanged(QTreeWidgetItem* item, int column)
         item->setCheckState(0, Qt::Unchecked);
 }
 
+std::string TonesTab::planSizeUnit() const
+{
+    return m_host->fixedText("PlanSizeUnit", kPlanSizeUnit).remove(' ').toStdString();
+}
+
 void TonesTab::addmmf_Click()
 {
     // The unit word ends the cell as one word: the file's size is read back before it.
-    const std::string unit = m_host->fixedText("PlanSizeUnit", kPlanSizeUnit).remove(' ').toStdString();
+    const std::string unit = planSizeUnit();
     std::vector<std::string> cells;
     for (int i = 0; i < ListView1->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* item = ListView1->topLevelItem(i);

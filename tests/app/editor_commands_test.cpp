@@ -17,12 +17,15 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
+#include <QUrl>
+#include <QDropEvent>
 
 using zevran::app::Answer;
 using zevran::app::CompareDialog;
@@ -425,6 +428,71 @@ private slots:
             if (item->data().toString() == a) item->trigger();
         QCOMPARE(QString::fromStdString(window->imageState().FirmwarePath), a);
         QCOMPARE(recentItems(*window), (QStringList{"a.bin", "b.asf"}));
+    }
+
+    // Every way of replacing a changed image asks as closing does.
+    void replacingAChangedImageAsksFirst_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<int>("answer");
+        for (const char* way : {"open", "recent", "drop", "hand-over"}) {
+            QTest::newRow(qPrintable(QString("%1, cancel").arg(way))) << way << int(Answer::Cancel);
+            QTest::newRow(qPrintable(QString("%1, no").arg(way))) << way << int(Answer::No);
+            QTest::newRow(qPrintable(QString("%1, yes").arg(way))) << way << int(Answer::Yes);
+        }
+    }
+    void replacingAChangedImageAsksFirst()
+    {
+        QFETCH(QString, way);
+        QFETCH(int, answer);
+        auto window = startWindow();
+        const QString other = phoneFile("other.bin", "4567");
+        window->openPhoneFile(other);
+        const QString asf = phoneFile("phone.asf", "0123");
+        window->openPhoneFile(asf);
+        window->patchInImage({{0, 0, {'X'}}});
+        m_dialogs->asked.clear();
+        m_dialogs->answers = {Answer(answer)};
+        if (way == "open") {
+            m_dialogs->files = {other};
+            window->menuopen_Click();
+        } else if (way == "recent") {
+            recentItems(*window);
+            for (QAction* item : window->findChild<QMenu*>("menurecent")->actions())
+                if (item->data().toString() == other) item->trigger();
+        } else if (way == "drop") {
+            QMimeData data;
+            data.setUrls({QUrl::fromLocalFile(other)});
+            window->show();
+            QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+            QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(window.get(), &enter);
+            QVERIFY(enter.isAccepted());
+            QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(window.get(), &drop);
+        } else {
+            window->openPhoneFile(other);
+        }
+        QCOMPARE(m_dialogs->asked.filter("question").size(), 1);
+        const bool replaced = Answer(answer) != Answer::Cancel;
+        QCOMPARE(QString::fromStdString(window->imageState().FirmwarePath), replaced ? other : asf);
+        QCOMPARE(readBytes(asf), QByteArray(Answer(answer) == Answer::Yes ? "X123" : "0123"));
+        if (!replaced) {
+            // The changed image stays with its undo step.
+            QCOMPARE(window->imageState().FirmwareImage[0], std::uint8_t('X'));
+            QVERIFY(action(*window, "Save")->isEnabled());
+            action(*window, "menuundo")->trigger();
+            QCOMPARE(window->imageState().FirmwareImage[0], std::uint8_t('0'));
+        }
+    }
+
+    void unchangedImageIsReplacedWithoutAQuestion()
+    {
+        auto window = startWindow();
+        window->openPhoneFile(phoneFile("phone.asf", "0123"));
+        window->openPhoneFile(phoneFile("other.bin", "4567"));
+        QVERIFY(m_dialogs->asked.filter("question").isEmpty());
+        QCOMPARE(QString::fromStdString(window->imageState().FirmwarePath), path("other.bin"));
     }
 
     void missingFileIsDisabledAndCanBeRemovedAndTheListCleared()

@@ -15,6 +15,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QSplitter>
 #include <QStyle>
 #include <QTabWidget>
@@ -123,13 +124,15 @@ private slots:
         QList<int> down;
         {
             auto window = startWindow();
-            window->resize(1000, 700);
+            // As large as the screen, which a remembered size never exceeds.
+            const QSize room = window->screen()->availableGeometry().size();
+            window->resize(room);
             window->show();
             QVERIFY(QTest::qWaitForWindowExposed(window.get()));
             auto* panes = window->findChild<QSplitter*>("TonesSplitter");
             auto* right = window->findChild<QSplitter*>("TonesRightSplitter");
-            panes->setSizes({300, 600});
-            right->setSizes({450, 150});
+            panes->setSizes({room.width() / 3, room.width() * 2 / 3});
+            right->setSizes({room.height() * 3 / 4, room.height() / 4});
             across = panes->sizes();
             down = right->sizes();
             QCOMPARE(across.size(), 2);

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -200,6 +201,21 @@ private slots:
         QVERIFY(readBytes(path("zevran.ini")).contains("\r\nTab=3\r\n"));
         auto window = startWindow();
         QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->currentIndex(), 3);
+    }
+
+    void rememberedSizeLargerThanTheScreenIsFittedToIt()
+    {
+        {
+            auto window = startWindow();
+            const QRect room = window->screen()->availableGeometry();
+            window->setGeometry(room.x() + 40, room.y() + 40, room.width() + 900, room.height() + 700);
+            QVERIFY(closeWindow(*window));
+        }
+        auto window = startWindow();
+        const QRect room = window->screen()->availableGeometry();
+        QVERIFY2(window->width() <= room.width(), qPrintable(QString::number(window->width())));
+        QVERIFY2(window->height() <= room.height(), qPrintable(QString::number(window->height())));
+        QVERIFY(room.contains(window->frameGeometry().topLeft()));
     }
 };
 

@@ -8,11 +8,14 @@
 
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 
 using zevran::app::SingleInstance;
@@ -128,6 +131,48 @@ private slots:
         QVERIFY(opened.isEmpty());
         dialog.close();
         QTRY_COMPARE_WITH_TIMEOUT(opened, QStringList{path("phone.bin")}, 10000);
+    }
+
+    void handOversAreOpenedOneAtATimeAfterTheMessageOfTheFirstCloses()
+    {
+        SingleInstance first(m_home->path());
+        QVERIFY(first.claim(QString()));
+        QWidget window;
+        window.show();
+        writeBytes(path("other.bin"), QByteArray(64, '\xFF'));
+        QStringList steps;
+        QProcess second;
+        QProcess third;
+        // Each opening shows a message, as a folder handed over does, and waits for it.
+        // The first message stays open until both later starts have ended, so they must
+        // be answered while it is open; a start still waiting after 20 s is written down.
+        zevran::app::serveWindow(first, &window, [&](const QString& file) {
+            const QString name = QFileInfo(file).fileName();
+            steps.append("start " + name);
+            QDialog box(&window);
+            if (name == "phone.bin") {
+                startProgram(third, {path("other.bin")});
+                QElapsedTimer shown;
+                shown.start();
+                auto* closer = new QTimer(&box);
+                QObject::connect(closer, &QTimer::timeout, &box, [&] {
+                    const bool ended = second.state() == QProcess::NotRunning && third.state() == QProcess::NotRunning;
+                    if (!ended && shown.elapsed() < 20000) return;
+                    if (!ended) steps.append("a start still waiting");
+                    box.reject();
+                });
+                closer->start(50);
+            } else {
+                QTimer::singleShot(0, &box, &QDialog::reject);
+            }
+            box.exec();
+            steps.append("end " + name);
+        });
+        startProgram(second, {path("phone.bin")});
+        QTRY_COMPARE_WITH_TIMEOUT(steps.size(), 4, 60000);
+        QCOMPARE(steps, (QStringList{"start phone.bin", "end phone.bin", "start other.bin", "end other.bin"}));
+        QCOMPARE(second.exitCode(), 0);
+        QCOMPARE(third.exitCode(), 0);
     }
 
     void minimizedWindowComesBackToTheFront()

@@ -15,6 +15,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
@@ -126,17 +127,38 @@ private slots:
         QCOMPARE(window->settings().Language, QString("ChineseS.ini"));
     }
 
-    void firstRunTakesTheFirstCaptionAndAppliesNothing()
+    void firstStartTakesTheLocalesLanguageAndWritesItAtOnce_data()
     {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("C locale") << "C" << "English.ini" << "Tones";
+        QTest::newRow("English locale") << "en_GB" << "English.ini" << "Tones";
+        QTest::newRow("Chinese locale") << "zh_CN" << "ChineseS.ini" << QString::fromUtf8("\xE9\x93\x83\xE5\xA3\xB0");
+    }
+    void firstStartTakesTheLocalesLanguageAndWritesItAtOnce()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, language);
+        QFETCH(QString, caption);
+        const QLocale before;
+        QLocale::setDefault(QLocale(locale));
         auto window = startWindow(QByteArray());
+        QLocale::setDefault(before);
         const auto items = window->findChildren<QAction*>("languagNum");
-        QVERIFY(items[0]->isChecked());
-        QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->tabText(0), QString("Ring tones"));
+        QCOMPARE(items[language == "ChineseS.ini" ? 0 : 1]->isChecked(), true);
+        QCOMPARE(items[language == "ChineseS.ini" ? 1 : 0]->isChecked(), false);
+        QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->tabText(0), caption);
+        QVERIFY(readBytes(m_home.path() + "/zevran.ini").startsWith("[Language]\r\nLanguage=" + language.toUtf8() + "\r\n"));
         QVERIFY(closeWindow(*window));
         const QByteArray written = readBytes(m_home.path() + "/zevran.ini");
-        QVERIFY2(written.startsWith("[Language]\r\nLanguage=ChineseS\r\n"), written.constData());
+        QVERIFY2(written.startsWith("[Language]\r\nLanguage=" + language.toUtf8() + "\r\n"), written.constData());
         // Every folder left empty became the program folder on the way out.
         QVERIFY(written.contains("Mobile File Path=" + m_home.path().toUtf8() + "\r\n"));
+        // The second start keeps the language.
+        window.reset();
+        auto second = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        QCOMPARE(second->findChild<QTabWidget*>("SSTab1")->tabText(0), caption);
     }
 
     void secondStartReadsTheBareNameAsItsLanguageFile()

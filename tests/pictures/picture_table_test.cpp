@@ -147,3 +147,35 @@ TEST(PictureDimensions, SplitAtTheFirstStar)
     EXPECT_EQ(splitDimensions("96*64*2"), (std::pair<std::string_view, std::string_view>{"96", "64*2"}));
     EXPECT_EQ(splitDimensions("96"), (std::pair<std::string_view, std::string_view>{"96", ""}));
 }
+
+TEST(PictureTableWarnings, NameTheLineAndTheFieldThatCanNameNoPicture)
+{
+    const std::string table = line("1", "good", "0X00000100", "3", "12", "2*2", "24") + "\r\n" +
+                              line("2", "hexless", "0X0001G0", "1", "8", "2*2", "16") +
+                              line("3", "count", "0X200", "many", "8", "2*2", "16") +
+                              line("4", "empty", "0X300", "1", "0", "2*2", "16") +
+                              line("5", "all", "zz", "x1", "-3", "2*2", "16");
+    const auto warnings = pictureTableWarnings(table);
+    ASSERT_EQ(warnings.size(), 6u);
+    EXPECT_EQ(warnings[0].line, 3u);
+    EXPECT_EQ(warnings[0].problem, TableFieldProblem::AddressNotHex);
+    EXPECT_EQ(warnings[0].value, "0X0001G0");
+    EXPECT_EQ(warnings[1].line, 4u);
+    EXPECT_EQ(warnings[1].problem, TableFieldProblem::FramesNotANumber);
+    EXPECT_EQ(warnings[1].value, "many");
+    EXPECT_EQ(warnings[2].line, 5u);
+    EXPECT_EQ(warnings[2].problem, TableFieldProblem::SizeBelowOne);
+    EXPECT_EQ(warnings[2].value, "0");
+    EXPECT_EQ(warnings[3].problem, TableFieldProblem::AddressNotHex);
+    EXPECT_EQ(warnings[4].problem, TableFieldProblem::FramesNotANumber);
+    EXPECT_EQ(warnings[5].problem, TableFieldProblem::SizeBelowOne);
+    EXPECT_EQ(warnings[5].line, 6u);
+    // The rows load as they always did.
+    EXPECT_EQ(readPictureTable(table, false).size(), 5u);
+}
+
+TEST(PictureTableWarnings, LenientButMeaningfulFieldsPass)
+{
+    const std::string table = line("1", "a", "0x1aF", "0", "1", "2*2", "24") + line("2", "b", "00FF", "+2.0", "7.5", "2*2", "8");
+    EXPECT_TRUE(pictureTableWarnings(table).empty());
+}

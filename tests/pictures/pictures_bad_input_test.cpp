@@ -43,6 +43,10 @@ private slots:
         startWindow("phone.bin");
         openTable(line("001", "junk", "000000QQ", "x", "y", "a*b", "zz"));
         QCOMPARE(m_tab->ListView5->topLevelItemCount(), 1);
+        // The fields that can name no picture are said at load, the row is listed anyway.
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
+        QVERIFY(m_dialogs->messages[0].text.contains("line 1: the address \"0X000000QQ\" is not a hexadecimal number"));
+        m_dialogs->messages.clear();
         clickRow(0);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QCOMPARE(m_dialogs->messages[0].text, QString::fromUtf8("错误的bmp文件格式"));

@@ -121,6 +121,32 @@ protected:
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         QVERIFY(QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat"), path("16.dat")));
         m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        showWindowOn(phoneName);
+    }
+    // The same for an installed workshop: shipped data read-only in share/, settings in
+    // config/, previews in run/.
+    void startInstalledWindow(const QString& phoneName)
+    {
+        QDir().mkpath(path("share/language"));
+        writeBytes(path("share/language/English.ini"), kLanguage);
+        QVERIFY(QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat"), path("share/16.dat")));
+        QDir().mkpath(path("config"));
+        writeBytes(path("config/zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
+        app::ProgramFolders folders;
+        folders.layout = app::Layout::Installed;
+        folders.dataFolder = path("share").toStdString();
+        folders.settingsFile = path("config/zevran.ini").toStdString();
+        folders.userLanguageFolder = path("data/language").toStdString();
+        folders.runtimeFolder = path("run").toStdString();
+        folders.startFolder = m_home.path().toStdString();
+        auto dialogs = std::make_unique<ScriptedDialogs>();
+        m_dialogs = dialogs.get();
+        m_window = std::make_unique<Form1>(folders, std::move(dialogs));
+        m_window->LoadSettings();
+        showWindowOn(phoneName);
+    }
+    void showWindowOn(const QString& phoneName)
+    {
         m_tab = m_window->findChild<PicturesTab*>();
         writeBytes(path(phoneName), phoneImage());
         m_window->openPhoneFile(path(phoneName));

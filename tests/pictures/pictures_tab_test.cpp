@@ -75,6 +75,36 @@ private slots:
         QVERIFY(!m_tab->PreviousPicture->isEnabled());
     }
 
+    void fieldThatNamesNoPictureIsSaidAtLoadWithItsLine()
+    {
+        startWindow("phone.bin");
+        openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24") + "\r\n" +
+                  line("002", "bad", "0001G0", "x", "0", "2*2", "16"));
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
+        QCOMPARE(m_dialogs->messages[0].text, path("table.txt") + ":\n" +
+                                                  "line 3: the address \"0X0001G0\" is not a hexadecimal number\n"
+                                                  "line 3: the frame count \"x\" is not a number\n"
+                                                  "line 3: the frame size \"0\" is below 1 byte");
+        // The rows are listed as before.
+        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 2);
+    }
+
+    void longFrameCountWrapsInsteadOfWideningTheWindow()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);
+        const int before = m_window->minimumSizeHint().width();
+        // Frame 5 of 3, of a row whose frames also run past the image's end.
+        openTable(line("001", "logo", "00003FF8", "3", "12", "2*2", "24"));
+        clickRow(0);
+        for (int i = 0; i < 4; ++i) m_tab->nextpicture->click();
+        QVERIFY(m_tab->FrameCount->text().contains("past the last frame"));
+        QVERIFY(m_tab->FrameCount->text().contains("past the end of the image"));
+        QCOMPARE(m_tab->FrameCount->toolTip(), m_tab->FrameCount->text());
+        QCOMPARE(m_window->minimumSizeHint().width(), before);
+    }
+
     void check1RefusesDimensionsWithoutAStar()
     {
         startWindow("phone.bin");

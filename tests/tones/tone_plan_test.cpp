@@ -27,6 +27,15 @@ TEST(PlanCells, FileTextIsNameSizeAndTheWordForBytes)
     EXPECT_EQ(planFileText("my ring.mmf", "1000"), "my ring.mmf 1000 \xE5\xAD\x97\xE8\x8A\x82");
 }
 
+TEST(PlanCells, UnitWordIsReplacedOnlyAtTheEndOfAFileCell)
+{
+    EXPECT_EQ(withPlanUnit("ring.mmf 1000 字节", "字节", "bytes"), "ring.mmf 1000 bytes");
+    EXPECT_EQ(withPlanUnit("ring.mmf 1000 bytes", "字节", "bytes"), "ring.mmf 1000 bytes");
+    EXPECT_EQ(withPlanUnit("", "字节", "bytes"), "");
+    EXPECT_EQ(withPlanUnit("字节", "字节", "bytes"), "字节");
+    EXPECT_EQ(withPlanUnit("a字节 1 x", "字节", "bytes"), "a字节 1 x");
+}
+
 TEST(PlanCells, SlotTextSpacesTheRowCells)
 {
     EXPECT_EQ(planSlotText(slot("004", "0x0001F2A0", "0x0001F9DF", "1856", "ring1")),

@@ -168,6 +168,25 @@ private slots:
         QDir().mkpath(m_home.path());
     }
 
+    void planUnitWordFollowsALanguageSwitch()
+    {
+        writeBytes(path("language/Other.ini"), "[Zevran]\r\nPlanSizeUnit=octets\r\n");
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        QDir().mkpath(path("tones"));
+        writeBytes(path("tones/a.mmf"), QByteArray(110, 'x'));
+        m_tab->showToneFiles(path("tones"));
+        select(m_tab->ListView1, {0});
+        action("addmmf")->trigger();
+        select(m_tab->ListView4, {0});
+        action("addaddress")->trigger();
+        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+        m_window->languagNum_Click(2);
+        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 octets|001 0x00000100 - 0x0000019F 160 "});
+        m_window->languagNum_Click(1);
+        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+    }
+
     void scanWithoutPhoneFileShowsMessage3()
     {
         m_tab->GetTone->click();
