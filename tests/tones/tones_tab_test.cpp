@@ -226,6 +226,22 @@ private slots:
         QCOMPARE(panel->text(), QString());
     }
 
+    void toneCheckFollowsAChangeOfItsBytesAndItsUndo()
+    {
+        openPhone("phone.asf");
+        m_tab->GetTone->click();
+        auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
+        select(m_tab->ListView4, {0});
+        QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
+        // One byte of the tone's track changed in the image: its CRC no longer holds.
+        m_window->patchInImage({{0x150, 0x150, {0x00}}}, false);
+        QCOMPARE(panel->text(), QString("001: CRC wrong  Title: Spring"));
+        m_window->findChild<QAction*>("menuundo")->trigger();
+        QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
+        m_window->findChild<QAction*>("menuredo")->trigger();
+        QCOMPARE(panel->text(), QString("001: CRC wrong  Title: Spring"));
+    }
+
     void toneCountIsRetoldInTheNewLanguage()
     {
         openPhone("phone.bin");
