@@ -3,6 +3,7 @@
 #include "about_tab.hpp"
 #include "help_viewer.hpp"
 #include "editor_commands.hpp"
+#include "failure_texts.hpp"
 #include "language.hpp"
 #include "profile_file.hpp"
 
@@ -330,6 +331,8 @@ void Form1::showMessageWith(int code, const QString& detail)
     m_dialogs->message(code, kind, m_texts.MsgTitle[static_cast<std::size_t>(style->titleNumber)], text);
 }
 
+QString Form1::failureText(const std::exception& error) const { return app::failureText(m_workshopTexts, error); }
+
 void Form1::showError(const QString& text) { m_dialogs->message(0, MessageKind::Critical, m_texts.MsgTitle[1], text); }
 
 void Form1::showInformation(const QString& text)
@@ -372,7 +375,7 @@ void Form1::openPhoneFile(const QString& path)
     } catch (const std::exception& error) {
         // The image and its path stay as they were, so a later save cannot land elsewhere.
         setBusy(false);
-        showError(QString::fromUtf8(error.what()));
+        showError(failureText(error));
         return;
     }
     setBusy(false);
@@ -384,7 +387,7 @@ void Form1::openPhoneFile(const QString& path)
     try {
         image::setImage(m_image, file, std::move(bytes));
     } catch (const std::exception& error) {
-        showError(QString::fromUtf8(error.what()));
+        showError(failureText(error));
         return;
     }
     m_editor->imageReplaced(path);
@@ -398,7 +401,7 @@ void Form1::openPhoneFile(const QString& path)
         m_image.ImageLoaded = false;
         enableOutputsForKind();
         m_save->setEnabled(false);
-        showError(path + ": " + QString::fromUtf8(error.what()));
+        showError(path + ": " + failureText(error));
         return;
     }
     m_openFileName = fromUtf8(image::FileNameOf(file));
@@ -436,7 +439,7 @@ bool Form1::Saveaxf(bool showDone)
         image::Saveaxf(m_image);
     } catch (const std::exception& error) {
         // The phone file is untouched and Save stays enabled, so the save can be tried again.
-        showError(QString::fromUtf8(error.what()));
+        showError(failureText(error));
         return false;
     }
     m_editor->history().saved();
@@ -466,7 +469,7 @@ void Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Re
         image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
         image::writeSRecordPatch(path.toStdString(), regions);
     } catch (const std::exception& error) {
-        showError(QString::fromUtf8(error.what()));
+        showError(failureText(error));
         return;
     }
     ShowMessage(10);
@@ -480,7 +483,7 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
         // One undo step; Save follows from it, even for a region cut at the image's end.
         whole = m_editor->history().patch(regions);
     } catch (const std::exception& error) {
-        showError(QString::fromUtf8(error.what()));
+        showError(failureText(error));
         return;
     }
     if (!whole) {

@@ -67,6 +67,7 @@ public:
     void ShowMessage(int code) override;
     void showMessageWith(int code, const QString& detail) override;
     void showError(const QString& text) override;
+    QString failureText(const std::exception& error) const override;
     void showInformation(const QString& text) override;
     const image::InterfaceTexts& texts() const override { return m_texts; }
     QString text(std::string_view key) const override { return m_workshopTexts.text(key); }

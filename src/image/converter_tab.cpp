@@ -198,7 +198,7 @@ void ConverterTab::convertS3ToBin()
         // done, so a stop or a failure leaves an existing file as it was.
         out.emplace(output, kConvertingMarker);
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     m_converting = true;
@@ -222,11 +222,11 @@ void ConverterTab::convertS3ToBin()
             out->commit();
         }
     } catch (const OutputWriteError& error) {
-        failure = QString::fromStdString(output) + ": " + QString::fromUtf8(error.what());
+        failure = QString::fromStdString(output) + ": " + m_host->failureText(error);
     } catch (const FileError& error) {
-        failure = QString::fromUtf8(error.what());
+        failure = m_host->failureText(error);
     } catch (const std::exception& error) {
-        failure = QString::fromStdString(input) + ": " + QString::fromUtf8(error.what());
+        failure = QString::fromStdString(input) + ": " + m_host->failureText(error);
     }
     out.reset();  // an output not committed is removed here
     m_converting = false;
@@ -282,7 +282,7 @@ void ConverterTab::ComBinToS3_Click()
         });
         out.commit();
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     m_host->ShowMessage(10);

@@ -39,7 +39,7 @@ void writeAll(int fd, std::span<const std::uint8_t> bytes, const std::string& pa
     while (done < bytes.size()) {
         ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
         if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) throw FileError(describeErrno(path, n < 0 ? errno : ENOSPC));
+        if (n <= 0) throw fileSystemError(path, n < 0 ? errno : ENOSPC);
         done += static_cast<std::size_t>(n);
     }
 }
@@ -63,11 +63,16 @@ void preferHugePages(void* start, std::size_t length)
 // A folder holds no bytes to read, and a device such as /dev/zero never ends.
 void refuseFolderOrDevice(const std::string& path, mode_t mode)
 {
-    if (S_ISDIR(mode)) throw FileError(path + ": is a folder, not a file");
-    if (S_ISCHR(mode) || S_ISBLK(mode)) throw FileError(path + ": is a device, not a file");
+    if (S_ISDIR(mode)) throw FileError(Reason::IsFolder, {path});
+    if (S_ISCHR(mode) || S_ISBLK(mode)) throw FileError(Reason::IsDevice, {path});
 }
 
 }  // namespace
+
+FileError fileSystemError(const std::string& path, int errorNumber)
+{
+    return FileError(Reason::SystemError, {path, std::to_string(errorNumber)});
+}
 
 std::string describeErrno(const std::string& path, int errorNumber)
 {
@@ -77,16 +82,16 @@ std::string describeErrno(const std::string& path, int errorNumber)
 void requireRegularFile(const std::string& path)
 {
     struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) throw FileError(describeErrno(path, errno));
+    if (::stat(path.c_str(), &info) != 0) throw fileSystemError(path, errno);
     refuseFolderOrDevice(path, info.st_mode);
-    if (!S_ISREG(info.st_mode)) throw FileError(path + ": is a device or pipe, not a file");
+    if (!S_ISREG(info.st_mode)) throw FileError(Reason::IsDeviceOrPipe, {path});
 }
 
 void refusePhoneFile(const std::string& phone, const std::string& output)
 {
     std::error_code error;
     if (!phone.empty() && std::filesystem::equivalent(phone, output, error))
-        throw FileError(output + ": is the phone file open in the workshop; it is changed only by saving its image");
+        throw FileError(Reason::IsOpenPhoneFile, {output});
 }
 
 std::ifstream openInputFile(const std::string& path)
@@ -96,7 +101,7 @@ std::ifstream openInputFile(const std::string& path)
     if (::stat(path.c_str(), &info) == 0) refuseFolderOrDevice(path, info.st_mode);
     errno = 0;
     std::ifstream in(path, std::ios::binary);
-    if (!in) throw FileError(describeErrno(path, errno ? errno : ENOENT));
+    if (!in) throw fileSystemError(path, errno ? errno : ENOENT);
     return in;
 }
 
@@ -104,21 +109,21 @@ std::ofstream openOutputFile(const std::string& path)
 {
     errno = 0;
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) throw FileError(describeErrno(path, errno ? errno : EIO));
+    if (!out) throw fileSystemError(path, errno ? errno : EIO);
     return out;
 }
 
 void closeOutputFile(std::ofstream& out, const std::string& path)
 {
     out.close();
-    if (!out) throw FileError(path + ": could not be written (disk full?)");
+    if (!out) throw FileError(Reason::DiskFull, {path});
 }
 
 void refuseSameFile(const std::string& input, const std::string& output)
 {
     std::error_code error;
     if (std::filesystem::equivalent(input, output, error))
-        throw FileError(output + ": the output would overwrite the input " + input);
+        throw FileError(Reason::OverwritesInput, {output, input});
 }
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path)
@@ -126,9 +131,9 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
     // Opened without waiting, so a named pipe nobody writes to reads as empty instead
     // of holding the window; reads then wait as usual.
     UniqueFd fd = openFd(path, O_RDONLY | O_NONBLOCK);
-    if (*fd < 0) throw FileError(describeErrno(path, errno));
+    if (*fd < 0) throw fileSystemError(path, errno);
     struct stat info {};
-    if (::fstat(*fd, &info) != 0) throw FileError(describeErrno(path, errno));
+    if (::fstat(*fd, &info) != 0) throw fileSystemError(path, errno);
     ::fcntl(*fd, F_SETFL, ::fcntl(*fd, F_GETFL) & ~O_NONBLOCK);
     refuseFolderOrDevice(path, info.st_mode);
     std::vector<std::uint8_t> bytes;
@@ -145,7 +150,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
                 ssize_t extra = ::read(*fd, &probe, 1);
                 if (extra == 0) break;
                 if (extra < 0 && errno == EINTR) continue;
-                if (extra < 0) throw FileError(describeErrno(path, errno));
+                if (extra < 0) throw fileSystemError(path, errno);
                 bytes.push_back(probe);
                 ++done;
             }
@@ -153,7 +158,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path)
         }
         ssize_t n = ::read(*fd, bytes.data() + done, bytes.size() - done);
         if (n < 0 && errno == EINTR) continue;
-        if (n < 0) throw FileError(describeErrno(path, errno));
+        if (n < 0) throw fileSystemError(path, errno);
         if (n == 0) break;
         done += static_cast<std::size_t>(n);
     }
@@ -176,7 +181,7 @@ bool saveThroughUnnamedFile(const std::string& target, mode_t mode, std::span<co
     if (*fd < 0) return false;
     ::fchmod(*fd, mode);
     writeAll(*fd, bytes, target);
-    if (::fsync(*fd) != 0) throw FileError(describeErrno(target, errno));
+    if (::fsync(*fd) != 0) throw fileSystemError(target, errno);
     // Linked in under a fresh name beside the target, then renamed over it.
     const std::string self = "/proc/self/fd/" + std::to_string(*fd);
     std::mt19937 random{std::random_device{}()};
@@ -190,7 +195,7 @@ bool saveThroughUnnamedFile(const std::string& target, mode_t mode, std::span<co
         if (::rename(name.c_str(), target.c_str()) != 0) {
             const int error = errno;
             ::unlink(name.c_str());
-            throw FileError(describeErrno(target, error));
+            throw fileSystemError(target, error);
         }
         return true;
     }
@@ -209,17 +214,17 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
 {
     struct stat original {};
     const bool exists = ::stat(path.c_str(), &original) == 0;
-    if (exists && S_ISDIR(original.st_mode)) throw FileError(path + ": is a folder, not a file");
+    if (exists && S_ISDIR(original.st_mode)) throw FileError(Reason::IsFolder, {path});
     // Renaming over a file needs only its folder to be writable: the file must be too.
-    if (exists && S_ISREG(original.st_mode) && ::access(path.c_str(), W_OK) != 0) throw FileError(describeErrno(path, errno));
+    if (exists && S_ISREG(original.st_mode) && ::access(path.c_str(), W_OK) != 0) throw fileSystemError(path, errno);
     if (exists && !S_ISREG(original.st_mode)) {
         // A device or pipe takes the bytes where it is: renaming over it would replace it.
         UniqueFd fd = openFd(path, O_WRONLY);
-        if (*fd < 0) throw FileError(describeErrno(path, errno));
+        if (*fd < 0) throw fileSystemError(path, errno);
         writeAll(*fd, bytes, path);
         int closing = *fd;
         *fd = -1;
-        if (::close(closing) != 0) throw FileError(describeErrno(path, errno));
+        if (::close(closing) != 0) throw fileSystemError(path, errno);
         return;
     }
     // Through a link the file it names is replaced, and the link stays.
@@ -235,17 +240,17 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
     if (saveThroughUnnamedFile(target, mode, bytes)) return;
     std::string temporary = target + std::string(kSavingMarker) + "XXXXXX";
     int rawFd = ::mkstemp(temporary.data());
-    if (rawFd < 0) throw FileError(describeErrno(temporary, errno));
+    if (rawFd < 0) throw fileSystemError(temporary, errno);
     UniqueFd fd(new int(rawFd));
     try {
         // A new file gets the usual permissions rather than the private ones of mkstemp.
         ::fchmod(*fd, mode);
         writeAll(*fd, bytes, temporary);
-        if (::fsync(*fd) != 0) throw FileError(describeErrno(temporary, errno));
+        if (::fsync(*fd) != 0) throw fileSystemError(temporary, errno);
         int closing = *fd;
         *fd = -1;
-        if (::close(closing) != 0) throw FileError(describeErrno(temporary, errno));
-        if (::rename(temporary.c_str(), target.c_str()) != 0) throw FileError(describeErrno(path, errno));
+        if (::close(closing) != 0) throw fileSystemError(temporary, errno);
+        if (::rename(temporary.c_str(), target.c_str()) != 0) throw fileSystemError(path, errno);
     } catch (...) {
         ::unlink(temporary.c_str());
         throw;

@@ -1,6 +1,8 @@
 // Whole-file reads and the safe whole-file write used for phone files.
 #pragma once
 
+#include "failure.hpp"
+
 #include <cstdint>
 #include <fstream>
 #include <span>
@@ -11,10 +13,13 @@
 namespace zevran::image {
 
 // A file that could not be read or written; the message names the path and the cause.
-class FileError : public std::runtime_error {
+class FileError : public WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
+
+// The system's failure `errorNumber` on `path`.
+FileError fileSystemError(const std::string& path, int errorNumber);
 
 // Reads the whole file in one block read.
 std::vector<std::uint8_t> readWholeFile(const std::string& path);

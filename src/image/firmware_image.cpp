@@ -1,5 +1,7 @@
 #include "firmware_image.hpp"
 
+#include "failure.hpp"
+
 #include "byte_search.hpp"
 #include "hex_text.hpp"
 
@@ -84,7 +86,7 @@ std::int64_t ChunkSizeAt(std::span<const std::uint8_t> image, std::int64_t offse
 void checkImageSize(const std::string& path, std::uintmax_t bytes)
 {
     if (bytes > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max()))
-        throw std::length_error(path + ": a phone file of 2 GiB or more cannot be held");
+        throw TypedError<std::length_error>(Reason::TooLargeToHold, {path});
 }
 
 void setImage(ImageState& state, std::string path, std::vector<std::uint8_t> bytes)

@@ -47,8 +47,7 @@ char32_t nextCodePoint(std::string_view text, std::size_t& pos)
 
 }  // namespace
 
-HexOverflow::HexOverflow(std::string_view text)
-    : std::overflow_error("hex value " + std::string(text) + " is above 7FFFFFFF")
+HexOverflow::HexOverflow(std::string_view text) : TypedError(Reason::HexTooLarge, {std::string(text)})
 {
 }
 

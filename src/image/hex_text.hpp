@@ -2,6 +2,8 @@
 // without a prefix, most significant digit first.
 #pragma once
 
+#include "failure.hpp"
+
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -10,7 +12,7 @@
 namespace zevran::image {
 
 // A hex text whose value does not fit a signed 32-bit number.
-class HexOverflow : public std::overflow_error {
+class HexOverflow : public TypedError<std::overflow_error> {
 public:
     explicit HexOverflow(std::string_view text);
 };

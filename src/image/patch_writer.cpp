@@ -36,13 +36,12 @@ void Saveaxf(const ImageState& state)
     // length is not that file (an empty file opened since, say): it is left alone.
     // A "bin" phone file is never written: its changes leave as S-record patches.
     if (classifyPhoneFile(state.FirmwarePath) != "asf")
-        throw FileError(state.FirmwarePath + ": is not an \"asf\" phone file, so it is never written");
+        throw FileError(Reason::NotAsfFile, {state.FirmwarePath});
     std::error_code error;
     const std::uintmax_t onDisk = std::filesystem::file_size(state.FirmwarePath, error);
     if (!error && onDisk != state.FirmwareImage.size())
-        throw FileError(state.FirmwarePath + ": holds " + std::to_string(onDisk) + " bytes, not the " +
-                        std::to_string(state.FirmwareImage.size()) +
-                        " of the image in memory; it is not the file the image was read from and stays as it is");
+        throw FileError(Reason::SizeOnDiskDiffers,
+                        {state.FirmwarePath, std::to_string(onDisk), std::to_string(state.FirmwareImage.size())});
     saveFileSafely(state.FirmwarePath, state.FirmwareImage);
 }
 
@@ -69,7 +68,7 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
         patch.read(block.get(), static_cast<std::streamsize>(kReadBlock));
         lines.feed(std::string_view(block.get(), static_cast<std::size_t>(patch.gcount())), layOver);
     }
-    if (patch.bad()) throw FileError("the patch could not be read to its end");
+    if (patch.bad()) throw FileError(Reason::PatchUnreadable);
     lines.finish(layOver);
 }
 

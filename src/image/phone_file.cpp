@@ -16,8 +16,8 @@ constexpr std::int64_t kVersionLength = 8;
 std::string versionBytes(const ImageState& state, std::int64_t first, std::string_view marker)
 {
     if (first < 0 || first + kVersionLength > static_cast<std::int64_t>(state.FirmwareImage.size()))
-        throw VersionOutOfImage("the " + std::string(marker) + " marker at 0x" + HexPad(static_cast<std::uint32_t>(state.LastMatch), 8) +
-                                " leaves no room for the 8 version bytes inside the image");
+        throw VersionOutOfImage(Reason::VersionPastEnd,
+                                {std::string(marker), HexPad(static_cast<std::uint32_t>(state.LastMatch), 8)});
     auto begin = state.FirmwareImage.begin() + first;
     return std::string(begin, begin + kVersionLength);
 }
@@ -60,7 +60,7 @@ std::vector<std::uint8_t> readPhoneFile(const std::string& path)
 void loadPhoneFile(ImageState& state, const std::string& path)
 {
     std::vector<std::uint8_t> bytes = readPhoneFile(path);
-    if (bytes.empty()) throw EmptyPhoneFile(path + ": the file is empty");
+    if (bytes.empty()) throw EmptyPhoneFile(Reason::EmptyFile, {path});
     setImage(state, path, std::move(bytes));
     state.LastMatch = 0;
     state.FileKind = classifyPhoneFile(path);

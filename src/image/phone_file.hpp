@@ -2,6 +2,8 @@
 // version text from a marker inside it.
 #pragma once
 
+#include "failure.hpp"
+
 #include "firmware_image.hpp"
 
 #include <optional>
@@ -17,9 +19,9 @@ namespace zevran::image {
 std::string classifyPhoneFile(std::string_view path);
 
 // A version marker found too near an end of the image to hold its 8 version bytes.
-class VersionOutOfImage : public std::out_of_range {
+class VersionOutOfImage : public TypedError<std::out_of_range> {
 public:
-    using std::out_of_range::out_of_range;
+    using TypedError::TypedError;
 };
 
 // The 8 version bytes: those 17 bytes after a "VersionString:" marker, else those
@@ -35,9 +37,9 @@ std::vector<std::uint8_t> readPhoneFile(const std::string& path);
 // Reads a phone file into the image and classifies it: FileKind and ImageLoaded
 // set, the search position reset. Throws FileError when it cannot be read; an empty
 // file throws EmptyPhoneFile and leaves the image as it was.
-class EmptyPhoneFile : public std::runtime_error {
+class EmptyPhoneFile : public WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 void loadPhoneFile(ImageState& state, const std::string& path);
 

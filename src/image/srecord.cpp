@@ -114,7 +114,7 @@ bool WriteSRecordRegion(PatchFile& file, std::span<const std::uint8_t> data, std
         file.path = path;
         errno = 0;
         file.stream.open(path, std::ios::binary | std::ios::out | std::ios::trunc);
-        if (!file.stream) throw FileError(describeErrno(path, errno ? errno : EIO));
+        if (!file.stream) throw fileSystemError(path, errno ? errno : EIO);
         file.stream.write(S0Line.data(), static_cast<std::streamsize>(S0Line.size()));
     }
     if (!file.stream.is_open()) throw std::logic_error("no patch file is open for region 0x" + HexPad(static_cast<std::uint32_t>(first), 8));
@@ -126,7 +126,7 @@ bool WriteSRecordRegion(PatchFile& file, std::span<const std::uint8_t> data, std
     }
     if (file.stream.fail()) {
         file.stream.close();
-        throw FileError(file.path + ": the patch file could not be written (disk full or removed?)");
+        throw FileError(Reason::PatchNotWritten, {file.path});
     }
     return closeFile;
 }

@@ -10,6 +10,7 @@
 #include "image/window_dialogs.hpp"
 
 #include <QString>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,8 @@ public:
     virtual void ShowMessage(int code) = 0;
     // The same, with `detail` (what failed and where) on a line under its text.
     virtual void showMessageWith(int code, const QString& detail) = 0;
+    // A failure of a job in the window's language: what failed and where.
+    virtual QString failureText(const std::exception& error) const = 0;
     // A failure the numbered messages do not cover: its text says what and where.
     virtual void showError(const QString& text) = 0;
     // A result the numbered messages do not cover, under the title of message 10.

@@ -27,11 +27,11 @@ TemporaryOutput::TemporaryOutput(std::string target, std::string_view marker) : 
 {
     // Renaming over a file needs only its folder to be writable: the file must be too.
     if (::access(m_target.c_str(), F_OK) == 0 && ::access(m_target.c_str(), W_OK) != 0)
-        throw FileError(describeErrno(m_target, errno));
+        throw fileSystemError(m_target, errno);
     removeStaleTemporaries(m_target, marker);
     m_path = m_target + std::string(marker) + "XXXXXX";
     const int fd = ::mkstemp(m_path.data());
-    if (fd < 0) throw FileError(describeErrno(m_path, errno));
+    if (fd < 0) throw fileSystemError(m_path, errno);
     // The finished file gets the usual permissions rather than the private ones of mkstemp.
     const mode_t mask = ::umask(0);
     ::umask(mask);
@@ -40,7 +40,7 @@ TemporaryOutput::TemporaryOutput(std::string target, std::string_view marker) : 
     m_stream.open(m_path, std::ios::binary | std::ios::trunc);
     if (!m_stream) {
         ::unlink(m_path.c_str());
-        throw FileError(describeErrno(m_path, errno));
+        throw fileSystemError(m_path, errno);
     }
 }
 
@@ -54,7 +54,7 @@ TemporaryOutput::~TemporaryOutput()
 void TemporaryOutput::commit()
 {
     closeOutputFile(m_stream, m_target);
-    if (::rename(m_path.c_str(), m_target.c_str()) != 0) throw FileError(describeErrno(m_target, errno));
+    if (::rename(m_path.c_str(), m_target.c_str()) != 0) throw fileSystemError(m_target, errno);
     m_committed = true;
 }
 

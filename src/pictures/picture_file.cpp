@@ -35,7 +35,7 @@ PictureGrid readPictureFile(const std::string& path, const ColourTable& colours)
     try {
         image::requireRegularFile(path);
     } catch (const image::FileError& error) {
-        throw PictureFileError(error.what());
+        throw PictureFileError(error.failure());
     }
     const QString name = QFile::decodeName(QByteArray::fromStdString(path));
     QImageReader reader(name);
@@ -49,8 +49,7 @@ PictureGrid readPictureFile(const std::string& path, const ColourTable& colours)
         byContent.setAutoTransform(false);
         read = byContent.read();
         if (read.isNull())
-            throw PictureFileError(path + ": not a picture that can be read (" + byContent.errorString().toStdString() +
-                                   ")");
+            throw PictureFileError(image::Reason::PictureUnreadable, {path, byContent.errorString().toStdString()});
     }
 
     PictureGrid grid;

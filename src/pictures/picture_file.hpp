@@ -3,6 +3,8 @@
 // file of the picture logic that uses Qt; its header stays free of it.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "picture_encode.hpp"
 #include "pixel_decode.hpp"
 
@@ -13,9 +15,9 @@ namespace zevran::pictures {
 
 // A file that is missing, no regular file, or no picture Qt can read; the message
 // names the path and the cause.
-class PictureFileError : public std::runtime_error {
+class PictureFileError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 // The picture's pixels, alpha ignored. A 4-bit indexed picture (16 colours) whose

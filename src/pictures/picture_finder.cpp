@@ -20,11 +20,11 @@ std::int64_t rowBytes(std::int32_t width, int depth)
 std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::int64_t address, int depth,
                                     std::int32_t least, std::int32_t most, const ColourTable& colours)
 {
-    if (depth == 1) throw WidthGuessError("depth 1 is the mono display memory, which has no width to guess");
-    if (!viewDepthDrawable(depth)) throw WidthGuessError("depth " + std::to_string(depth) + " is not a picture depth");
+    if (depth == 1) throw WidthGuessError(image::Reason::MonoHasNoWidth);
+    if (!viewDepthDrawable(depth)) throw WidthGuessError(image::Reason::NotAPictureDepth, {std::to_string(depth)});
     if (least < 1 || most < least || most > kWidestGuess)
-        throw WidthGuessError("the widths " + std::to_string(least) + " to " + std::to_string(most) +
-                              " are not between 1 and " + std::to_string(kWidestGuess) + " in order");
+        throw WidthGuessError(image::Reason::WidthRangeWrong,
+                              {std::to_string(least), std::to_string(most), std::to_string(kWidestGuess)});
     // One line of pixels: for depths other than 4 at odd widths, where the preview's
     // rounding skips a byte now and then, this is every width's picture read flat.
     const std::int32_t sample = kGuessSampleRows * most;
@@ -46,8 +46,7 @@ std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::in
         if (pairs > 0) scores.push_back({width, static_cast<double>(total) / static_cast<double>(pairs)});
     }
     if (scores.empty())
-        throw std::runtime_error("no width from " + std::to_string(least) + " to " + std::to_string(most) +
-                                 " has two rows of pixels inside the image");
+        throw image::WorkshopError(image::Reason::NoWidthFits, {std::to_string(least), std::to_string(most)});
     std::stable_sort(scores.begin(), scores.end(),
                      [](const WidthScore& a, const WidthScore& b) { return a.score < b.score; });
     return scores;
@@ -107,9 +106,9 @@ std::string nextPictureNumber(const std::vector<PictureEntry>& rows)
 PictureEntry foundPictureEntry(const FoundPicture& picture, std::string number, std::string name)
 {
     if (picture.address < 0 || picture.address > 0xFFFFFFFF)
-        throw std::invalid_argument("address " + std::to_string(picture.address) + " is outside 32 bits");
-    if (!pictureNameAllowed(name)) throw std::invalid_argument("the name \"" + name + "\" is empty or holds a space");
-    if (picture.frames < 1) throw std::invalid_argument("a picture has at least one frame");
+        throw image::TypedError<std::invalid_argument>(image::Reason::AddressOutside32Bits, {std::to_string(picture.address)});
+    if (!pictureNameAllowed(name)) throw image::TypedError<std::invalid_argument>(image::Reason::NameWithSpace, {name});
+    if (picture.frames < 1) throw image::TypedError<std::invalid_argument>(image::Reason::NoFrames);
     return {std::move(number),
             std::move(name),
             "0X" + image::HexPad(static_cast<std::uint32_t>(picture.address), 8),

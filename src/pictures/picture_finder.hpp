@@ -3,6 +3,8 @@
 // picture-list row of a picture found.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "picture_table.hpp"
 #include "picture_view.hpp"
 
@@ -31,9 +33,9 @@ struct WidthScore {
 
 // A guess that cannot be made: depth 1 (the display memory has no width), a depth the
 // preview refuses, or limits out of order or above kWidestGuess.
-class WidthGuessError : public std::invalid_argument {
+class WidthGuessError : public image::TypedError<std::invalid_argument> {
 public:
-    using std::invalid_argument::invalid_argument;
+    using TypedError::TypedError;
 };
 
 // Every width from `least` to `most` that has neighbours to compare, best first (ties

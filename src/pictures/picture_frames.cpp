@@ -12,9 +12,9 @@ using namespace zevran::image;
 
 namespace {
 
-std::int64_t wholeNumber(std::string_view cell, std::string_view what)
+std::int64_t wholeNumber(std::string_view cell, Reason tooLarge)
 {
-    return roundToInt32(leadingNumber(cell), std::string(what) + " " + std::string(cell));
+    return roundToInt32(leadingNumber(cell), tooLarge, cell);
 }
 
 }  // namespace
@@ -23,10 +23,10 @@ FrameGeometry frameGeometry(const PictureEntry& row)
 {
     FrameGeometry geometry;
     geometry.start = HexToLong(row.address);
-    geometry.frameSize = wholeNumber(row.frameSize, "frame size");
-    geometry.frames = wholeNumber(row.frames, "frame count");
+    geometry.frameSize = wholeNumber(row.frameSize, Reason::FrameSizeTooLarge);
+    geometry.frames = wholeNumber(row.frames, Reason::FrameCountTooLarge);
     std::tie(geometry.width, geometry.height) = pictureDimensions(row.dimensions);
-    geometry.depth = static_cast<int>(wholeNumber(row.depth, "depth"));
+    geometry.depth = static_cast<int>(wholeNumber(row.depth, Reason::DepthTooLarge));
     return geometry;
 }
 
@@ -48,22 +48,25 @@ std::string pictureFramePath(std::string_view folder, std::string_view name, std
 
 std::optional<Region> picturePatchRegion(const ImageState& state, const PictureEntry& row)
 {
-    const std::string where = "row " + row.number + ": ";
+    // A failure here names the row it is about.
+    auto onRow = [&row](Reason reason, std::vector<std::string> values = {}) {
+        return TypedError<std::out_of_range>(Reason::OnRow, {row.number}, Failure{reason, std::move(values), nullptr});
+    };
     const std::string_view address = row.address;
     const std::int64_t start = HexToLong(address.substr(std::min<std::size_t>(2, address.size())));
     const double frames = std::nearbyint(leadingNumber(row.frames));
     if (std::fabs(frames) > kMostPatchFrames)
-        throw std::out_of_range(where + "a frame count of " + row.frames + " is above 32767");
+        throw onRow(Reason::FramesAbove32767, {row.frames});
     const double last = std::nearbyint(frames * leadingNumber(row.frameSize) + static_cast<double>(start) - 1);
     if (!(last >= std::numeric_limits<std::int32_t>::min() && last <= std::numeric_limits<std::int32_t>::max()))
-        throw std::out_of_range(where + "the picture's end lies beyond any 32-bit address");
+        throw onRow(Reason::PictureEndPast32Bit);
     const std::int64_t length = static_cast<std::int64_t>(last) - start + 1;
     if (length == 0) return std::nullopt;
-    if (length < 0) throw std::out_of_range(where + "the frame count or size is negative");
+    if (length < 0) throw onRow(Reason::NegativeFramesOrSize);
     if (start + length > static_cast<std::int64_t>(state.FirmwareImage.size()))
-        throw std::out_of_range(where + "0x" + HexPad(static_cast<std::uint32_t>(start), 8) + "-0x" +
-                                HexPad(static_cast<std::uint32_t>(last), 8) + " lies past the image (" +
-                                std::to_string(state.FirmwareImage.size()) + " bytes)");
+        throw onRow(Reason::FramesPastImage, {HexPad(static_cast<std::uint32_t>(start), 8),
+                                              HexPad(static_cast<std::uint32_t>(last), 8),
+                                              std::to_string(state.FirmwareImage.size())});
     const auto begin = state.FirmwareImage.begin() + start;
     return Region{static_cast<std::int32_t>(start), static_cast<std::int32_t>(last),
                   std::vector<std::uint8_t>(begin, begin + length)};

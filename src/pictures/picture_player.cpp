@@ -10,8 +10,7 @@ FrameNumber steppedFrame(FrameNumber current, int delta)
 {
     const int stepped = int{current} + delta;
     if (stepped < std::numeric_limits<FrameNumber>::min() || stepped > std::numeric_limits<FrameNumber>::max())
-        throw PlayerOverflow("frame number " + std::to_string(stepped) +
-                             " is outside the player's count of -32768 to 32767");
+        throw PlayerOverflow(image::Reason::FrameNumberOutOfRange, {std::to_string(stepped)});
     return static_cast<FrameNumber>(stepped);
 }
 
@@ -20,8 +19,7 @@ std::int32_t shownFrameAddress(const FrameGeometry& geometry, FrameNumber frame)
     // Start, size and frame are each far inside 64 bits, so the product cannot wrap here.
     const std::int64_t address = frameAddress(geometry, frame);
     if (address < std::numeric_limits<std::int32_t>::min() || address > std::numeric_limits<std::int32_t>::max())
-        throw PlayerOverflow("frame " + std::to_string(int{frame} + 1) + " would lie at " + std::to_string(address) +
-                             ", beyond any 32-bit address");
+        throw PlayerOverflow(image::Reason::FramePast32Bit, {std::to_string(int{frame} + 1), std::to_string(address)});
     return static_cast<std::int32_t>(address);
 }
 

@@ -2,6 +2,8 @@
 // where that frame lies, and the temporary BMP through which the preview shows it.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "picture_frames.hpp"
 #include "pixel_decode.hpp"
 
@@ -17,9 +19,9 @@ namespace zevran::pictures {
 using FrameNumber = std::int16_t;
 
 // A frame number past the 16-bit counter, or a frame whose address leaves 32 bits.
-class PlayerOverflow : public std::overflow_error {
+class PlayerOverflow : public image::TypedError<std::overflow_error> {
 public:
-    using std::overflow_error::overflow_error;
+    using TypedError::TypedError;
 };
 
 // current + delta. No bound of the picture applies: stepping past its last frame

@@ -12,11 +12,11 @@ namespace zevran::pictures {
 
 using namespace zevran::image;
 
-std::int32_t roundToInt32(double value, std::string_view what)
+std::int32_t roundToInt32(double value, Reason tooLarge, std::string_view cell)
 {
     const double rounded = std::nearbyint(value);  // half to even
     if (!(rounded >= std::numeric_limits<std::int32_t>::min() && rounded <= std::numeric_limits<std::int32_t>::max()))
-        throw PictureTableError(std::string(what) + " does not fit a 32-bit number");
+        throw PictureTableError(tooLarge, {std::string(cell)});
     return static_cast<std::int32_t>(rounded);
 }
 
@@ -55,8 +55,8 @@ std::pair<std::string_view, std::string_view> splitDimensions(std::string_view c
 std::pair<std::int32_t, std::int32_t> pictureDimensions(std::string_view cell)
 {
     const auto [width, height] = splitDimensions(cell);
-    return {roundToInt32(leadingNumber(width), "the width " + std::string(width)),
-            roundToInt32(leadingNumber(height), "the height " + std::string(height))};
+    return {roundToInt32(leadingNumber(width), Reason::WidthTooLarge, width),
+            roundToInt32(leadingNumber(height), Reason::HeightTooLarge, height)};
 }
 
 std::vector<PictureEntry> readPictureTable(std::string_view text, bool recomputeSize)
@@ -67,18 +67,21 @@ std::vector<PictureEntry> readPictureTable(std::string_view text, bool recompute
         ++lineNumber;
         if (line.empty()) continue;
         const auto fields = splitAtSpaces(line);
-        const std::string where = "line " + std::to_string(lineNumber) + ": ";
-        if (fields.size() < 11)
-            throw PictureTableError(where + "only " + std::to_string(fields.size()) + " of 11 space-separated fields");
+        const std::string lineText = std::to_string(lineNumber);
+        if (fields.size() < 11) throw PictureTableError(Reason::TableTooFewFields, {lineText, std::to_string(fields.size())});
         PictureEntry row{ZeroPad(std::to_string(rows.size() + 1), 3), Del_TAb(fields[1]), Del_TAb(fields[2]),
                          Del_TAb(fields[4]),  Del_TAb(fields[6]), Del_TAb(fields[8]), Del_TAb(fields[10])};
         if (recomputeSize) {
             // The cell is split at "*" into two parts; a cell without one has no second part.
             if (row.dimensions.find('*') == std::string::npos)
-                throw PictureTableError(where + "the dimensions \"" + row.dimensions + "\" have no \"*\"");
+                throw PictureTableError(Reason::TableNoStar, {lineText, row.dimensions});
             const auto [width, height] = splitDimensions(row.dimensions);
             const double size = leadingNumber(width) * leadingNumber(height) * leadingNumber(row.depth) / 8;
-            row.frameSize = std::to_string(roundToInt32(size, where + "the frame size of " + row.dimensions));
+            try {
+                row.frameSize = std::to_string(roundToInt32(size, Reason::ComputedSizeTooLarge, row.dimensions));
+            } catch (const PictureTableError& error) {
+                throw PictureTableError(Reason::OnLine, {lineText}, error.failure());
+            }
         }
         rows.push_back(std::move(row));
     }

@@ -2,6 +2,8 @@
 // address, frame count, frame size, dimensions and depth.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -24,9 +26,9 @@ struct PictureEntry {
 };
 
 // A table file that cannot be loaded; the whole list is dropped (message 38).
-class PictureTableError : public std::runtime_error {
+class PictureTableError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 inline constexpr int kMessageBadPictureTable = 38;
@@ -37,8 +39,8 @@ inline constexpr int kMessageBadPictureTable = 38;
 double leadingNumber(std::string_view text);
 
 // A cell's number as a 32-bit integer, rounded half to even, as every number of a
-// picture row is taken; PictureTableError naming `what` when it does not fit.
-std::int32_t roundToInt32(double value, std::string_view what);
+// picture row is taken; PictureTableError `tooLarge` naming the cell when it does not fit.
+std::int32_t roundToInt32(double value, image::Reason tooLarge, std::string_view cell);
 
 // The two parts of a dimensions cell at its first "*"; the second is empty without one.
 std::pair<std::string_view, std::string_view> splitDimensions(std::string_view cell);

@@ -259,7 +259,7 @@ void PicturesTab::OpenPicTable_Click()
         Text15->clear();
         Text16->clear();
         FrameCount->clear();
-        m_host->showMessageWith(kMessageBadPictureTable, path + ": " + fromUtf8(error.what()));
+        m_host->showMessageWith(kMessageBadPictureTable, path + ": " + m_host->failureText(error));
         return;
     }
     for (const PictureEntry& row : rows) addListRow(row);
@@ -298,7 +298,7 @@ void PicturesTab::SavePicTable_Click()
         refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
         saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
-        m_host->showError(path + ": " + fromUtf8(error.what()));
+        m_host->showError(path + ": " + m_host->failureText(error));
         return;
     }
     m_host->ShowMessage(16);
@@ -413,7 +413,7 @@ void PicturesTab::stepFrame(int step)
     try {
         m_frame = steppedFrame(m_frame, step);
     } catch (const PlayerOverflow& error) {
-        m_host->showError(fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
@@ -635,7 +635,7 @@ void PicturesTab::outputpics3_Click()
             refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
             if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
         } catch (const std::exception& error) {
-            failure = fromUtf8(error.what());
+            failure = m_host->failureText(error);
         }
     }
     if (!failure.isEmpty()) m_host->showError(failure);

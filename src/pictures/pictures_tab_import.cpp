@@ -133,7 +133,7 @@ bool PicturesTab::importableRow(RowToImport& row)
         m_host->showError(importText("PictureImportRowRefused").arg(number, reason));
         return false;
     } catch (const std::exception& error) {
-        m_host->showError(importText("PictureImportRowRefused").arg(number, fromUtf8(error.what())));
+        m_host->showError(importText("PictureImportRowRefused").arg(number, m_host->failureText(error)));
         return false;
     }
     return true;

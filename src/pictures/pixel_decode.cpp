@@ -23,8 +23,8 @@ std::vector<std::uint8_t> bmpShell(std::int32_t width, std::int32_t height, int 
                                    std::span<const std::uint8_t> colourTable, std::int64_t dataSize)
 {
     if (dataSize < 0 || dataSize > kLargestPixelData)
-        throw std::length_error("a picture of " + std::to_string(width) + "*" + std::to_string(height) +
-                                " pixels is too large for a handset picture");
+        throw image::TypedError<std::length_error>(image::Reason::PictureTooLarge,
+                                                   {std::to_string(width), std::to_string(height)});
     const std::size_t offset = kHeaderSize + colourTable.size();
     std::vector<std::uint8_t> bmp(offset + static_cast<std::size_t>(dataSize), 0);
     bmp[0] = 'B';
@@ -136,7 +136,7 @@ void writeBmp(const std::string& path, const std::vector<std::uint8_t>& bmp)
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(bmp.data()), static_cast<std::streamsize>(bmp.size()));
     out.close();
-    if (!out) throw image::FileError(path + ": the picture could not be written");
+    if (!out) throw image::FileError(image::Reason::PictureNotWritten, {path});
 }
 
 }  // namespace
@@ -185,7 +185,7 @@ std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::ui
     default: return std::nullopt;
     }
     const int bitsPerPixel = bmpBitsPerPixel(depth);
-    if (width < 0 || height < 0) throw std::length_error("a picture cannot have negative dimensions");
+    if (width < 0 || height < 0) throw image::TypedError<std::length_error>(image::Reason::NegativeDimensions);
     const std::int64_t stride = bmpStride(width, bitsPerPixel);
     auto bmp = bmpShell(width, height, bitsPerPixel, compression, table, stride * height);
     const std::size_t offset = kHeaderSize + table.size();

@@ -14,7 +14,7 @@ public:
         : m_handle(::iconv_open(std::string(to).c_str(), std::string(from).c_str()))
     {
         if (m_handle == reinterpret_cast<iconv_t>(-1))
-            throw CodePageError("the code page " + std::string(from == "UTF-8" ? to : from) + " is not known");
+            throw CodePageError(image::Reason::CodePageUnknown, {std::string(from == "UTF-8" ? to : from)});
     }
     ~Converter() { ::iconv_close(m_handle); }
     Converter(const Converter&) = delete;
@@ -70,7 +70,7 @@ std::vector<std::string> encodeCharacters(std::string_view utf8Text, std::string
         std::string bytes;
         std::size_t consumed = 0;
         if (!converter.convert(character, bytes, consumed))
-            throw CodePageError("\"" + std::string(character) + "\" has no code in the code page " + std::string(codePage));
+            throw CodePageError(image::Reason::NotInCodePage, {std::string(character), std::string(codePage)});
         characters.push_back(std::move(bytes));
         pos += length;
     }

@@ -2,6 +2,8 @@
 // take two bytes, high byte first, as the handset stores it. Converted with iconv.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -12,9 +14,9 @@ namespace zevran::strings {
 inline constexpr std::string_view kDefaultCodePage = "GBK";
 
 // A text that the code page cannot hold, or a code page iconv does not know.
-class CodePageError : public std::runtime_error {
+class CodePageError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 // The code-page bytes of each character of a UTF-8 text, one entry per character.

@@ -11,10 +11,6 @@ using namespace zevran::image;
 
 namespace {
 
-const char* encodingName(bool handsetCodes) { return handsetCodes ? "handset codes" : "single-byte codes"; }
-
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
 // Bytes from first to last inclusive; 0 when the end lies before the start.
 std::int64_t rangeBytes(std::int64_t first, std::int64_t last) { return last < first ? 0 : last - first + 1; }
 
@@ -39,17 +35,15 @@ std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::stri
 {
     if (Text10.empty() || Text7.empty() || Text9.empty()) return std::nullopt;
     const std::int64_t bytes = rangeBytes(HexToLong(Text10), HexToLong(Text9));
-    const std::string where = "the string at " + std::string(Text10);
     StringEditRow row{ZeroPad(std::to_string(rowsBefore + 1), 2), std::string(Text10), std::string(Text9),
                       std::string(Text7), std::string(Text8)};
     const auto used = static_cast<std::int64_t>(editRowBytes(row, handsetCodes, codePage).size());
     if (used > bytes)
-        throw EditRowError(quoted(Text7) + " takes " + std::to_string(used) + " bytes in " + encodingName(handsetCodes) +
-                           ", more than the " + std::to_string(bytes) + " of " + where);
+        throw EditRowError(handsetCodes ? Reason::TextTooLongHandset : Reason::TextTooLongSingle,
+                           {std::string(Text7), std::to_string(used), std::to_string(bytes), std::string(Text10)});
     const std::int64_t spaceBytes = handsetCodes ? 2 : 1;
     if ((bytes - used) % spaceBytes != 0)
-        throw EditRowError(where + " holds " + std::to_string(bytes) +
-                           " bytes, an odd count that handset codes (two bytes a character) cannot fill exactly");
+        throw EditRowError(Reason::OddCountForHandset, {std::string(Text10), std::to_string(bytes)});
     row.text.append(static_cast<std::size_t>((bytes - used) / spaceBytes), ' ');
     return row;
 }
@@ -59,21 +53,20 @@ std::vector<Region> editListRegions(std::span<const StringEditRow> rows, bool ha
 {
     std::vector<Region> regions;
     for (const StringEditRow& row : rows) {
-        const std::string where = "row " + row.number + " at " + row.start + ".." + row.end + ": ";
+        // A failure here names the row it is about.
+        auto onRow = [&row](const Failure& cause) { return EditRowError(Reason::EditRowAt, {row.number, row.start, row.end}, cause); };
         Region region;
         try {
             region = editRowRegion(row, handsetCodes, codePage);
         } catch (const std::exception& error) {
-            throw EditRowError(where + error.what());
+            throw onRow(failureOf(error));
         }
         const std::int64_t bytes = rangeBytes(region.first, region.last);
         if (static_cast<std::int64_t>(region.bytes.size()) != bytes)
-            throw EditRowError(where + quoted(row.text) + " takes " + std::to_string(region.bytes.size()) +
-                               " bytes in " + encodingName(handsetCodes) + " but the string holds " +
-                               std::to_string(bytes) + "; write the list in the codes it was searched in");
+            throw onRow({handsetCodes ? Reason::TextLengthDiffersHandset : Reason::TextLengthDiffersSingle,
+                         {row.text, std::to_string(region.bytes.size()), std::to_string(bytes)}, nullptr});
         if (region.last >= imageLength)
-            throw EditRowError(where + "the string lies past the end of the image (" + std::to_string(imageLength) +
-                               " bytes); was it found in another phone file?");
+            throw onRow({Reason::StringPastImage, {std::to_string(imageLength)}, nullptr});
         regions.push_back(std::move(region));
     }
     return regions;

@@ -2,6 +2,8 @@
 // replacement always fills exactly the space of the string it replaces.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "code_page.hpp"
 #include "image/patch_writer.hpp"
 
@@ -36,9 +38,9 @@ image::Region editRowRegion(const StringEditRow& row, bool handsetCodes, std::st
 
 // What keeps a replacement from filling its string exactly; the text names the
 // string (or the row) and the byte counts.
-class EditRowError : public std::runtime_error {
+class EditRowError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 // The row that adding a replacement makes for the string found between Text10 and

@@ -137,7 +137,7 @@ void StringsTab::SeachString_Click()
     try {
         pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     // Departure: the classic search went on from the previous text's last hit, so a
@@ -178,7 +178,7 @@ void StringsTab::Add2List_Click()
                                 Text9->text().toStdString(), Text7->text().toStdString(), Text8->text().toStdString(),
                                 m_hitInHandsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     if (!row) {
@@ -245,7 +245,7 @@ std::optional<std::vector<image::Region>> StringsTab::checkedRegions()
     try {
         return editListRegions(rows, Option3->isChecked(), m_host->imageState().FirmwareLength, m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return std::nullopt;
     }
 }

@@ -29,7 +29,7 @@ std::int64_t offsetOf(const std::string& cell, const ToneSlot& row, const char* 
     try {
         return HexToLong(cell);
     } catch (const HexOverflow&) {
-        throw ToneExportError("row " + row.number + ": " + what + " " + cell + " is not an offset in the image");
+        throw ToneExportError(Reason::ToneCellNotOffset, {row.number, what, cell});
     }
 }
 
@@ -53,8 +53,8 @@ std::span<const std::uint8_t> toneBytes(const ImageState& state, const ToneSlot&
     if (end < start) return {};
     const auto length = static_cast<std::int64_t>(state.FirmwareImage.size());
     if (end >= length)
-        throw ToneExportError("row " + row.number + ": end 0x" + HexPad(static_cast<std::uint32_t>(end), 8) +
-                              " lies past the image (" + sizeText(state.FirmwareImage.size()) + ")");
+        throw ToneExportError(Reason::ToneEndPastImage,
+                              {row.number, HexPad(static_cast<std::uint32_t>(end), 8), sizeText(state.FirmwareImage.size())});
     return std::span<const std::uint8_t>(state.FirmwareImage).subspan(static_cast<std::size_t>(start),
                                                                         static_cast<std::size_t>(end - start + 1));
 }
@@ -63,10 +63,10 @@ void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> b
 {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r+b"), std::fclose);
     if (!file && errno == ENOENT) file.reset(std::fopen(path.c_str(), "wb"));
-    if (!file) throw FileError(describeErrno(path, errno));
+    if (!file) throw fileSystemError(path, errno);
     if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size())
-        throw FileError(describeErrno(path, errno ? errno : EIO));
-    if (std::fclose(file.release()) != 0) throw FileError(describeErrno(path, errno));
+        throw fileSystemError(path, errno ? errno : EIO);
+    if (std::fclose(file.release()) != 0) throw fileSystemError(path, errno);
 }
 
 void exportTones(const ImageState& state, const std::vector<ToneSlot>& rows,

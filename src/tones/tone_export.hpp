@@ -1,6 +1,8 @@
 // Exporting tones: each row's image bytes, start to end, as its own ".mmf" file.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "tone_scan.hpp"
 
 #include <functional>
@@ -13,9 +15,9 @@
 namespace zevran::tones {
 
 // A row that cannot be exported; the message names the row and the reason.
-class ToneExportError : public std::runtime_error {
+class ToneExportError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 // The picked path less its last four characters (its ".mmf", or whatever stands

@@ -91,9 +91,8 @@ PlanRowPatch tonePatchRegion(const ReplacementRow& row, std::string_view folder,
     }
     // A plan made from a tone table of another image may name slots this image lacks.
     if (slot->start < 0 || slot->start + slot->size > imageLength)
-        throw TonePlanError("row " + row.number + ": the slot at 0x" + HexPad(static_cast<std::uint32_t>(slot->start), 8) +
-                            " of " + std::to_string(slot->size) + " bytes lies outside the image (" +
-                            std::to_string(imageLength) + " bytes)");
+        throw TonePlanError(Reason::SlotOutsideImage, {row.number, HexPad(static_cast<std::uint32_t>(slot->start), 8),
+                                                       std::to_string(slot->size), std::to_string(imageLength)});
     const std::string path = joinFolder(folder, file.name);
     std::ifstream in = openInputFile(path);
     // The size shown may be older than the file: a longer file would be cut short.
@@ -105,7 +104,7 @@ PlanRowPatch tonePatchRegion(const ReplacementRow& row, std::string_view folder,
     patch.region.last = static_cast<std::int32_t>(slot->start + slot->size - 1);
     patch.region.bytes.assign(static_cast<std::size_t>(slot->size), 0);
     in.read(reinterpret_cast<char*>(patch.region.bytes.data()), static_cast<std::streamsize>(slot->size));
-    if (in.bad()) throw FileError(describeErrno(path, errno));
+    if (in.bad()) throw fileSystemError(path, errno);
     patch.result = PlanRowResult::Region;
     return patch;
 }

@@ -3,6 +3,8 @@
 // nothing after the slot ever moves.
 #pragma once
 
+#include "image/failure.hpp"
+
 #include "tone_plan.hpp"
 
 #include "image/patch_writer.hpp"
@@ -16,9 +18,9 @@
 namespace zevran::tones {
 
 // A pair that cannot be written; the message names the plan row and the reason.
-class TonePlanError : public std::runtime_error {
+class TonePlanError : public image::WorkshopError {
 public:
-    using std::runtime_error::runtime_error;
+    using TypedError::TypedError;
 };
 
 // Fields 1 and 4 of a slot text split at single spaces: start as hex text, size as

@@ -74,7 +74,7 @@ ToneStreamScan scanToneStream(std::istream& in, std::size_t chunkBytes)
         std::memmove(buffer.data(), buffer.data() + end, carried);
         from = 0;
     }
-    if (in.bad()) throw std::ios_base::failure("the file could not be read to its end");
+    if (in.bad()) throw image::TypedError<std::ios_base::failure>(image::Reason::FileNotReadToEnd);
     return scan;
 }
 

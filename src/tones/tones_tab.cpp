@@ -271,7 +271,7 @@ void TonesTab::SaveToneTable_Click()
         // An existing table is replaced whole, never left half old and half new.
         image::saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     } catch (const std::exception& error) {
-        m_host->showError(path + ": " + QString::fromUtf8(error.what()));
+        m_host->showError(path + ": " + m_host->failureText(error));
         return;
     }
     m_host->ShowMessage(6);
@@ -287,7 +287,7 @@ void TonesTab::OpenToneTable_Click()
         const std::vector<std::uint8_t> bytes = image::readWholeFile(path.toStdString());
         table = readToneTable(strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage()));
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     showToneRows(table.rows);
@@ -329,7 +329,7 @@ void TonesTab::exportTones(bool everyRow)
                                ProgressBar1->setValue(static_cast<int>(i) + 1);
                            });
     } catch (const std::exception& error) {
-        failure = QString::fromUtf8(error.what());
+        failure = m_host->failureText(error);
     }
     if (!m_listedFolder.isEmpty()) showToneFiles(m_listedFolder);
     const QString counted = m_host->text("FilesWritten").arg(written);

@@ -182,7 +182,7 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions()
             if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
         }
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return std::nullopt;
     }
     return regions;

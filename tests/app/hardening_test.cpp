@@ -108,7 +108,9 @@ private slots:
         writeBytes(path("empty.asf"), "");
         m_window->openPhoneFile(path("a.asf"));
         m_window->patchInImage({{0, 0, {'X'}}});
-        // The empty file takes the phone file's name, while the old image stays.
+        // The empty file takes the phone file's name, while the old image stays (its
+        // changes let go at the question).
+        m_dialogs->answers = {zevran::app::Answer::No};
         m_window->openPhoneFile(path("empty.asf"));
         QVERIFY(!m_window->Saveaxf(true));
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{13, 1, 0}));

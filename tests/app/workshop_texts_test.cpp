@@ -189,6 +189,22 @@ private slots:
         QCOMPARE(window->findChild<QAction*>("Open")->text(), QString("Open"));
         QCOMPARE(window->findChild<QPushButton*>("PlayPicture")->text(), QString("Play"));
     }
+
+    // What failed and where reads in the window's language, with its values.
+    void failureDetailsReadInTheWindowsLanguage()
+    {
+        writeBytes(path("language/English.ini"), shipped("English.ini"));
+        writeBytes(path("language/ChineseS.ini"), shipped("ChineseS.ini"));
+        const auto window = startIn("ChineseS.ini");
+        QDir().mkpath(path("folder.bin"));
+        window->openPhoneFile(path("folder.bin"));
+        QCOMPARE(m_dialogs->messages.back().text, path("folder.bin") + QString::fromUtf8("：是文件夹，不是文件"));
+        window->openPhoneFile(path("missing.bin"));
+        QCOMPARE(m_dialogs->messages.back().text, path("missing.bin") + QString::fromUtf8("：没有那个文件或目录"));
+        window->languagNum_Click(2);  // English
+        window->openPhoneFile(path("folder.bin"));
+        QCOMPARE(m_dialogs->messages.back().text, path("folder.bin") + ": is a folder, not a file");
+    }
 };
 
 QTEST_MAIN(WorkshopTextsTest)
