@@ -47,6 +47,16 @@ for program in zevran zevran-cli; do
     gzip -dc "$prefix/share/man/man1/$program.1.gz" | grep -q '^\.SH NAME' || fail "$program(1) has no NAME section"
     gzip -dc "$prefix/share/man/man1/$program.1.gz" | grep -q '^\.SH FILES' || fail "$program(1) has no FILES section"
 done
+# The manual pages' FILES sections name the shipped data folder of this very prefix, put in
+# as they were installed (a page made at build time could only name the configured one).
+files_section() { gzip -dc "$prefix/share/man/man1/$1.1.gz" | sed -n '/^\.SH FILES/,/^\.SH /p'; }
+for program in zevran zevran-cli; do
+    section=$(files_section "$program")
+    [[ $section != *PREFIX* && $section != *@ZEVRAN* ]] || fail "$program(1) FILES keeps a placeholder: $section"
+done
+grep -qxF ".I $prefix/share/zevran/" <<<"$(files_section zevran)" || fail "zevran(1) FILES does not name $prefix/share/zevran/"
+grep -qxF ".I $prefix/share/zevran/16.dat" <<<"$(files_section zevran-cli)" ||
+    fail "zevran-cli(1) FILES does not name $prefix/share/zevran/16.dat"
 grep -qx 'Exec=zevran %f' "$prefix/share/applications/org.example.ZevranWorkshop.desktop" || fail "the entry does not open %f"
 [[ $("$prefix/bin/zevran-cli" --version) == "zevran-cli (Zevran Handset Workshop) 1.11" ]] || fail "zevran-cli --version"
 [[ $("$prefix/bin/zevran" --version) == "zevran 1.11" ]] || fail "zevran --version"
