@@ -53,6 +53,20 @@ else()
   message(STATUS "help2man not found: the manual pages are not made (make deps installs it)")
 endif()
 
+# The package's documents where Debian keeps them: the machine-readable copyright file and
+# the changelog, compressed without name or time stamp so that every build gives the same bytes.
+set(ZEVRAN_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/zevran)
+set(zevran_changelog ${CMAKE_BINARY_DIR}/debian/changelog.Debian)
+add_custom_command(
+  OUTPUT ${zevran_changelog}.gz
+  COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/data/debian/changelog ${zevran_changelog}
+  COMMAND gzip -9 -n -f ${zevran_changelog}
+  DEPENDS ${CMAKE_SOURCE_DIR}/data/debian/changelog
+  COMMENT "Debian changelog"
+  VERBATIM)
+add_custom_target(debian_changelog ALL DEPENDS ${zevran_changelog}.gz)
+install(FILES ${CMAKE_SOURCE_DIR}/data/debian/copyright ${zevran_changelog}.gz DESTINATION ${ZEVRAN_DOC_DIR})
+
 # make package: a Debian package whose dependencies dpkg-shlibdeps finds in the binaries.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zevran)
