@@ -74,9 +74,12 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "Zevran Handset Workshop")
 set(CPACK_PACKAGE_CONTACT "Zevran Handset Workshop developers <zevran@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "editor for the firmware image of a mobile handset")
+# Lines of at most 80 characters, as Debian's tools show them.
 set(CPACK_PACKAGE_DESCRIPTION
-    "Zevran Handset Workshop opens a handset's firmware file and works on its ring tones (SMAF),\n\
-text strings and pictures, and converts Motorola S-record files to binary and back.\n\
+    "Zevran Handset Workshop opens a handset's firmware file and works on its\n\
+ring tones (SMAF), text strings and pictures, and converts Motorola\n\
+S-record files to binary and back. A phone file of the bin kind is never\n\
+changed: its edits leave as S-record patch files.\n\
 zevran-cli does every job from the command line.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
