@@ -38,7 +38,8 @@ for file in bin/zevran bin/zevran-cli \
     share/icons/hicolor/48x48/apps/zevran.png share/icons/hicolor/96x96/apps/zevran.png \
     share/icons/hicolor/192x192/apps/zevran.png \
     share/man/man1/zevran.1.gz share/man/man1/zevran-cli.1.gz \
-    share/bash-completion/completions/zevran-cli; do
+    share/bash-completion/completions/zevran-cli \
+    share/doc/zevran/copyright share/doc/zevran/changelog.Debian.gz; do
     [[ -f $prefix/$file ]] || fail "missing $file"
 done
 [[ $(ls "$prefix/bin") == $'zevran\nzevran-cli' ]] || fail "bin/ holds more than the two programs: $(ls "$prefix/bin")"
@@ -47,6 +48,41 @@ for program in zevran zevran-cli; do
     gzip -dc "$prefix/share/man/man1/$program.1.gz" | grep -q '^\.SH NAME' || fail "$program(1) has no NAME section"
     gzip -dc "$prefix/share/man/man1/$program.1.gz" | grep -q '^\.SH FILES' || fail "$program(1) has no FILES section"
 done
+# The manual pages' FILES sections name the shipped data folder of this very prefix, put in
+# as they were installed (a page made at build time could only name the configured one).
+files_section() { gzip -dc "$prefix/share/man/man1/$1.1.gz" | sed -n '/^\.SH FILES/,/^\.SH /p'; }
+for program in zevran zevran-cli; do
+    section=$(files_section "$program")
+    [[ $section != *PREFIX* && $section != *@ZEVRAN* ]] || fail "$program(1) FILES keeps a placeholder: $section"
+done
+grep -qxF ".I $prefix/share/zevran/" <<<"$(files_section zevran)" || fail "zevran(1) FILES does not name $prefix/share/zevran/"
+grep -qxF ".I $prefix/share/zevran/16.dat" <<<"$(files_section zevran-cli)" ||
+    fail "zevran-cli(1) FILES does not name $prefix/share/zevran/16.dat"
+# Debian's documents. The copyright file is machine-readable: its header names the format,
+# every Files paragraph has its Copyright and a License whose text a paragraph of its own gives.
+doc=$prefix/share/doc/zevran
+[[ $(head -1 "$doc/copyright") == "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/" ]] ||
+    fail "the copyright file does not start with the format line"
+copyright_problems=$(awk 'BEGIN { RS = "" }
+    NR == 1 { next }
+    /^Files: / {
+        if ($0 !~ /(^|\n)Copyright: [^\n]+/) print "no Copyright in: " $0
+        if (match($0, /(^|\n)License: [^ \n]+(\n|$)/)) { name = substr($0, RSTART, RLENGTH); gsub(/\n|License: /, "", name); used[name] = 1 }
+        else print "no single License name in: " $0
+        next }
+    /^License: [^ \n]+\n / { name = $2; explained[name] = 1; next }
+    { print "neither Files nor License with text: " $0 }
+    END { for (name in used) if (!(name in explained)) print "License " name " has no text" }' "$doc/copyright")
+[[ -z $copyright_problems ]] || fail "copyright file: $copyright_problems"
+# The changelog is compressed by gzip -9n (no name, no time stamp: the same bytes every build)
+# and its newest entry is this version, in the Debian changelog format.
+[[ $(od -A n -t x1 -N 10 "$doc/changelog.Debian.gz" | tr -d ' \n') == 1f8b0800000000000203 ]] ||
+    fail "changelog.Debian.gz is not compressed by gzip -9n: $(od -A n -t x1 -N 10 "$doc/changelog.Debian.gz")"
+changelog=$(gzip -dc "$doc/changelog.Debian.gz")
+[[ $(head -1 <<<"$changelog") =~ ^zevran\ \(1\.11\)\ [a-z][-a-z]*\;\ urgency=(low|medium|high|emergency|critical)$ ]] ||
+    fail "the changelog's first line is not the entry of zevran 1.11: $(head -1 <<<"$changelog")"
+[[ $(grep -m1 '^ -- ' <<<"$changelog") =~ ^\ --\ [^\<]+\ \<[^\>]+@[^\>]+\>\ \ [A-Z][a-z]{2},\ [0-9]{2}\ [A-Z][a-z]{2}\ [0-9]{4}\ [0-9]{2}:[0-9]{2}:[0-9]{2}\ [-+][0-9]{4}$ ]] ||
+    fail "the changelog entry has no trailer line of name, address and date"
 grep -qx 'Exec=zevran %f' "$prefix/share/applications/org.example.ZevranWorkshop.desktop" || fail "the entry does not open %f"
 [[ $("$prefix/bin/zevran-cli" --version) == "zevran-cli (Zevran Handset Workshop) 1.11" ]] || fail "zevran-cli --version"
 [[ $("$prefix/bin/zevran" --version) == "zevran 1.11" ]] || fail "zevran --version"
