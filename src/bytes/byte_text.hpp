@@ -1,0 +1,48 @@
+// The bytes as text, and text as the bytes to look for: in the handset's single-byte
+// code page, or in its two-byte codes (A1 and the Latin-1 byte for a narrow
+// character, the UTF-16 unit high byte first for a wide one), as the string search
+// stores and finds text.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zevran::bytes {
+
+enum class TextEncoding { SingleByte, HandsetCodes };
+enum class PatternKind { Hex, SingleByte, HandsetCodes };
+
+// The character each byte shows as in the code page, as a UTF-16 unit: printable ASCII
+// and the code page's own single-byte characters; 0 where the byte is no character
+// of its own (a control code, or the lead byte of a two-byte character).
+std::array<char16_t, 256> singleByteCharacters(std::string_view codePage);
+
+// The character a pair of handset-code bytes shows as; 0 when it is none (a control
+// code, a unit below U+0100 not stored so, or an unpaired surrogate).
+char16_t handsetCharacter(std::uint8_t high, std::uint8_t low);
+
+// The bytes of what the user typed: hex digits (spaces allowed, an even count), or a
+// UTF-8 text in either encoding. None for bad hex, an empty text or a text the code
+// page cannot hold.
+std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view typed, PatternKind kind,
+                                                      std::string_view codePage);
+
+// The next occurrence after `cursor` (forward) or the previous one before it, going
+// round the image's end; none when the image holds it nowhere.
+struct FoundBytes {
+    std::size_t address = 0;
+    bool wrapped = false;  // went round the image's end (or start) to find it
+};
+std::optional<FoundBytes> findPattern(std::span<const std::uint8_t> image, std::span<const std::uint8_t> pattern,
+                                      std::size_t cursor, bool forward);
+
+// An address typed for "go to": hex with or without "0x"; none when it is not one or
+// lies outside an image of `imageSize` bytes.
+std::optional<std::size_t> parseAddress(std::string_view typed, std::size_t imageSize);
+
+}  // namespace zevran::bytes
