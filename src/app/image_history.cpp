@@ -20,10 +20,19 @@ ImageHistory::ImageHistory(image::ImageState& image, QObject* parent)
 void ImageHistory::opened()
 {
     m_history.reset();
+    m_originals.reset();
     update();
+    emit imageReplaced();
 }
 
 void ImageHistory::saved()
+{
+    m_history.markClean();
+    m_originals.reset();
+    update();
+}
+
+void ImageHistory::patchWritten()
 {
     m_history.markClean();
     update();
@@ -31,9 +40,11 @@ void ImageHistory::saved()
 
 bool ImageHistory::patch(const std::vector<image::Region>& regions)
 {
+    m_originals.remember(m_image.FirmwareImage, regions);
     m_history.record(image::stepForRegions(m_image.FirmwareImage, regions));
     const bool whole = image::patchImage(m_image, regions);
     update();
+    emit imageChanged();
     return whole;
 }
 

@@ -81,9 +81,9 @@ std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view typed, Pa
 }
 
 std::optional<FoundBytes> findPattern(std::span<const std::uint8_t> image, std::span<const std::uint8_t> pattern,
-                                      std::size_t cursor, bool forward)
+                                      std::size_t from, bool forward)
 {
-    std::size_t hit = forward ? image::findBytes(image, pattern, cursor + 1) : image::findBytesBefore(image, pattern, cursor);
+    std::size_t hit = forward ? image::findBytes(image, pattern, from) : image::findBytesBefore(image, pattern, from);
     if (hit != image::kNotFound) return FoundBytes{hit, false};
     hit = forward ? image::findBytes(image, pattern, 0) : image::findBytesBefore(image, pattern, image.size());
     if (hit == image::kNotFound) return std::nullopt;

@@ -32,14 +32,14 @@ char16_t handsetCharacter(std::uint8_t high, std::uint8_t low);
 std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view typed, PatternKind kind,
                                                       std::string_view codePage);
 
-// The next occurrence after `cursor` (forward) or the previous one before it, going
-// round the image's end; none when the image holds it nowhere.
+// The first occurrence at or after `from` (forward) or the last that starts before it,
+// going round the image's end; none when the image holds it nowhere.
 struct FoundBytes {
     std::size_t address = 0;
     bool wrapped = false;  // went round the image's end (or start) to find it
 };
 std::optional<FoundBytes> findPattern(std::span<const std::uint8_t> image, std::span<const std::uint8_t> pattern,
-                                      std::size_t cursor, bool forward);
+                                      std::size_t from, bool forward);
 
 // An address typed for "go to": hex with or without "0x"; none when it is not one or
 // lies outside an image of `imageSize` bytes.

@@ -33,11 +33,16 @@ public:
     std::vector<ByteOwner> ownersAt(std::int64_t address) const;
     // The owner that colours the byte, or none.
     std::optional<ByteOwner> ownerAt(std::int64_t address) const;
+    // Only its kind: what a repaint asks of every byte on screen, without allocating.
+    std::optional<OwnerKind> kindAt(std::int64_t address) const;
 
     bool empty() const { return m_ranges.empty(); }
     std::size_t size() const { return m_ranges.size(); }
 
 private:
+    template <typename Visit>
+    void visitOwners(std::int64_t address, Visit visit) const;
+
     std::vector<ByteOwner> m_ranges;     // by start address
     std::vector<std::int64_t> m_reach;   // the furthest end among ranges 0..k
 };

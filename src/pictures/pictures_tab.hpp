@@ -79,6 +79,12 @@ public:
     void addFoundPicture(const FoundPicture& picture, const QString& name);
     PictureFinderPane* finder() const { return m_finder; }
 
+    // Every row of the list, as the byte view reads their frames.
+    std::vector<PictureEntry> pictureRows() const
+    {
+        return rowsWhere([](const QTreeWidgetItem*) { return true; });
+    }
+
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
 

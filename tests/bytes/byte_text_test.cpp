@@ -22,8 +22,9 @@ TEST(ByteText, FindGoesRoundTheImageBothWays)
 {
     const Bytes image{0xAA, 1, 2, 0xAA, 1, 2, 0, 0};
     const Bytes pattern{0xAA, 1};
-    EXPECT_EQ(findPattern(image, pattern, 0, true)->address, 3u);
-    const auto wrapped = findPattern(image, pattern, 3, true);
+    EXPECT_EQ(findPattern(image, pattern, 0, true)->address, 0u);
+    EXPECT_EQ(findPattern(image, pattern, 1, true)->address, 3u);
+    const auto wrapped = findPattern(image, pattern, 4, true);
     EXPECT_EQ(wrapped->address, 0u);
     EXPECT_TRUE(wrapped->wrapped);
     EXPECT_EQ(findPattern(image, pattern, 3, false)->address, 0u);
