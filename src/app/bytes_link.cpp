@@ -42,6 +42,7 @@ void BytesLink::attach(QTabWidget* tabs, const Lists& lists)
     addShowBytes(lists.toneMenu, OwnerKind::Tone);
     addShowBytes(lists.editListMenu, OwnerKind::EditRow);
     addShowBytes(lists.pictureMenu, OwnerKind::PictureFrame);
+    applyTexts();
 }
 
 void BytesLink::addShowBytes(QMenu* menu, OwnerKind kind)

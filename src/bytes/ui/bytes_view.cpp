@@ -220,6 +220,19 @@ bool BytesView::viewportEvent(QEvent* event)
     return QAbstractScrollArea::viewportEvent(event);
 }
 
+bool BytesView::event(QEvent* event)
+{
+    // Tab moves between the hex and the text column instead of to the next control.
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Tab && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+            setTextColumnActive(!m_textColumn);
+            return true;
+        }
+    }
+    return QAbstractScrollArea::event(event);
+}
+
 void BytesView::setCursor(std::size_t address)
 {
     if (bytes().empty()) return;
@@ -285,7 +298,6 @@ void BytesView::keyPressEvent(QKeyEvent* event)
     case Qt::Key_End:
         moveCursor(control ? static_cast<std::int64_t>(bytes().size()) : row - 1 - column, extend);
         return;
-    case Qt::Key_Tab: setTextColumnActive(!m_textColumn); return;
     default: break;
     }
     const QString text = event->text();
