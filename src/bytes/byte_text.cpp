@@ -44,6 +44,32 @@ std::array<char16_t, 256> singleByteCharacters(std::string_view codePage)
     return table;
 }
 
+CodePageText::CodePageText(std::string codePage)
+    : m_codePage(std::move(codePage)), m_single(singleByteCharacters(m_codePage))
+{
+}
+
+CodePageText::Character CodePageText::at(std::span<const std::uint8_t> bytes, std::size_t i) const
+{
+    const std::uint8_t lead = bytes[i];
+    if (m_single[lead] || lead < 0x81 || i + 1 >= bytes.size()) return {m_single[lead], 1};
+    const auto key = static_cast<std::uint16_t>(lead << 8 | bytes[i + 1]);
+    auto known = m_pairs.find(key);
+    if (known == m_pairs.end()) {
+        char16_t unit = 0;
+        try {
+            const char pair[] = {static_cast<char>(lead), static_cast<char>(bytes[i + 1])};
+            const std::string text = strings::decodeText(std::string_view(pair, 2), m_codePage);
+            // One character of three UTF-8 bytes, not two replaced bytes or two narrow ones.
+            if (text.size() == 3) unit = firstUnit(text);
+        } catch (const std::exception&) {
+        }
+        known = m_pairs.emplace(key, printable(unit) ? unit : 0).first;
+    }
+    if (!known->second) return {0, 1};
+    return {known->second, 2};
+}
+
 char16_t handsetCharacter(std::uint8_t high, std::uint8_t low)
 {
     // A narrow character is stored as A1 and its Latin-1 byte, as TextToHexCodes writes it.

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace zevran::bytes {
@@ -21,6 +22,27 @@ enum class PatternKind { Hex, SingleByte, HandsetCodes };
 // and the code page's own single-byte characters; 0 where the byte is no character
 // of its own (a control code, or the lead byte of a two-byte character).
 std::array<char16_t, 256> singleByteCharacters(std::string_view codePage);
+
+// The characters of the code page as the text column shows them: one byte each, or
+// the lead and trail byte of a two-byte character (GBK stores Chinese so). Pairs are
+// decoded the first time they are met and kept, so a repaint asks iconv for few.
+class CodePageText {
+public:
+    explicit CodePageText(std::string codePage = "GBK");
+
+    struct Character {
+        char16_t unit = 0;  // 0: no character, shown as a dot
+        int bytes = 1;      // 1, or 2 for a two-byte character
+    };
+    // The character that starts at bytes[i]; a pair is only read whole from `bytes`.
+    Character at(std::span<const std::uint8_t> bytes, std::size_t i) const;
+    const std::string& codePage() const { return m_codePage; }
+
+private:
+    std::string m_codePage;
+    std::array<char16_t, 256> m_single{};
+    mutable std::unordered_map<std::uint16_t, char16_t> m_pairs;
+};
 
 // The character a pair of handset-code bytes shows as; 0 when it is none (a control
 // code, a unit below U+0100 not stored so, or an unpaired surrogate).

@@ -44,6 +44,19 @@ TEST(ByteText, CharactersOfBothEncodings)
     EXPECT_EQ(handsetCharacter(0x00, 0x41), 0);
 }
 
+TEST(ByteText, TwoByteCharactersOfTheCodePageStandOverBothBytes)
+{
+    const CodePageText text("GBK");
+    const Bytes bytes{0xD6, 0xD0, 0x41, 0x81, 0x0A, 0xCE};
+    const auto zhong = text.at(bytes, 0);
+    EXPECT_EQ(zhong.unit, u'中');
+    EXPECT_EQ(zhong.bytes, 2);
+    EXPECT_EQ(text.at(bytes, 2).unit, u'A');
+    EXPECT_EQ(text.at(bytes, 3).unit, 0);  // a lead byte before a control code
+    EXPECT_EQ(text.at(bytes, 3).bytes, 1);
+    EXPECT_EQ(text.at(bytes, 5).unit, 0);  // a lead byte at the end: its pair is cut
+}
+
 TEST(ByteText, AddressesToGoTo)
 {
     EXPECT_EQ(parseAddress("0x1F", 0x100), 0x1Fu);

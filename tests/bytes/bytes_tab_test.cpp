@@ -355,6 +355,36 @@ private slots:
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
     }
 
+    void keysGoToFindAndStepThroughHits()
+    {
+        open("phone.bin");
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        m_tabs->setCurrentWidget(m_tab);
+        m_tab->view->setFocus();
+        QTest::keyClick(m_tab->view, Qt::Key_G, Qt::ControlModifier);
+        QVERIFY(m_tab->GoToAddress->hasFocus());
+        QTest::keyClicks(m_tab->GoToAddress, "31");
+        QTest::keyClick(m_tab->GoToAddress, Qt::Key_Return);
+        QCOMPARE(m_tab->view->cursor(), std::size_t{0x31});
+        QTest::keyClick(m_tab->view, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(m_tab->FindText->hasFocus());
+        m_tab->FindKind->setCurrentIndex(1);
+        QTest::keyClicks(m_tab->FindText, "Menu");
+        QTest::keyClick(m_tab->FindText, Qt::Key_Return);
+        QCOMPARE(m_tab->view->selection(), Selection(0x10, 0x14));
+        QTest::keyClick(m_tab->view, Qt::Key_F3);
+        QCOMPARE(m_tab->view->selection(), Selection(0x30, 0x34));
+        QTest::keyClick(m_tab->view, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(m_tab->view->selection(), Selection(0x10, 0x14));
+        // The arrows move the cursor; Shift with them selects.
+        m_tab->view->setCursor(0x20);
+        QTest::keyClick(m_tab->view, Qt::Key_Down);
+        QTest::keyClick(m_tab->view, Qt::Key_Right, Qt::ShiftModifier);
+        QCOMPARE(m_tab->view->cursor(), std::size_t{0x31});
+        QCOMPARE(m_tab->view->selection(), Selection(0x30, 0x32));
+    }
+
     void anImageOfNoKnownKindTakesNoEdits()
     {
         open("phone.dat");

@@ -48,7 +48,7 @@ void BytesView::setImage(const std::vector<std::uint8_t>* image)
 
 void BytesView::setEncoding(TextEncoding encoding, const std::string& codePage)
 {
-    if (codePage != m_codePage) m_characters = singleByteCharacters(codePage);
+    if (codePage != m_characters.codePage()) m_characters = CodePageText(codePage);
     m_encoding = encoding;
     m_codePage = codePage;
     viewport()->update();
@@ -109,12 +109,31 @@ QColor BytesView::fillOf(std::size_t address) const
     return {};
 }
 
-QString BytesView::rowText(std::size_t address, std::size_t count) const
+void BytesView::paintText(QPainter& painter, std::span<const std::uint8_t> row, int baseline)
 {
-    QString text(static_cast<qsizetype>(count), QLatin1Char('.'));
-    for (std::size_t i = 0; i < count; ++i)
-        if (const char16_t unit = m_characters[bytes()[address + i]]) text[static_cast<qsizetype>(i)] = QChar(unit);
-    return text;
+    if (m_encoding == TextEncoding::HandsetCodes) {
+        // Handset codes are pairs from even addresses; each character stands over its two bytes.
+        for (std::size_t i = 0; i + 1 < row.size(); i += 2) {
+            const char16_t unit = handsetCharacter(row[i], row[i + 1]);
+            painter.drawText(textX(i), baseline, unit ? QString(QChar(unit)) : QStringLiteral(".."));
+        }
+        return;
+    }
+    QString text(static_cast<qsizetype>(row.size()), QLatin1Char(' '));
+    bool narrow = true;
+    for (std::size_t i = 0; i < row.size();) {
+        const CodePageText::Character character = m_characters.at(row, i);
+        text[static_cast<qsizetype>(i)] = character.unit ? QChar(character.unit) : QLatin1Char('.');
+        narrow = narrow && character.unit < 0x80;
+        i += static_cast<std::size_t>(character.bytes);
+    }
+    if (narrow) {
+        painter.drawText(textX(0), baseline, text);
+        return;
+    }
+    // A wide character is not one cell wide: each character is placed over its first byte.
+    for (std::size_t i = 0; i < row.size(); ++i)
+        if (text[static_cast<qsizetype>(i)] != QLatin1Char(' ')) painter.drawText(textX(i), baseline, QString(text[static_cast<qsizetype>(i)]));
 }
 
 void BytesView::paintRow(QPainter& painter, std::size_t row, int y)
@@ -152,15 +171,7 @@ void BytesView::paintRow(QPainter& painter, std::size_t row, int y)
         *at++ = ' ';
     }
     painter.drawText(hexX(0), baseline, QString::fromLatin1(hex, at - hex));
-    if (m_encoding == TextEncoding::SingleByte) {
-        painter.drawText(textX(0), baseline, rowText(address, count));
-        return;
-    }
-    // Handset codes are pairs from even addresses; each character stands over its two bytes.
-    for (std::size_t i = 0; i + 1 < count; i += 2) {
-        const char16_t unit = handsetCharacter(image[address + i], image[address + i + 1]);
-        painter.drawText(textX(i), baseline, unit ? QString(QChar(unit)) : QStringLiteral(".."));
-    }
+    paintText(painter, image.subspan(address, count), baseline);
 }
 
 void BytesView::paintEvent(QPaintEvent*)

@@ -87,7 +87,7 @@ private:
     void typeHexDigit(int digit);
     void typeText(const QString& text);
     void paintRow(QPainter& painter, std::size_t row, int y);
-    QString rowText(std::size_t address, std::size_t count) const;
+    void paintText(QPainter& painter, std::span<const std::uint8_t> row, int baseline);
     int hexX(std::size_t column) const;
     int textX(std::size_t column) const;
 
@@ -99,7 +99,7 @@ private:
     std::function<QString(std::size_t)> m_ownerNames;
     TextEncoding m_encoding = TextEncoding::SingleByte;
     std::string m_codePage;
-    std::array<char16_t, 256> m_characters{};
+    CodePageText m_characters;
     std::size_t m_cursor = 0;
     std::size_t m_anchor = 0;  // where a selection by Shift and the arrows began
     std::size_t m_selectionFirst = 0;
