@@ -121,14 +121,14 @@ void BytesTab::applyTexts()
 
 void BytesTab::imageReplaced()
 {
-    image::TabHost& host = m_host->tabHost();
-    const image::ImageState& state = host.imageState();
-    view->setImage(&state.FirmwareImage);
+    view->setImage(&m_host->tabHost().imageState().FirmwareImage);
     view->setOriginals(&m_host->originals());
     // The window refuses edits of an image that is no phone file of a known kind.
     view->setEditable(true);
     applyEncoding();
     refreshOwners();
+    // A new file is looked at from its start.
+    view->setCursor(0);
     cursorMoved(view->cursor());
 }
 
