@@ -308,6 +308,13 @@ private slots:
         QVERIFY(m_window->isWindowModified());
         QAction* write = m_window->findChild<QAction*>("menuwritepatch");
         QVERIFY(write->isEnabled());
+        // The view's pop-up menu offers the same patch; the byte it opens on has no owner.
+        view->resize(900, 600);
+        emit view->customContextMenuRequested(view->cellRect(0x1FF, false).center());
+        QCOMPARE(view->cursor(), std::size_t{0x1FF});
+        QVERIFY(m_tab->WriteChangesAsPatch->isEnabled());
+        QVERIFY(!m_tab->ShowOwner->isEnabled());
+        m_tab->viewMenu->hide();
         m_dialogs->files.push_back(path("edits.s3"));
         write->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
