@@ -81,6 +81,8 @@ void BytesTab::buildControls()
     m_panes->addWidget(view = new BytesView(m_panes));
     m_panes->addWidget(inspector = new BytesInspector(m_panes));
     m_panes->setStretchFactor(0, 1);
+    m_panes->setStretchFactor(1, 0);
+    inspector->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     layout->addWidget(BytesStatus = named(new QLabel(this), "BytesStatus"));
     viewMenu = named(new QMenu(this), "BytesMenu");
     ShowOwner = viewMenu->addAction(QString());

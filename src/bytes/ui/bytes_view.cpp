@@ -32,6 +32,8 @@ BytesView::BytesView(QWidget* parent) : QAbstractScrollArea(parent)
     m_charWidth = std::max(1, metrics.horizontalAdvance(QLatin1Char('0')));
     m_lineHeight = metrics.height() + 2;
     setEncoding(TextEncoding::SingleByte, std::string(strings::kDefaultCodePage));
+    // Whole rows fit without scrolling sideways.
+    setMinimumWidth(textX(kRowBytes) + 2 * m_charWidth + verticalScrollBar()->sizeHint().width() + 2 * frameWidth());
     updateScrollBar();
 }
 
