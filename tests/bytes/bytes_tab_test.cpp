@@ -268,18 +268,16 @@ private slots:
         QVERIFY(m_window->findChild<QAction*>("Save")->isEnabled());
         QVERIFY(!m_window->findChild<QAction*>("menuwritepatch")->isEnabled());
 
-        // Each keystroke is one undo step; the other tabs read the edited bytes.
+        // Each byte typed is one undo step; the other tabs read the edited bytes.
         QAction* undo = m_window->findChild<QAction*>("menuundo");
         undo->trigger();
         QCOMPARE(image()[0x83], std::uint8_t{0x00});
         undo->trigger();
         undo->trigger();
-        undo->trigger();
-        QCOMPARE(image()[0x80], std::uint8_t{0xA0});
+        QCOMPARE(image()[0x80], std::uint8_t{0xAB});
         undo->trigger();
         QCOMPARE(image()[0x80], std::uint8_t{0x00});
         QVERIFY(!m_window->findChild<QAction*>("Save")->isEnabled());
-        m_window->findChild<QAction*>("menuredo")->trigger();
         m_window->findChild<QAction*>("menuredo")->trigger();
         m_window->findChild<QAction*>("menuredo")->trigger();
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
@@ -360,6 +358,20 @@ private slots:
         QVERIFY(zevran::test::closeWindow(*m_window));
         QVERIFY(m_dialogs->asked.filter("save").isEmpty());
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
+    }
+
+    void aLoneHexDigitIsWrittenWhenTheCursorLeavesItsByte()
+    {
+        open("phone.asf");
+        BytesView* view = m_tab->view;
+        view->setCursor(0x40);  // 01
+        QTest::keyClick(view, Qt::Key_F);
+        QCOMPARE(image()[0x40], std::uint8_t{0x01});
+        QTest::keyClick(view, Qt::Key_Right);
+        QCOMPARE(image()[0x40], std::uint8_t{0xF1});
+        QCOMPARE(view->cursor(), std::size_t{0x41});
+        m_window->findChild<QAction*>("menuundo")->trigger();
+        QCOMPARE(image()[0x40], std::uint8_t{0x01});
     }
 
     void keysGoToFindAndStepThroughHits()

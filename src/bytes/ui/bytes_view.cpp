@@ -40,6 +40,7 @@ BytesView::BytesView(QWidget* parent) : QAbstractScrollArea(parent)
 void BytesView::setImage(const std::vector<std::uint8_t>* image)
 {
     m_image = image;
+    m_pendingHigh.reset();  // typed on bytes that are gone
     const std::size_t size = bytes().size();
     if (m_cursor >= size) m_cursor = m_anchor = m_selectionFirst = m_selectionEnd = 0;
     m_selectionEnd = std::min(m_selectionEnd, size);
@@ -168,7 +169,8 @@ void BytesView::paintRow(QPainter& painter, std::size_t row, int y)
     char* at = hex;
     for (std::size_t i = 0; i < count; ++i) {
         if (i == 8) *at++ = ' ';
-        *at++ = kHexDigits[image[address + i] >> 4];
+        const bool pending = m_pendingHigh && address + i == m_cursor;
+        *at++ = kHexDigits[pending ? *m_pendingHigh : image[address + i] >> 4];
         *at++ = kHexDigits[image[address + i] & 0xF];
         *at++ = ' ';
     }
@@ -249,9 +251,9 @@ bool BytesView::event(QEvent* event)
 void BytesView::setCursor(std::size_t address)
 {
     if (bytes().empty()) return;
+    commitPendingDigit();
     m_cursor = m_anchor = std::min(address, bytes().size() - 1);
     m_selectionFirst = m_selectionEnd = m_cursor;
-    m_lowNibble = false;
     scrollToCursor();
     emit cursorMoved(m_cursor);
 }
@@ -325,20 +327,40 @@ void BytesView::keyPressEvent(QKeyEvent* event)
 void BytesView::typeHexDigit(int digit)
 {
     if (m_cursor >= bytes().size()) return;
-    const std::uint8_t old = bytes()[m_cursor];
-    const auto byte = static_cast<std::uint8_t>(m_lowNibble ? (old & 0xF0) | digit : (digit << 4) | (old & 0x0F));
-    const std::size_t address = m_cursor;
-    const bool second = m_lowNibble;
-    emit overwriteRequested(address, {byte});
-    // The first digit stays on the byte for its low half; the second moves on.
-    if (!second) {
-        m_lowNibble = true;
+    if (!m_pendingHigh) {
+        m_pendingHigh = digit;
         viewport()->update();
-    } else if (address + 1 < bytes().size()) {
-        setCursor(address + 1);
-    } else {
-        m_lowNibble = false;
+        return;
     }
+    const auto byte = static_cast<std::uint8_t>(*m_pendingHigh << 4 | digit);
+    const std::size_t address = m_cursor;
+    m_pendingHigh.reset();
+    emit overwriteRequested(address, {byte});
+    if (address + 1 < bytes().size()) setCursor(address + 1);
+    else viewport()->update();
+}
+
+void BytesView::commitPendingDigit()
+{
+    if (!m_pendingHigh) return;
+    const int high = *m_pendingHigh;
+    m_pendingHigh.reset();
+    if (m_cursor >= bytes().size()) return;
+    // A lone digit replaces the high half and keeps the low one.
+    emit overwriteRequested(m_cursor, {static_cast<std::uint8_t>(high << 4 | (bytes()[m_cursor] & 0x0F))});
+}
+
+void BytesView::setTextColumnActive(bool text)
+{
+    commitPendingDigit();
+    m_textColumn = text;
+    viewport()->update();
+}
+
+void BytesView::focusOutEvent(QFocusEvent* event)
+{
+    commitPendingDigit();
+    QAbstractScrollArea::focusOutEvent(event);
 }
 
 void BytesView::typeText(const QString& text)

@@ -49,7 +49,7 @@ public:
     // Selects [first, end), the cursor on its first byte, scrolled into view.
     void select(std::size_t first, std::size_t end);
     bool textColumnActive() const { return m_textColumn; }
-    void setTextColumnActive(bool text) { m_textColumn = text; m_lowNibble = false; viewport()->update(); }
+    void setTextColumnActive(bool text);
 
     std::size_t firstRowShown() const;
     std::size_t rowsShown() const;
@@ -75,6 +75,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     bool event(QEvent* event) override;
 
@@ -85,6 +86,7 @@ private:
     void extendTo(std::size_t address);
     void scrollToCursor();
     void typeHexDigit(int digit);
+    void commitPendingDigit();
     void typeText(const QString& text);
     void paintRow(QPainter& painter, std::size_t row, int y);
     void paintText(QPainter& painter, std::span<const std::uint8_t> row, int baseline);
@@ -105,7 +107,9 @@ private:
     std::size_t m_selectionFirst = 0;
     std::size_t m_selectionEnd = 0;
     bool m_textColumn = false;
-    bool m_lowNibble = false;  // the next hex digit goes into the cursor byte's low half
+    // The first hex digit typed on the cursor byte: shown, and written with the second
+    // (or when the cursor leaves the byte), so that a byte typed is one undo step.
+    std::optional<int> m_pendingHigh;
     bool m_editable = false;
     int m_charWidth = 8;
     int m_lineHeight = 16;
