@@ -57,6 +57,7 @@ signals:
 
 private:
     void update();
+    void rememberOriginals(const image::UndoStep* step);
 
     image::ImageState& m_image;
     image::UndoHistory m_history;

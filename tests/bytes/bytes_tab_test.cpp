@@ -360,6 +360,22 @@ private slots:
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
     }
 
+    void undoingPastASaveShowsTheBytesAsChanged()
+    {
+        open("phone.asf");
+        m_tab->view->setCursor(0x40);
+        QTest::keyClicks(m_tab->view, "FF");
+        m_tab->view->setCursor(0);
+        QCOMPARE(m_tab->view->fillOf(0x40), BytesView::changedColour());
+        QVERIFY(m_window->Saveaxf(false));
+        QVERIFY(!m_tab->view->fillOf(0x40).isValid());
+        m_window->findChild<QAction*>("menuundo")->trigger();
+        QCOMPARE(image()[0x40], std::uint8_t{0x01});
+        QCOMPARE(m_tab->view->fillOf(0x40), BytesView::changedColour());
+        m_window->findChild<QAction*>("menuredo")->trigger();
+        QVERIFY(!m_tab->view->fillOf(0x40).isValid());
+    }
+
     void aLoneHexDigitIsWrittenWhenTheCursorLeavesItsByte()
     {
         open("phone.asf");
