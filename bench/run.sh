@@ -183,6 +183,24 @@ if [[ -x $BIN/zevran-window-bench ]]; then
   done
 fi
 
+# --- the byte view over a 256 MiB image: repaint and find ---
+if [[ -x $BIN/zevran-bytes-bench ]]; then
+  echo
+  echo "Byte view over a 256 MiB image: one repaint of 900*700 pixels (median of 40), a find of hex bytes over it"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-bytes-bench" >"$DATA/bytes.txt" 2>>"$LOG"
+  bytes_value() { awk -v key="$1" '$1 == key { print $2 }' "$DATA/bytes.txt"; }
+  for place in start middle end; do
+    bytes_ms=$(bytes_value "bytes_repaint_ms_$place")
+    verdict "byte view repaint at the $place of 256 MiB, ms" "$bytes_ms" "<=" 16
+    printf '  repaint at the %-7s %8s ms  %s (target <= 16)\n' "$place" "$bytes_ms" "$VERDICT"
+  done
+  for way in forward backward; do
+    bytes_rate=$(bytes_value "bytes_find_${way}_gbps")
+    verdict "byte view find $way over 256 MiB, GB/s" "$bytes_rate" ">=" 3
+    printf '  find %-9s %12s GB/s  %s (target >= 3, as FindHexInImage)\n' "$way" "$bytes_rate" "$VERDICT"
+  done
+fi
+
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---
 if [[ -x $BIN/zevran-window-bench ]]; then
   echo

@@ -20,10 +20,19 @@ ImageHistory::ImageHistory(image::ImageState& image, QObject* parent)
 void ImageHistory::opened()
 {
     m_history.reset();
+    m_originals.reset();
     update();
+    emit imageReplaced();
 }
 
 void ImageHistory::saved()
+{
+    m_history.markClean();
+    m_originals.reset();
+    update();
+}
+
+void ImageHistory::patchWritten()
 {
     m_history.markClean();
     update();
@@ -31,6 +40,7 @@ void ImageHistory::saved()
 
 bool ImageHistory::patch(const std::vector<image::Region>& regions)
 {
+    m_originals.remember(m_image.FirmwareImage, regions);
     m_history.record(image::stepForRegions(m_image.FirmwareImage, regions));
     const bool whole = image::patchImage(m_image, regions);
     update();
@@ -38,14 +48,24 @@ bool ImageHistory::patch(const std::vector<image::Region>& regions)
     return whole;
 }
 
+void ImageHistory::rememberOriginals(const image::UndoStep* step)
+{
+    // Undoing past a save writes too: the saved file's bytes there are kept first.
+    if (!step) return;
+    for (const image::UndoChange& change : step->changes)
+        m_originals.remember(m_image.FirmwareImage, change.first, change.after.size());
+}
+
 void ImageHistory::undo()
 {
+    rememberOriginals(m_history.stepToUndo());
     if (m_history.undo(m_image.FirmwareImage)) emit imageChanged();
     update();
 }
 
 void ImageHistory::redo()
 {
+    rememberOriginals(m_history.stepToRedo());
     if (m_history.redo(m_image.FirmwareImage)) emit imageChanged();
     update();
 }

@@ -1,6 +1,7 @@
 #include "main_window.hpp"
 
 #include "about_tab.hpp"
+#include "bytes_link.hpp"
 #include "help_viewer.hpp"
 #include "editor_commands.hpp"
 #include "failure_texts.hpp"
@@ -70,7 +71,8 @@ Form1::Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs, QW
     attachTabs();
     // Save is enabled exactly while the image differs from its phone file.
     connect(&m_editor->history(), &ImageHistory::modifiedChanged, this, [this](bool modified) {
-        m_save->setEnabled(modified);
+        // A "bin" image is never saved: its changes leave as a patch.
+        m_save->setEnabled(modified && takesInImagePatch());
         setWindowModified(modified);
     });
     // Every view of image bytes follows an output, an undo or a redo.
@@ -123,6 +125,8 @@ void Form1::buildMenus()
     connect(open, &QAction::triggered, this, &Form1::menuopen_Click);
     m_editor = new EditorCommands(*this, this, settingsPath());
     m_editor->addFileItems(file);
+    m_bytes = new BytesLink(*this, m_editor->history(), this);
+    m_bytes->addFileItem(file);
     file->addSeparator()->setObjectName("line9");
     m_languageMenu = file->addMenu(tr("&Language"));
     m_languageMenu->setObjectName("menulanguage");
@@ -158,6 +162,7 @@ void Form1::attachTabs()
     m_stringsTab->attach(*this, m_popups[3]);
     m_picturesTab->attach(*this, m_popups[4]);
     m_converterTab->attach(*this);
+    m_bytes->attach(m_tabs, {m_tonesTab, m_stringsTab, m_picturesTab, m_popups[0], m_popups[3], m_popups[4]});
 }
 
 QAction* Form1::addLanguageItem(int index, const QString& caption)
@@ -308,6 +313,7 @@ void Form1::applyWorkshopTexts()
     m_stringsTab->applyTexts();
     m_converterTab->applyTexts();
     m_editor->applyTexts();
+    m_bytes->applyTexts();
 }
 
 void Form1::languagNum_Click(int index)
@@ -355,9 +361,7 @@ bool Form1::mayReplaceImage()
         ShowMessage(32);
         return false;
     }
-    if (!m_save->isEnabled()) return true;
-    const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], m_texts.MsgStr[35]);
-    return answer == Answer::No || (answer == Answer::Yes && Saveaxf(false));
+    return mayLeaveImage();
 }
 
 void Form1::openPhoneFile(const QString& path)
@@ -461,18 +465,19 @@ QString Form1::chooseSRecordPatchPath()
     return path;
 }
 
-void Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions)
+bool Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions)
 {
-    if (!takesSRecordPatch() || regions.empty()) return;
+    if (!takesSRecordPatch() || regions.empty()) return false;
     try {
         BusyPointer busy;
         image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
         image::writeSRecordPatch(path.toStdString(), regions);
     } catch (const std::exception& error) {
         showError(failureText(error));
-        return;
+        return false;
     }
     ShowMessage(10);
+    return true;
 }
 
 void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDone)
@@ -524,6 +529,15 @@ void Form1::homepage_Click()
     const QString address = QString::fromLatin1(kHomePage);
     if (!desktopOpener()(QUrl(address)))
         m_dialogs->message(0, MessageKind::Information, m_texts.MsgTitle[3], text("HomePageNotOpened").arg(address));
+}
+
+bool Form1::mayLeaveImage()
+{
+    if (!m_editor->history().unwrittenChanges()) return true;
+    const bool bin = takesSRecordPatch();
+    const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], bin ? text("BytesUnwrittenQuestion") : m_texts.MsgStr[35]);
+    if (answer != Answer::Yes) return answer == Answer::No;
+    return bin ? m_bytes->writeChangesAsPatch() : Saveaxf(false);
 }
 
 void Form1::closeEvent(QCloseEvent* event)

@@ -33,6 +33,7 @@ namespace zevran::image { class ConverterTab; }
 namespace zevran::app {
 
 class AboutTab;
+class BytesLink;
 class EditorCommands;
 
 class Form1 : public QMainWindow, public image::TabHost {
@@ -55,6 +56,10 @@ public:
     bool mayReplaceImage();
     // Writes the image back over the phone file; false (with a message) when it fails.
     bool Saveaxf(bool showDone);
+    // The one question before the image is closed or replaced while it holds changes
+    // that are neither saved ("asf") nor written as a patch ("bin"): Yes saves or writes
+    // them, No drops them. False when the user stays (Cancel, or the save failed).
+    bool mayLeaveImage();
 
     // What the tabs see of the window (image/tab_host.hpp).
     image::ImageState& imageState() override { return m_image; }
@@ -80,7 +85,7 @@ public:
     QString BrowseForFolder() override;
     void writeSRecordPatch(const std::vector<image::Region>& regions) override;
     QString chooseSRecordPatchPath() override;
-    void writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions) override;
+    bool writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions) override;
     void patchInImage(const std::vector<image::Region>& regions, bool showDone = true) override;
     bool takesSRecordPatch() const override { return m_image.FileKind == "bin"; }
     bool takesInImagePatch() const override { return m_image.FileKind == "asf"; }
@@ -144,6 +149,7 @@ private:
     image::ConverterTab* m_converterTab = nullptr;
     AboutTab* m_aboutTab = nullptr;
     EditorCommands* m_editor = nullptr;  // compare, undo and redo, recent files, the title
+    BytesLink* m_bytes = nullptr;        // the "Bytes" tab and its outputs
 };
 
 }  // namespace zevran::app

@@ -1,5 +1,6 @@
 #include "byte_search.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -58,6 +59,23 @@ std::size_t findBytes(std::span<const std::uint8_t> haystack, std::span<const st
     const void* hit = memmem(start, length, needle.data(), needle.size());
     return hit ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(hit) - haystack.data()) : kNotFound;
 #endif
+}
+
+std::size_t findBytesBefore(std::span<const std::uint8_t> haystack, std::span<const std::uint8_t> needle,
+                            std::size_t before)
+{
+    if (needle.empty() || haystack.size() < needle.size()) return kNotFound;
+    // Candidates start at most at size - needle; memrchr finds the first byte's places
+    // from the back as fast as memchr does from the front.
+    std::size_t end = std::min(before, haystack.size() - needle.size() + 1);
+    while (end > 0) {
+        const void* hit = memrchr(haystack.data(), needle[0], end);
+        if (!hit) return kNotFound;
+        const auto at = static_cast<std::size_t>(static_cast<const std::uint8_t*>(hit) - haystack.data());
+        if (std::memcmp(haystack.data() + at, needle.data(), needle.size()) == 0) return at;
+        end = at;
+    }
+    return kNotFound;
 }
 
 }  // namespace zevran::image

@@ -15,4 +15,8 @@ inline constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
 std::size_t findBytes(std::span<const std::uint8_t> haystack, std::span<const std::uint8_t> needle,
                       std::size_t from = 0);
 
+// Index of the last occurrence of `needle` that starts before `before`, or kNotFound.
+std::size_t findBytesBefore(std::span<const std::uint8_t> haystack, std::span<const std::uint8_t> needle,
+                            std::size_t before);
+
 }  // namespace zevran::image

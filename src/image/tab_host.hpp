@@ -78,9 +78,10 @@ public:
     // unless `showDone` is false, for an output that stopped part way).
     virtual void writeSRecordPatch(const std::vector<Region>& regions) = 0;
     // The same in two steps, for an output that reads its rows only once the user has
-    // chosen where they go: the path ("" when cancelled), then the file written there.
+    // chosen where they go: the path ("" when cancelled), then the file written there
+    // (false when it was not: the failure is shown).
     virtual QString chooseSRecordPatchPath() = 0;
-    virtual void writeSRecordPatchTo(const QString& path, const std::vector<Region>& regions) = 0;
+    virtual bool writeSRecordPatchTo(const QString& path, const std::vector<Region>& regions) = 0;
     virtual void patchInImage(const std::vector<Region>& regions, bool showDone = true) = 0;
     // The output that fits the opened phone file: an S-record patch for "bin", the
     // image itself for "asf"; neither for "other" or before a file is opened.

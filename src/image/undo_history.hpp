@@ -65,6 +65,10 @@ public:
     // save, or doing a new step after undoing, leaves the clean state out of reach.
     bool isClean() const;
 
+    // The steps undo and redo would write next; null when there is none.
+    const UndoStep* stepToUndo() const { return canUndo() ? &m_steps[m_position - 1] : nullptr; }
+    const UndoStep* stepToRedo() const { return canRedo() ? &m_steps[m_position] : nullptr; }
+
     std::size_t undoCount() const { return m_position; }
     std::size_t redoCount() const { return m_steps.size() - m_position; }
     std::size_t byteCount() const { return m_bytes; }

@@ -83,6 +83,12 @@ public:
     // again from them.
     void imageBytesChanged();
 
+    // Every row of the list, as the byte view reads their frames.
+    std::vector<PictureEntry> pictureRows() const
+    {
+        return rowsWhere([](const QTreeWidgetItem*) { return true; });
+    }
+
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
 

@@ -225,12 +225,12 @@ void StringsTab::ListView2_ContextMenu(const QPoint& position)
     menufile4->popup(ListView2->viewport()->mapToGlobal(position));
 }
 
-std::vector<StringEditRow> StringsTab::checkedRows() const
+std::vector<StringEditRow> StringsTab::rowsWhere(bool checkedOnly) const
 {
     std::vector<StringEditRow> rows;
     for (int i = 0; i < ListView2->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* item = ListView2->topLevelItem(i);
-        if (item->checkState(kNumber) != Qt::Checked) continue;
+        if (checkedOnly && item->checkState(kNumber) != Qt::Checked) continue;
         rows.push_back({item->text(kNumber).toStdString(), item->text(kStart).toStdString(),
                         item->text(kEnd).toStdString(), item->text(kText).toStdString(),
                         item->text(kLength).toStdString()});

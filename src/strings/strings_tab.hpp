@@ -43,6 +43,8 @@ public:
     void updateListMenu();
     // The found string's label in the current language.
     void applyTexts();
+    // Every row of the edit list, checked or not, as the byte view reads their slots.
+    std::vector<StringEditRow> editRows() const { return rowsWhere(false); }
 
     QLineEdit* Text11;  // text to look for
     QLineEdit* Text4;   // hits so far in this pass
@@ -63,7 +65,8 @@ public:
 
 private:
     void ListView2_ContextMenu(const QPoint& position);
-    std::vector<StringEditRow> checkedRows() const;
+    std::vector<StringEditRow> checkedRows() const { return rowsWhere(true); }
+    std::vector<StringEditRow> rowsWhere(bool checkedOnly) const;
     // The checked rows' regions in the output encoding; nullopt when a row cannot be
     // written (its error shown) or nothing is checked.
     std::optional<std::vector<image::Region>> checkedRegions();

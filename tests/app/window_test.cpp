@@ -76,7 +76,8 @@ private slots:
         auto window = startWindow();
         auto* tabs = window->findChild<QTabWidget*>("SSTab1");
         QCOMPARE(window->windowTitle(), QString("Zevran Handset Workshop V1.11"));
-        QCOMPARE(tabs->count(), 5);
+        // The five classic tabs, then the byte view.
+        QCOMPARE(tabs->count(), 6);
         QCOMPARE(tabs->tabText(0), QString("Tones"));
         QVERIFY(!tabs->isTabEnabled(1));
         QVERIFY(!tabs->isTabEnabled(2));

@@ -55,3 +55,14 @@ TEST(FindBytes, EmptyNeedleIsNeverFound)
     const std::vector<std::uint8_t> hay{1, 2};
     EXPECT_EQ(findBytes(hay, {}, 0), kNotFound);
 }
+
+TEST(FindBytesBefore, FindsTheLastMatchStartingBeforeTheLimit)
+{
+    const std::vector<std::uint8_t> hay{'M', 'M', 'M', 'D', 0, 'M', 'M', 'M', 'D', 'M', 'M'};
+    const std::vector<std::uint8_t> needle{'M', 'M', 'M', 'D'};
+    EXPECT_EQ(findBytesBefore(hay, needle, hay.size()), 5u);  // "MM" at the end is cut short
+    EXPECT_EQ(findBytesBefore(hay, needle, 5), 0u);
+    EXPECT_EQ(findBytesBefore(hay, needle, 0), kNotFound);
+    EXPECT_EQ(findBytesBefore(hay, {}, hay.size()), kNotFound);
+    EXPECT_EQ(findBytesBefore(std::vector<std::uint8_t>{'M'}, needle, 1), kNotFound);
+}
