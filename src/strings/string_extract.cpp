@@ -1,0 +1,282 @@
+#include "string_extract.hpp"
+
+#include "character_tables.hpp"
+#include "utf8_text.hpp"
+
+#include <algorithm>
+
+namespace zevran::strings {
+
+namespace {
+
+// A run of characters ending in a zero: [start, start + bytes), the zero at start + bytes.
+struct Candidate {
+    std::uint32_t start = 0;
+    std::uint32_t bytes = 0;
+    std::uint32_t characters = 0;
+    std::uint32_t common = 0;       // characters of CharacterClass::Common
+    std::uint32_t commonBytes = 0;  // the bytes those take
+    StringCodes codes = StringCodes::Single;
+
+    std::uint32_t terminator() const { return start + bytes; }
+    // At most one character in four is a rare one.
+    bool plausible() const { return characters > 0 && 4 * (characters - common) <= characters; }
+    void count(CharacterClass found, std::uint32_t width)
+    {
+        ++characters;
+        if (found == CharacterClass::Common) ++common, commonBytes += width;
+    }
+};
+
+constexpr std::size_t kProgressStep = std::size_t{1} << 20;
+// String tables keep their strings end to end, aligned at most to 8 bytes.
+constexpr std::uint32_t kMaxZeroGap = 8;
+// A string on its own must be this long and all common characters: noise makes short
+// plausible runs about a hundred times a MiB.
+constexpr std::uint32_t kLoneStringBytes = 12;
+
+class Scanner {
+public:
+    Scanner(std::span<const std::uint8_t> image, const ExtractOptions& options, std::uint32_t shortest)
+        : m_image(image), m_options(options), m_shortest(shortest)
+    {
+    }
+
+    bool scanSingleByte(const CodePageTable& table);
+    bool scanHandset(std::size_t parity);
+    std::vector<Candidate>& candidates() { return m_candidates; }
+
+private:
+    bool reportProgress(std::size_t done)
+    {
+        m_done += done;
+        return !m_options.progress || m_options.progress(m_done, 3 * m_image.size());
+    }
+    void keep(const Candidate& candidate)
+    {
+        if (candidate.bytes >= m_shortest && candidate.plausible()) m_candidates.push_back(candidate);
+    }
+
+    std::span<const std::uint8_t> m_image;
+    const ExtractOptions& m_options;
+    std::uint32_t m_shortest;
+    std::size_t m_done = 0;
+    std::vector<Candidate> m_candidates;
+};
+
+bool Scanner::scanSingleByte(const CodePageTable& table)
+{
+    const std::size_t size = m_image.size();
+    Candidate run;
+    std::size_t nextReport = kProgressStep;
+    for (std::size_t i = 0; i < size;) {
+        if (i >= nextReport) {
+            if (!reportProgress(kProgressStep)) return false;
+            nextReport += kProgressStep;
+        }
+        const std::uint8_t byte = m_image[i];
+        CharacterClass found = CharacterClass::NotText;
+        std::size_t width = 1;
+        if (byte == 0) {
+            run.bytes = static_cast<std::uint32_t>(i - run.start);
+            if (run.bytes > 0) keep(run);
+            run = Candidate{static_cast<std::uint32_t>(i + 1)};
+            ++i;
+            continue;
+        }
+        found = table.singleClass[byte];
+        if (found == CharacterClass::NotText && table.lead[byte] && i + 1 < size) {
+            found = table.pairClass[byte << 8 | m_image[i + 1]];
+            width = 2;
+        }
+        if (found == CharacterClass::NotText) {
+            // Restart after the byte: a bad pair's second byte may begin a string.
+            run = Candidate{static_cast<std::uint32_t>(i + 1)};
+            ++i;
+            continue;
+        }
+        run.count(found, static_cast<std::uint32_t>(width));
+        i += width;
+    }
+    return reportProgress(size - (nextReport - kProgressStep));
+}
+
+// Units of one parity, high byte first. A string begins at the first unit of its run
+// that follows a zero byte (the end of the string before it, or padding), or at the
+// run's first unit when none does: a run can reach back into the string before, whose
+// last characters and terminator read as units of the other parity.
+bool Scanner::scanHandset(std::size_t parity)
+{
+    const auto& classes = handsetUnitClasses();
+    const std::size_t size = m_image.size();
+    Candidate run{static_cast<std::uint32_t>(parity), 0, 0, 0, 0, StringCodes::Handset};
+    Candidate afterZero = run;
+    bool haveAfterZero = false;
+    std::size_t nextReport = kProgressStep;
+    for (std::size_t pos = parity; pos < size; pos += 2) {
+        if (pos >= nextReport) {
+            if (!reportProgress(kProgressStep)) return false;
+            nextReport += kProgressStep;
+        }
+        if (m_image[pos] == 0) {
+            Candidate& string = haveAfterZero ? afterZero : run;
+            string.bytes = static_cast<std::uint32_t>(pos - string.start);
+            if (string.bytes > 0) keep(string);
+            run = Candidate{static_cast<std::uint32_t>(pos + 2), 0, 0, 0, 0, StringCodes::Handset};
+            haveAfterZero = false;
+            continue;
+        }
+        const CharacterClass found = pos + 1 < size ? classes[m_image[pos] << 8 | m_image[pos + 1]] : CharacterClass::NotText;
+        if (found == CharacterClass::NotText) {
+            run = Candidate{static_cast<std::uint32_t>(pos + 2), 0, 0, 0, 0, StringCodes::Handset};
+            haveAfterZero = false;
+            continue;
+        }
+        if (!haveAfterZero && (pos == 0 || m_image[pos - 1] == 0)) {
+            afterZero = Candidate{static_cast<std::uint32_t>(pos), 0, 0, 0, 0, StringCodes::Handset};
+            haveAfterZero = true;
+        }
+        run.count(found, 2);
+        if (haveAfterZero) afterZero.count(found, 2);
+    }
+    return reportProgress(size - (nextReport - kProgressStep));
+}
+
+// Where two readings share bytes, the one whose common characters cover more bytes
+// than its rare ones stays (then the longer, then the single-byte one): a handset
+// Chinese text also reads as single-byte letters and rare GBK characters.
+bool ranksAbove(const Candidate& a, const Candidate& b)
+{
+    const auto score = [](const Candidate& c) { return 2 * static_cast<std::int64_t>(c.commonBytes) - c.bytes; };
+    if (score(a) != score(b)) return score(a) > score(b);
+    if (a.bytes != b.bytes) return a.bytes > b.bytes;
+    return a.codes < b.codes;
+}
+
+std::vector<Candidate> withoutOverlaps(std::vector<Candidate> candidates)
+{
+    std::sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
+    std::vector<Candidate> kept;
+    std::vector<Candidate> group;
+    auto settle = [&] {
+        std::sort(group.begin(), group.end(), ranksAbove);
+        std::vector<Candidate> chosen;
+        for (const Candidate& c : group) {
+            const bool clashes = std::any_of(chosen.begin(), chosen.end(), [&](const Candidate& other) {
+                return c.start <= other.terminator() && other.start <= c.terminator();
+            });
+            if (!clashes) chosen.push_back(c);
+        }
+        std::sort(chosen.begin(), chosen.end(), [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
+        kept.insert(kept.end(), chosen.begin(), chosen.end());
+        group.clear();
+    };
+    std::uint32_t groupEnd = 0;
+    for (const Candidate& c : candidates) {
+        if (!group.empty() && c.start > groupEnd) settle();
+        groupEnd = group.empty() ? c.terminator() : std::max(groupEnd, c.terminator());
+        group.push_back(c);
+    }
+    settle();
+    return kept;
+}
+
+// Only zero bytes, at most kMaxZeroGap of them, lie between the two strings.
+bool adjacent(std::span<const std::uint8_t> image, const Candidate& before, const Candidate& after)
+{
+    const std::uint32_t gapStart = before.terminator() + 1;
+    if (after.start < gapStart || after.start - gapStart > kMaxZeroGap) return false;
+    return std::all_of(image.begin() + gapStart, image.begin() + after.start, [](std::uint8_t b) { return b == 0; });
+}
+
+bool isVowel(char32_t c) { return std::u32string_view(U"aeiouyAEIOUY").find(c) != std::u32string_view::npos; }
+
+// Latin letters as menus write them: no capital straight after a small letter inside a
+// word ("pGs" is machine code), and a word of three letters or more has a vowel unless
+// it is all capitals of at most four ("SMS", "MMS"). Machine code and packed numbers
+// read as letters far more often than as words.
+bool lettersReadAsWords(std::u32string_view text)
+{
+    const auto isUpper = [](char32_t c) { return c >= 'A' && c <= 'Z'; };
+    const auto isLower = [](char32_t c) { return c >= 'a' && c <= 'z'; };
+    for (std::size_t i = 0; i < text.size();) {
+        if (!isUpper(text[i]) && !isLower(text[i])) {
+            ++i;
+            continue;
+        }
+        std::size_t end = i;
+        bool vowel = false, allUpper = true;
+        for (; end < text.size() && (isUpper(text[end]) || isLower(text[end])); ++end) {
+            if (end > i && isLower(text[end - 1]) && isUpper(text[end])) return false;
+            vowel = vowel || isVowel(text[end]);
+            allUpper = allUpper && isUpper(text[end]);
+        }
+        const std::size_t length = end - i;
+        if (length >= 3 && !vowel && !(allUpper && length <= 4)) return false;
+        i = end;
+    }
+    return true;
+}
+
+bool wanted(StringCodes codes, CodesWanted wanted)
+{
+    return wanted == CodesWanted::Both || (wanted == CodesWanted::Single) == (codes == StringCodes::Single);
+}
+
+}  // namespace
+
+std::string_view codesWord(StringCodes codes) { return codes == StringCodes::Single ? "single" : "handset"; }
+
+std::u32string decodeCodePoints(std::span<const std::uint8_t> bytes, StringCodes codes, const CodePageTable& table)
+{
+    std::u32string text;
+    if (codes == StringCodes::Handset) {
+        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+            const char32_t cp = handsetUnitCharacter(static_cast<std::uint16_t>(bytes[i] << 8 | bytes[i + 1]));
+            text += cp ? cp : kReplacementCharacter;
+        }
+        return text;
+    }
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        char32_t cp = table.single[bytes[i]];
+        if (!cp && table.lead[bytes[i]] && i + 1 < bytes.size()) {
+            cp = table.pair[bytes[i] << 8 | bytes[i + 1]];
+            if (cp) ++i;
+        }
+        text += cp ? cp : kReplacementCharacter;
+    }
+    return text;
+}
+
+std::string decodeStored(std::span<const std::uint8_t> bytes, StringCodes codes, std::string_view codePage)
+{
+    std::string text;
+    for (char32_t cp : decodeCodePoints(bytes, codes, codePageTable(codePage))) appendUtf8(text, cp);
+    return text;
+}
+
+ExtractResult extractStrings(std::span<const std::uint8_t> image, const ExtractOptions& options)
+{
+    const CodePageTable& table = codePageTable(options.codePage);
+    // Strings of two bytes and up stand as neighbours even when too short to list.
+    Scanner scanner(image, options, std::max<std::uint32_t>(1, std::min<std::uint32_t>(2, options.minBytes)));
+    if (!scanner.scanSingleByte(table) || !scanner.scanHandset(0) || !scanner.scanHandset(1)) return {{}, true};
+    std::vector<Candidate>& found = scanner.candidates();
+    std::erase_if(found, [&](const Candidate& c) {
+        return !lettersReadAsWords(decodeCodePoints(image.subspan(c.start, c.bytes), c.codes, table));
+    });
+    const std::vector<Candidate> strings = withoutOverlaps(std::move(found));
+    ExtractResult result;
+    for (std::size_t i = 0; i < strings.size(); ++i) {
+        const Candidate& c = strings[i];
+        if (c.bytes < options.minBytes || !wanted(c.codes, options.codes)) continue;
+        const bool besideAnother = (i > 0 && adjacent(image, strings[i - 1], c)) ||
+                                   (i + 1 < strings.size() && adjacent(image, c, strings[i + 1]));
+        const bool longAndCommon = c.bytes >= kLoneStringBytes && c.common == c.characters;
+        if (!besideAnother && !longAndCommon) continue;
+        result.strings.push_back({c.start, c.codes, c.bytes, decodeStored(image.subspan(c.start, c.bytes), c.codes, options.codePage)});
+    }
+    return result;
+}
+
+}  // namespace zevran::strings
