@@ -197,6 +197,10 @@ bool isVowel(char32_t c) { return std::u32string_view(U"aeiouyAEIOUY").find(c) !
 // read as letters far more often than as words.
 bool lettersReadAsWords(std::u32string_view text)
 {
+    // A menu text neither starts with blank space nor ends in a tab or line break.
+    if (text.empty() || text.front() == ' ' || text.front() == '\t' || text.front() == '\n' || text.back() == '\t' ||
+        text.back() == '\n')
+        return false;
     const auto isUpper = [](char32_t c) { return c >= 'A' && c <= 'Z'; };
     const auto isLower = [](char32_t c) { return c >= 'a' && c <= 'z'; };
     for (std::size_t i = 0; i < text.size();) {

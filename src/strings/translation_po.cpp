@@ -11,6 +11,7 @@
 
 #include <csetjmp>
 #include <cstdio>
+#include <ctime>
 #include <memory>
 
 namespace zevran::strings {
@@ -79,10 +80,15 @@ struct PoFileFree {
 };
 using PoFile = std::unique_ptr<std::remove_pointer_t<po_file_t>, PoFileFree>;
 
+// The header msgfmt --check asks for. The translators' language is not known yet: "und".
 std::string headerText(std::string_view imageName)
 {
-    return "Project-Id-Version: " + std::string(imageName) +
-           "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\nContent-Transfer-Encoding: 8bit\n"
+    char date[32];
+    const std::time_t now = std::time(nullptr);
+    std::strftime(date, sizeof date, "%Y-%m-%d %H:%M+0000", std::gmtime(&now));
+    return "Project-Id-Version: " + std::string(imageName) + "\nPO-Revision-Date: " + date +
+           "\nLast-Translator: \nLanguage-Team: \nLanguage: und\nMIME-Version: 1.0\n"
+           "Content-Type: text/plain; charset=UTF-8\nContent-Transfer-Encoding: 8bit\n"
            "X-Generator: Zevran Handset Workshop\n";
 }
 
