@@ -4,6 +4,8 @@
 #include "utf8_text.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace zevran::strings {
 
@@ -35,58 +37,56 @@ constexpr std::uint32_t kMaxZeroGap = 8;
 // plausible runs about a hundred times a MiB.
 constexpr std::uint32_t kLoneStringBytes = 12;
 
+// Every string ends at a zero byte, so the scan goes from zero to zero: from each,
+// back over the bytes that can be text, then forward over that run as a reader would.
+// Noise holds one zero in 256 bytes, so most of the image is never looked at twice.
 class Scanner {
 public:
-    Scanner(std::span<const std::uint8_t> image, const ExtractOptions& options, std::uint32_t shortest)
-        : m_image(image), m_options(options), m_shortest(shortest)
+    Scanner(std::span<const std::uint8_t> image, const CodePageTable& table, std::uint32_t shortest)
+        : m_image(image), m_table(table), m_units(handsetUnitClasses()), m_shortest(shortest)
     {
+        for (unsigned b = 1; b < 256; ++b) m_mayBeText[b] = table.singleClass[b] != CharacterClass::NotText || table.lead[b];
+        for (unsigned pair = 0x100; pair < 0x10000; ++pair)
+            if (table.pairClass[pair] != CharacterClass::NotText) m_mayBeText[pair & 0xFF] = true;
     }
 
-    bool scanSingleByte(const CodePageTable& table);
-    bool scanHandset(std::size_t parity);
+    // The strings of both encodings that end at the zero byte at `zero`.
+    void stringsEndingAt(std::size_t zero)
+    {
+        singleByteEndingAt(zero);
+        handsetEndingAt(zero);
+    }
     std::vector<Candidate>& candidates() { return m_candidates; }
 
 private:
-    bool reportProgress(std::size_t done)
-    {
-        m_done += done;
-        return !m_options.progress || m_options.progress(m_done, 3 * m_image.size());
-    }
     void keep(const Candidate& candidate)
     {
         if (candidate.bytes >= m_shortest && candidate.plausible()) m_candidates.push_back(candidate);
     }
+    void singleByteEndingAt(std::size_t zero);
+    void handsetEndingAt(std::size_t zero);
 
     std::span<const std::uint8_t> m_image;
-    const ExtractOptions& m_options;
+    const CodePageTable& m_table;
+    const std::vector<CharacterClass>& m_units;
     std::uint32_t m_shortest;
-    std::size_t m_done = 0;
+    std::array<bool, 256> m_mayBeText{};  // a character of the code page may hold the byte
     std::vector<Candidate> m_candidates;
 };
 
-bool Scanner::scanSingleByte(const CodePageTable& table)
+// A byte no character holds ends every run, so reading forward from past it gives the
+// same run as reading the whole image from its start.
+void Scanner::singleByteEndingAt(std::size_t zero)
 {
-    const std::size_t size = m_image.size();
-    Candidate run;
-    std::size_t nextReport = kProgressStep;
-    for (std::size_t i = 0; i < size;) {
-        if (i >= nextReport) {
-            if (!reportProgress(kProgressStep)) return false;
-            nextReport += kProgressStep;
-        }
+    std::size_t from = zero;
+    while (from > 0 && m_mayBeText[m_image[from - 1]]) --from;
+    Candidate run{static_cast<std::uint32_t>(from)};
+    for (std::size_t i = from; i < zero;) {
         const std::uint8_t byte = m_image[i];
-        CharacterClass found = CharacterClass::NotText;
+        CharacterClass found = m_table.singleClass[byte];
         std::size_t width = 1;
-        if (byte == 0) {
-            run.bytes = static_cast<std::uint32_t>(i - run.start);
-            if (run.bytes > 0) keep(run);
-            run = Candidate{static_cast<std::uint32_t>(i + 1)};
-            ++i;
-            continue;
-        }
-        found = table.singleClass[byte];
-        if (found == CharacterClass::NotText && table.lead[byte] && i + 1 < size) {
-            found = table.pairClass[byte << 8 | m_image[i + 1]];
+        if (found == CharacterClass::NotText && m_table.lead[byte] && i + 1 < zero) {
+            found = m_table.pairClass[byte << 8 | m_image[i + 1]];
             width = 2;
         }
         if (found == CharacterClass::NotText) {
@@ -98,48 +98,31 @@ bool Scanner::scanSingleByte(const CodePageTable& table)
         run.count(found, static_cast<std::uint32_t>(width));
         i += width;
     }
-    return reportProgress(size - (nextReport - kProgressStep));
+    run.bytes = static_cast<std::uint32_t>(zero - run.start);
+    if (run.bytes > 0) keep(run);
 }
 
-// Units of one parity, high byte first. A string begins at the first unit of its run
-// that follows a zero byte (the end of the string before it, or padding), or at the
-// run's first unit when none does: a run can reach back into the string before, whose
-// last characters and terminator read as units of the other parity.
-bool Scanner::scanHandset(std::size_t parity)
+// Units of the zero's parity, high byte first, back to a unit that is no character or
+// that ends a string itself. A string begins at the first unit of that run that follows
+// a zero byte (the end of the string before it, or padding), or at the run's first
+// unit when none does: a run can reach back into the string before, whose last
+// characters and terminator read as units of the other parity.
+void Scanner::handsetEndingAt(std::size_t zero)
 {
-    const auto& classes = handsetUnitClasses();
-    const std::size_t size = m_image.size();
-    Candidate run{static_cast<std::uint32_t>(parity), 0, 0, 0, 0, StringCodes::Handset};
-    Candidate afterZero = run;
-    bool haveAfterZero = false;
-    std::size_t nextReport = kProgressStep;
-    for (std::size_t pos = parity; pos < size; pos += 2) {
-        if (pos >= nextReport) {
-            if (!reportProgress(kProgressStep)) return false;
-            nextReport += kProgressStep;
+    std::size_t from = zero;
+    while (from >= 2 && m_units[m_image[from - 2] << 8 | m_image[from - 1]] != CharacterClass::NotText) from -= 2;
+    if (from == zero) return;
+    std::size_t start = from;
+    for (std::size_t pos = from; pos < zero; pos += 2) {
+        if (pos == 0 || m_image[pos - 1] == 0) {
+            start = pos;
+            break;
         }
-        if (m_image[pos] == 0) {
-            Candidate& string = haveAfterZero ? afterZero : run;
-            string.bytes = static_cast<std::uint32_t>(pos - string.start);
-            if (string.bytes > 0) keep(string);
-            run = Candidate{static_cast<std::uint32_t>(pos + 2), 0, 0, 0, 0, StringCodes::Handset};
-            haveAfterZero = false;
-            continue;
-        }
-        const CharacterClass found = pos + 1 < size ? classes[m_image[pos] << 8 | m_image[pos + 1]] : CharacterClass::NotText;
-        if (found == CharacterClass::NotText) {
-            run = Candidate{static_cast<std::uint32_t>(pos + 2), 0, 0, 0, 0, StringCodes::Handset};
-            haveAfterZero = false;
-            continue;
-        }
-        if (!haveAfterZero && (pos == 0 || m_image[pos - 1] == 0)) {
-            afterZero = Candidate{static_cast<std::uint32_t>(pos), 0, 0, 0, 0, StringCodes::Handset};
-            haveAfterZero = true;
-        }
-        run.count(found, 2);
-        if (haveAfterZero) afterZero.count(found, 2);
     }
-    return reportProgress(size - (nextReport - kProgressStep));
+    Candidate string{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(zero - start), 0, 0, 0,
+                     StringCodes::Handset};
+    for (std::size_t pos = start; pos < zero; pos += 2) string.count(m_units[m_image[pos] << 8 | m_image[pos + 1]], 2);
+    keep(string);
 }
 
 // Where two readings share bytes, the one whose common characters cover more bytes
@@ -263,8 +246,17 @@ ExtractResult extractStrings(std::span<const std::uint8_t> image, const ExtractO
 {
     const CodePageTable& table = codePageTable(options.codePage);
     // Strings of two bytes and up stand as neighbours even when too short to list.
-    Scanner scanner(image, options, std::max<std::uint32_t>(1, std::min<std::uint32_t>(2, options.minBytes)));
-    if (!scanner.scanSingleByte(table) || !scanner.scanHandset(0) || !scanner.scanHandset(1)) return {{}, true};
+    Scanner scanner(image, table, std::max<std::uint32_t>(1, std::min<std::uint32_t>(2, options.minBytes)));
+    const std::uint8_t* const begin = image.data();
+    for (std::size_t chunk = 0; chunk < image.size(); chunk += kProgressStep) {
+        if (options.progress && !options.progress(chunk, image.size())) return {{}, true};
+        const std::uint8_t* const chunkEnd = begin + std::min(image.size(), chunk + kProgressStep);
+        for (const std::uint8_t* zero = begin + chunk;
+             (zero = static_cast<const std::uint8_t*>(std::memchr(zero, 0, static_cast<std::size_t>(chunkEnd - zero))));
+             ++zero)
+            scanner.stringsEndingAt(static_cast<std::size_t>(zero - begin));
+    }
+    if (options.progress && !options.progress(image.size(), image.size())) return {{}, true};
     std::vector<Candidate>& found = scanner.candidates();
     std::erase_if(found, [&](const Candidate& c) {
         return !lettersReadAsWords(decodeCodePoints(image.subspan(c.start, c.bytes), c.codes, table));

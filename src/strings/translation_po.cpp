@@ -142,13 +142,15 @@ std::vector<TranslationEntry> readPoFile(const std::string& path)
             po_message_iterator_free(iterator);
             throw fileError(Reason::BadKey, path, 0, number, context ? context : "");
         }
+        const char* msgstr = po_message_msgstr(message);
+        const std::string translation = msgstr ? msgstr : "";
         TranslationEntry entry{key->first, key->second, 0, msgid, ""};
-        if (!isValidUtf8(entry.source) || !isValidUtf8(po_message_msgstr(message))) {
+        if (!isValidUtf8(entry.source) || !isValidUtf8(translation)) {
             po_message_iterator_free(iterator);
             throw fileError(Reason::NotUtf8, path, 0, number);
         }
         // A fuzzy translation waits for review: gettext itself leaves it out.
-        if (!po_message_is_fuzzy(message)) entry.target = po_message_msgstr(message);
+        if (!po_message_is_fuzzy(message)) entry.target = translation;
         if (const char* comments = po_message_extracted_comments(message))
             std::sscanf(comments, "budget %u", &entry.budget);
         entries.push_back(std::move(entry));
