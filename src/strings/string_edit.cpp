@@ -60,16 +60,17 @@ std::vector<Region> editListRegions(std::span<const StringEditRow> rows, bool ha
     std::vector<Region> regions;
     for (const StringEditRow& row : rows) {
         const std::string where = "row " + row.number + " at " + row.start + ".." + row.end + ": ";
+        const bool rowHandsetCodes = row.handsetCodes.value_or(handsetCodes);
         Region region;
         try {
-            region = editRowRegion(row, handsetCodes, codePage);
+            region = editRowRegion(row, rowHandsetCodes, codePage);
         } catch (const std::exception& error) {
             throw EditRowError(where + error.what());
         }
         const std::int64_t bytes = rangeBytes(region.first, region.last);
         if (static_cast<std::int64_t>(region.bytes.size()) != bytes)
             throw EditRowError(where + quoted(row.text) + " takes " + std::to_string(region.bytes.size()) +
-                               " bytes in " + encodingName(handsetCodes) + " but the string holds " +
+                               " bytes in " + encodingName(rowHandsetCodes) + " but the string holds " +
                                std::to_string(bytes) + "; write the list in the codes it was searched in");
         if (region.last >= imageLength)
             throw EditRowError(where + "the string lies past the end of the image (" + std::to_string(imageLength) +

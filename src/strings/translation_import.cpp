@@ -107,9 +107,11 @@ StringEditRow editRowOf(const EntryResult& result, std::size_t rowsBefore, std::
     const bool handset = result.entry.codes == StringCodes::Handset;
     // Text8 as the search shows it: characters in handset codes, bytes otherwise.
     const std::string length = handset ? std::to_string(result.budget / 2) : std::to_string(result.budget);
-    return *makeFittedEditRow(rowsBefore, image::HexPad(static_cast<std::uint32_t>(result.region.first), 8),
-                              image::HexPad(static_cast<std::uint32_t>(result.region.last), 8), result.entry.target,
-                              length, handset, codePage);
+    StringEditRow row = *makeFittedEditRow(rowsBefore, image::HexPad(static_cast<std::uint32_t>(result.region.first), 8),
+                                           image::HexPad(static_cast<std::uint32_t>(result.region.last), 8),
+                                           result.entry.target, length, handset, codePage);
+    row.handsetCodes = handset;
+    return row;
 }
 
 std::string outcomeText(const EntryResult& result)

@@ -52,9 +52,9 @@ ImportResult importTranslations(std::span<const std::uint8_t> image, std::span<c
 // The regions of the fitting entries, in file order.
 std::vector<image::Region> fittingRegions(const ImportResult& result);
 
-// The edit-list row that writes a fitting entry's region when the list is written in
-// the entry's encoding: start, end, the translation padded with spaces, the length as
-// the search shows it. Made by the list's own padding, so it writes the same bytes.
+// The edit-list row that writes a fitting entry's region, in the entry's own encoding:
+// start, end, the translation padded with spaces, the length as the search shows it.
+// Made by the list's own padding, so it writes the same bytes.
 StringEditRow editRowOf(const EntryResult& result, std::size_t rowsBefore, std::string_view codePage);
 
 // "fits", "over budget by 3 bytes", "character U+00E9 not encodable in handset codes",
