@@ -14,6 +14,8 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QFile>
 #include <QTreeWidget>
 
 using zevran::app::Form1;
@@ -119,6 +121,27 @@ private slots:
                                                          "0x0000001E,single,4,Back,\r\n"
                                                          "0x00000024,handset,4,OK,\r\n") +
                                               QString::fromUtf8("0x00000029,handset,4,设置,\r\n").toUtf8());
+    }
+
+    void stopDuringALongExportWritesNothing()
+    {
+        // 3 MiB: the finder reports its progress every MiB, and pending events run then.
+        QByteArray image = phoneImage();
+        image.append(QByteArray(3 << 20, 'A'));
+        writeBytes(path("large.bin"), image);
+        m_window->openPhoneFile(path("large.bin"));
+        m_dialogs->files.push_back(path("large.po"));
+        bool barShown = false;
+        QTimer::singleShot(0, this, [this, &barShown] {
+            barShown = m_tab->ExportProgress->isVisibleTo(m_tab) && m_tab->StopExport->isVisibleTo(m_tab);
+            m_tab->StopExport->click();
+        });
+        m_tab->ExportStrings->click();
+        QVERIFY(barShown);
+        QVERIFY(!QFile::exists(path("large.po")));
+        QCOMPARE(m_dialogs->messages.back().text, QString("The export was stopped; nothing was written."));
+        QVERIFY(m_tab->ExportProgress->isHidden());
+        QVERIFY(m_tab->ExportStrings->isEnabled());
     }
 
     void importAddsACheckedRowPerFittingEntryAndListsTheRest()
