@@ -6,8 +6,12 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 
 namespace zevran::strings {
+
+// Stored bytes as code points; a byte or unit that is no character reads as U+FFFD.
+std::u32string decodeCodePoints(std::span<const std::uint8_t> bytes, StringCodes codes, const CodePageTable& table);
 
 namespace {
 
@@ -36,6 +40,8 @@ constexpr std::uint32_t kMaxZeroGap = 8;
 // A string on its own must be this long and all common characters: noise makes short
 // plausible runs about a hundred times a MiB.
 constexpr std::uint32_t kLoneStringBytes = 12;
+// Random bytes run on as characters for some 8 bytes on average; 32 covers nearly all.
+constexpr std::uint32_t kMaxSkippedBytes = 32;
 
 // Every string ends at a zero byte, so the scan goes from zero to zero: from each,
 // back over the bytes that can be text, then forward over that run as a reader would.
@@ -175,9 +181,9 @@ bool adjacent(std::span<const std::uint8_t> image, const Candidate& before, cons
 bool isVowel(char32_t c) { return std::u32string_view(U"aeiouyAEIOUY").find(c) != std::u32string_view::npos; }
 
 // Latin letters as menus write them: no capital straight after a small letter inside a
-// word ("pGs" is machine code), and a word of three letters or more has a vowel unless
-// it is all capitals of at most four ("SMS", "MMS"). Machine code and packed numbers
-// read as letters far more often than as words.
+// word ("pGs" is machine code), no two capitals before a small one, and a word of three
+// letters or more has a vowel unless it is all capitals of at most four ("SMS", "MMS").
+// Machine code and packed numbers read as letters far more often than as words.
 bool lettersReadAsWords(std::u32string_view text)
 {
     // A menu text neither starts with blank space nor ends in a tab or line break.
@@ -200,9 +206,56 @@ bool lettersReadAsWords(std::u32string_view text)
         }
         const std::size_t length = end - i;
         if (length >= 3 && !vowel && !(allUpper && length <= 4)) return false;
+        // Two capitals and a small letter ("DRing") begin no word: a stray byte before one.
+        if (length >= 3 && isUpper(text[i]) && isUpper(text[i + 1]) && isLower(text[i + 2])) return false;
         i = end;
     }
     return true;
+}
+
+bool readsAsWords(std::span<const std::uint8_t> image, const Candidate& c, const CodePageTable& table)
+{
+    return lettersReadAsWords(decodeCodePoints(image.subspan(c.start, c.bytes), c.codes, table));
+}
+
+// The bytes from `from` to the candidate's terminator read afresh in its encoding;
+// nullopt where one is no character.
+std::optional<Candidate> reread(std::span<const std::uint8_t> image, const Candidate& c, std::uint32_t from,
+                                const CodePageTable& table)
+{
+    Candidate read{from, c.terminator() - from, 0, 0, 0, c.codes};
+    for (std::uint32_t i = from; i < c.terminator();) {
+        std::uint32_t width = c.codes == StringCodes::Handset ? 2 : 1;
+        CharacterClass found = CharacterClass::NotText;
+        if (c.codes == StringCodes::Handset) {
+            found = handsetUnitClasses()[image[i] << 8 | image[i + 1]];
+        } else if ((found = table.singleClass[image[i]]) == CharacterClass::NotText && table.lead[image[i]] &&
+                   i + 1 < c.terminator()) {
+            found = table.pairClass[image[i] << 8 | image[i + 1]];
+            width = 2;
+        }
+        if (found == CharacterClass::NotText) return std::nullopt;
+        read.count(found, width);
+        i += width;
+    }
+    return read;
+}
+
+// Where its letters read as words, the candidate as it is; where they do not, or where
+// a rare character spoils a long text, the candidate read from the first later byte (up
+// to kMaxSkippedBytes on) that leaves a long text of common characters reading as words:
+// a text stored among other data often follows bytes that read as characters, or that
+// take its first letter as the second byte of a two-byte character.
+std::optional<Candidate> settledStart(std::span<const std::uint8_t> image, const Candidate& c, const CodePageTable& table)
+{
+    const bool words = readsAsWords(image, c, table);
+    if (words && c.common == c.characters) return c;
+    const std::uint32_t step = c.codes == StringCodes::Handset ? 2 : 1;
+    for (std::uint32_t skip = step; skip <= kMaxSkippedBytes && c.bytes >= kLoneStringBytes + skip; skip += step) {
+        const auto later = reread(image, c, c.start + skip, table);
+        if (later && later->common == later->characters && readsAsWords(image, *later, table)) return later;
+    }
+    return words ? std::optional(c) : std::nullopt;
 }
 
 bool wanted(StringCodes codes, CodesWanted wanted)
@@ -257,10 +310,9 @@ ExtractResult extractStrings(std::span<const std::uint8_t> image, const ExtractO
             scanner.stringsEndingAt(static_cast<std::size_t>(zero - begin));
     }
     if (options.progress && !options.progress(image.size(), image.size())) return {{}, true};
-    std::vector<Candidate>& found = scanner.candidates();
-    std::erase_if(found, [&](const Candidate& c) {
-        return !lettersReadAsWords(decodeCodePoints(image.subspan(c.start, c.bytes), c.codes, table));
-    });
+    std::vector<Candidate> found;
+    for (const Candidate& c : scanner.candidates())
+        if (const auto settled = settledStart(image, c, table)) found.push_back(*settled);
     const std::vector<Candidate> strings = withoutOverlaps(std::move(found));
     ExtractResult result;
     for (std::size_t i = 0; i < strings.size(); ++i) {

@@ -116,6 +116,16 @@ TEST(StringExtract, LongCommonTextOnItsOwnIsListed)
     EXPECT_EQ(extract(image), (std::vector<StoredString>{{0x03, kSingle, 18, "Version 1.11 build"}}));
 }
 
+TEST(StringExtract, LongTextAfterBytesThatReadAsCharactersStartsAtItsFirstLetter)
+{
+    // 8F 52 reads as one GBK character, taking the "R"; "D" before "Ring" is a stray byte.
+    const Bytes image = bytesOf(std::string_view("\x13\x8FRing tone 12 - Melody\x00\x91\x07\xFF"
+                                                 "DRing tone 3 - Melody\x00\x05",
+                                                 50));
+    EXPECT_EQ(extract(image), (std::vector<StoredString>{{0x02, kSingle, 21, "Ring tone 12 - Melody"},
+                                                         {0x1C, kSingle, 20, "Ring tone 3 - Melody"}}));
+}
+
 TEST(StringExtract, StopFromProgressListsNothing)
 {
     const Bytes image(3 << 20, 0x41);
