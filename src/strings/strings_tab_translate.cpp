@@ -191,6 +191,7 @@ QString StringsTab::fileFailureText(const TranslationFileFailure& failure) const
     case Reason::BadKey: return m_host->text("TranslationFileBadKey").arg(place, detail);
     case Reason::MissingColumn: return m_host->text("TranslationFileMissingColumn").arg(place, detail);
     case Reason::NotUtf8: return m_host->text("TranslationFileNotUtf8").arg(place);
+    case Reason::DuplicateKey: return m_host->text("TranslationFileDuplicateKey").arg(place, detail);
     }
     return place;
 }

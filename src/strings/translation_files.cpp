@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <set>
 
 namespace zevran::strings {
 
@@ -56,6 +57,7 @@ std::string describeFailure(const TranslationFileFailure& failure)
         return place + ": \"" + failure.detail + "\" is no entry key (\"0x\", eight hex digits, single or handset)";
     case Reason::MissingColumn: return place + ": the header has no column \"" + failure.detail + "\"";
     case Reason::NotUtf8: return place + ": the text is not UTF-8";
+    case Reason::DuplicateKey: return place + ": the key \"" + failure.detail + "\" already has an earlier entry";
     }
     return place;
 }
@@ -116,7 +118,20 @@ void writeTranslationFile(const std::string& path, std::span<const StoredString>
     output.commit();
 }
 
-std::vector<TranslationEntry> readTranslationFile(const std::string& path)
+namespace {
+
+// Refuses a file in which two entries share a key: the later translation would be
+// written over the earlier one without a word.
+void requireUniqueKeys(const std::vector<TranslationEntry>& entries, const std::string& path)
+{
+    std::set<std::pair<std::uint32_t, StringCodes>> seen;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (!seen.emplace(entries[i].address, entries[i].codes).second)
+            throw fileError(TranslationFileFailure::Reason::DuplicateKey, path, 0, i + 1,
+                            entryKey(entries[i].address, entries[i].codes));
+}
+
+std::vector<TranslationEntry> readByFormat(const std::string& path)
 {
     const auto format = formatOfPath(path);
     if (!format) throw fileError(TranslationFileFailure::Reason::UnknownFormat, path);
@@ -130,6 +145,15 @@ std::vector<TranslationEntry> readTranslationFile(const std::string& path)
     }
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return *format == TranslationFormat::Xliff ? readXliff(text, path) : readCsv(text, path);
+}
+
+}  // namespace
+
+std::vector<TranslationEntry> readTranslationFile(const std::string& path)
+{
+    std::vector<TranslationEntry> entries = readByFormat(path);
+    requireUniqueKeys(entries, path);
+    return entries;
 }
 
 }  // namespace zevran::strings

@@ -48,6 +48,7 @@ struct TranslationFileFailure {
         BadKey,         // an entry's key is not "0x........ single|handset"; `detail` is the key
         MissingColumn,  // a CSV header lacks a column; `detail` names it
         NotUtf8,        // text that is not UTF-8
+        DuplicateKey,   // a second entry for one key, whose translation would hide the first's
     };
     Reason reason = Reason::Syntax;
     std::string file;
@@ -78,7 +79,7 @@ std::string describeFailure(const TranslationFileFailure& failure);
 void writeTranslationFile(const std::string& path, std::span<const StoredString> strings, std::string_view imageName);
 
 // Every entry of a translation file, translated or not, in file order. Throws
-// TranslationFileError.
+// TranslationFileError, also for a key that two entries share.
 std::vector<TranslationEntry> readTranslationFile(const std::string& path);
 
 // The formats one by one. PO is read and written through libgettextpo, XLIFF through

@@ -188,3 +188,17 @@ TEST(TranslationFile, EachSuffixRoundTripsTheStrings)
     EXPECT_EQ(failureOf([&] { writeTranslationFile(folder.path("menu.txt"), kStrings, "x"); }).reason,
               Reason::UnknownFormat);
 }
+
+TEST(TranslationFile, KeySharedByTwoEntriesIsRefusedAtTheSecond)
+{
+    TempFolder folder;
+    writeFile(folder.path("twice.csv"), std::string("address,encoding,source,target\r\n"
+                                                    "0x00000010,single,Menu,A\r\n"
+                                                    "0x00000010,handset,Menu,B\r\n"
+                                                    "0x00000010,single,Menu,C\r\n"));
+    const auto failure = failureOf([&] { readTranslationFile(folder.path("twice.csv")); });
+    EXPECT_EQ(failure.reason, Reason::DuplicateKey);
+    EXPECT_EQ(failure.entry, 3u);
+    EXPECT_EQ(failure.detail, "0x00000010 single");
+    EXPECT_EQ(describeFailure(failure), folder.path("twice.csv") + ": entry 3: the key \"0x00000010 single\" already has an earlier entry");
+}
