@@ -92,10 +92,20 @@ void StringsTab::ExportStrings_Click()
     ExportProgress->show();
     StopExport->show();
     ExportStrings->setEnabled(false);
-    const ExtractResult result = extractStrings(state.FirmwareImage, options);
+    ExtractResult result;
+    QString failure;
+    try {
+        result = extractStrings(state.FirmwareImage, options);
+    } catch (const std::exception& error) {  // a code page iconv does not know
+        failure = QString::fromUtf8(error.what());
+    }
     ExportProgress->hide();
     StopExport->hide();
     ExportStrings->setEnabled(true);
+    if (!failure.isEmpty()) {
+        m_host->showError(failure);
+        return;
+    }
     if (result.stopped) {
         m_host->showInformation(m_host->text("ExportStopped"));
         return;
@@ -122,10 +132,18 @@ void StringsTab::ImportTranslation_Click()
         m_host->showError(fileFailureText(error.failure()));
         return;
     }
-    m_lastImport = importTranslations(m_host->imageState().FirmwareImage, entries, m_host->codePage());
-    for (const EntryResult& result : m_lastImport.results)
-        if (result.outcome == ImportOutcome::Fits)
-            addEditRow(editRowOf(result, static_cast<std::size_t>(ListView2->topLevelItemCount()), m_host->codePage()));
+    std::vector<StringEditRow> rows;
+    try {
+        ImportResult imported = importTranslations(m_host->imageState().FirmwareImage, entries, m_host->codePage());
+        for (const EntryResult& result : imported.results)
+            if (result.outcome == ImportOutcome::Fits)
+                rows.push_back(editRowOf(result, ListView2->topLevelItemCount() + rows.size(), m_host->codePage()));
+        m_lastImport = std::move(imported);
+    } catch (const std::exception& error) {  // a code page iconv does not know
+        m_host->showError(QString::fromUtf8(error.what()));
+        return;
+    }
+    for (const StringEditRow& row : rows) addEditRow(row);
     showRefused();
     SaveReport->setEnabled(!m_lastImport.results.empty());
     updateListMenu();

@@ -222,3 +222,12 @@ TEST(ImportStringsCommand, RoundTripThroughXliffAndCsvChangesNoByte)
         EXPECT_EQ(patched(folder, "same.s3"), kImage) << name;
     }
 }
+
+TEST(ExportStringsCommand, CodePageIconvDoesNotKnowIsNamed)
+{
+    TempFolder folder;
+    writeFile(folder.path("phone.bin"), kImage);
+    writeFile(folder.path("zevran.ini"), std::string("[Options]\r\nCode Page=NO-SUCH-PAGE\r\n"));
+    EXPECT_TRUE(failedWith(runAtHome(folder, {"export-strings", "phone.bin", "-o", "menu.po"}), {"NO-SUCH-PAGE"}));
+    EXPECT_FALSE(exists(folder.path("menu.po")));
+}
