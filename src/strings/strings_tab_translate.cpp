@@ -91,7 +91,9 @@ void StringsTab::ExportStrings_Click()
     ExportProgress->setValue(0);
     ExportProgress->show();
     StopExport->show();
+    // Events run between the MiB read: no second job starts meanwhile.
     ExportStrings->setEnabled(false);
+    ImportTranslation->setEnabled(false);
     ExtractResult result;
     QString failure;
     try {
@@ -102,6 +104,7 @@ void StringsTab::ExportStrings_Click()
     ExportProgress->hide();
     StopExport->hide();
     ExportStrings->setEnabled(true);
+    ImportTranslation->setEnabled(true);
     if (!failure.isEmpty()) {
         m_host->showError(failure);
         return;

@@ -133,7 +133,8 @@ private slots:
         m_dialogs->files.push_back(path("large.po"));
         bool barShown = false;
         QTimer::singleShot(0, this, [this, &barShown] {
-            barShown = m_tab->ExportProgress->isVisibleTo(m_tab) && m_tab->StopExport->isVisibleTo(m_tab);
+            barShown = m_tab->ExportProgress->isVisibleTo(m_tab) && m_tab->StopExport->isVisibleTo(m_tab) &&
+                       !m_tab->ExportStrings->isEnabled() && !m_tab->ImportTranslation->isEnabled();
             m_tab->StopExport->click();
         });
         m_tab->ExportStrings->click();
@@ -142,6 +143,7 @@ private slots:
         QCOMPARE(m_dialogs->messages.back().text, QString("The export was stopped; nothing was written."));
         QVERIFY(m_tab->ExportProgress->isHidden());
         QVERIFY(m_tab->ExportStrings->isEnabled());
+        QVERIFY(m_tab->ImportTranslation->isEnabled());
     }
 
     void importAddsACheckedRowPerFittingEntryAndListsTheRest()
