@@ -5,6 +5,7 @@
 
 #include "image/hex_text.hpp"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace zevran::strings {
