@@ -270,6 +270,32 @@ verdict "tones, grep time / ours" "$tones_grep" ">=" 1
 echo "  $tone_rows tones listed; grep counts $(cat "$DATA/grep.txt") lines holding MMMD"
 echo "  grep / ours: $tones_grep  $VERDICT (target >= 1)"
 
+# --- translation: every string out to a PO file, 10,000 translations back in ---
+echo
+echo "Translation: export-strings of image.bin (64 MiB) to PO; import-strings of 10,000 CSV entries"
+if [[ ! -f $DATA/strings.bin ]]; then
+  "$BIN/zevran-bench-data" --strings "$DATA/strings.bin.part"
+  mv "$DATA/strings.bin.part" "$DATA/strings.bin"
+fi
+time_runs export:po "$RUNS" "$DATA/image.po" "$CLI" export-strings "$DATA/image.bin" -o "$DATA/image.po"
+"$CLI" export-strings "$DATA/image.bin" -o "$DATA/image.po" >"$DATA/export.txt" 2>>"$LOG"
+# The first 10,000 strings of the strings image, each translated as itself.
+"$CLI" export-strings "$DATA/strings.bin" -o "$DATA/strings.csv" >/dev/null 2>>"$LOG"
+head -n 10001 "$DATA/strings.csv" | awk 'BEGIN { FS = OFS = "," }
+  NR == 1 { print; next } { sub(/\r$/, ""); $5 = $4; printf "%s\r\n", $0 }' >"$DATA/same.csv"
+check "10,000 entries to import" test "$(($(wc -l <"$DATA/same.csv") - 1))" -eq 10000
+time_runs import:csv "$RUNS" "$DATA/same.s3" "$CLI" import-strings "$DATA/strings.bin" "$DATA/same.csv" -o "$DATA/same.s3"
+"$CLI" import-strings "$DATA/strings.bin" "$DATA/same.csv" -o "$DATA/same.s3" >/dev/null 2>>"$LOG"
+"$CLI" apply-patch "$DATA/strings.bin" "$DATA/same.s3" -o "$DATA/same.bin" 2>>"$LOG"
+check "round trip changes no byte" cmp "$DATA/same.bin" "$DATA/strings.bin"
+export_s=$(awk -v m="${MEDIAN[export:po]}" 'BEGIN { printf "%.3f", m / 1e6 }')
+import_s=$(awk -v m="${MEDIAN[import:csv]}" 'BEGIN { printf "%.3f", m / 1e6 }')
+verdict "export-strings of the 64 MiB image, median s" "$export_s" "<=" 1
+echo "  export: $(cut -d' ' -f2- "$DATA/export.txt" | tr -d '\n'), median $export_s s  $VERDICT (target <= 1)"
+verdict "import-strings of 10,000 entries, median s" "$import_s" "<=" 1
+echo "  import of 10,000 entries: median $import_s s  $VERDICT (target <= 1)"
+rm -f "$DATA/image.po" "$DATA/same.s3" "$DATA/same.bin"
+
 # --- comparison of two 256 MiB images against cmp ---
 echo
 echo "Comparison: zevran-cli diff of two 256 MiB images differing in 1000 places, cmp of two equal 256 MiB files"

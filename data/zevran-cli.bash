@@ -11,7 +11,10 @@ _zevran_cli()
         --home)
             mapfile -t COMPREPLY < <(compgen -d -- "$cur")
             return 0 ;;
-        --fill|--start|--end|--rows|--frame|--at|--depth|--width|--height|--min|--max|--gap)
+        --codes)
+            mapfile -t COMPREPLY < <(compgen -W "single handset both" -- "$cur")
+            return 0 ;;
+        --fill|--start|--end|--rows|--frame|--at|--depth|--width|--height|--min|--max|--gap|--min-bytes)
             return 0 ;;
     esac
 

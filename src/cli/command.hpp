@@ -21,6 +21,7 @@ struct Command {
 std::vector<Command> imageCommands();
 std::vector<Command> toneCommands();
 std::vector<Command> stringCommands();
+std::vector<Command> translateCommands();
 std::vector<Command> pictureCommands();
 std::vector<Command> finderCommands();
 std::vector<Command> importCommands();  // where Qt's image readers are built in

@@ -17,6 +17,7 @@ std::vector<Command> allCommands()
     std::vector<Command> commands = zevran::cli::imageCommands();
     for (auto& command : zevran::cli::toneCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::stringCommands()) commands.push_back(command);
+    for (auto& command : zevran::cli::translateCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::pictureCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::finderCommands()) commands.push_back(command);
 #ifdef ZEVRAN_PICTURE_IMPORT

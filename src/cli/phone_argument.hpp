@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli_args.hpp"
+#include "command.hpp"
 
 #include "image/firmware_image.hpp"
 #include "image/patch_writer.hpp"
@@ -13,6 +14,14 @@ namespace zevran::cli {
 
 // Throws with a message naming the path when the file cannot be read or is empty.
 image::ImageState openPhoneFile(const std::string& path);
+
+// Refuses an output that does not fit the phone file's kind: -o (an S-record patch)
+// only for a "bin" file, --in-place only for an "asf" file.
+void requireOutputForKind(const Arguments& args, const image::ImageState& state, const std::string& phonePath);
+
+// The single-byte code page of the handset's text: "Code Page" in section "Options" of
+// zevran.ini, GBK when it names none.
+std::string codePageOf(const Context& context);
 
 // The edits leave the way the command was told: an S-record patch file (-o), or laid
 // into the image and saved over the phone file through a temporary file (--in-place).

@@ -4,7 +4,6 @@
 #include "command.hpp"
 #include "phone_argument.hpp"
 
-#include "app/profile_file.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/patch_writer.hpp"
@@ -21,14 +20,6 @@ namespace {
 
 using namespace zevran::image;
 using namespace zevran::strings;
-
-// The code page named in zevran.ini, GBK when none is.
-std::string codePageOf(const Context& context)
-{
-    app::ProfileFile settings(context.settingsFile);
-    auto named = settings.read("Options", "Code Page");
-    return named && !named->empty() ? *named : std::string(kDefaultCodePage);
-}
 
 int runFindText(const std::vector<std::string>& words, const Context& context)
 {
@@ -89,12 +80,7 @@ int runPatchStrings(const std::vector<std::string>& words, const Context& contex
     const std::string& phonePath = args.positional()[0];
     const std::string& planPath = args.positional()[1];
     ImageState state = openPhoneFile(phonePath);
-    if (args.has("-o") && state.FileKind != "bin")
-        throw std::runtime_error(phonePath + ": only a \"bin\" phone file takes an S-record patch; this one is \"" +
-                                 state.FileKind + "\"");
-    if (args.has("--in-place") && state.FileKind != "asf")
-        throw std::runtime_error(phonePath + ": only an \"asf\" phone file is patched in place; this one is \"" +
-                                 state.FileKind + "\"");
+    requireOutputForKind(args, state, phonePath);
     const bool handsetCodes = args.has("--handset-codes");
     const std::string codePage = codePageOf(context);
     const auto planBytes = readWholeFile(planPath);

@@ -24,6 +24,9 @@ struct StringEditRow {
     std::string end;     // eight hex digits
     std::string text;    // the replacement, padded with spaces to `length` characters
     std::string length;  // bytes, or characters in handset codes
+    // The row's own encoding (a translation imported for a string of that encoding);
+    // unset, the row is written in the encoding the list is written in.
+    std::optional<bool> handsetCodes = std::nullopt;
 };
 
 inline constexpr int kMessageEmptyEditFields = 25;
@@ -54,7 +57,8 @@ std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::stri
                                                std::string_view Text7, std::string_view Text8, bool handsetCodes,
                                                std::string_view codePage = kDefaultCodePage);
 
-// The regions of the rows to write, in the order given, in the chosen encoding.
+// The regions of the rows to write, in the order given, in the chosen encoding (or a
+// row's own).
 // Checked before anything is written, so a bad row leaves no half-written output:
 // throws EditRowError naming the row when its bytes do not fill its range exactly
 // (the list was searched in the other encoding) or its range lies outside an image

@@ -98,6 +98,7 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     layout->addWidget(frame10);
     layout->addWidget(frame11);
     layout->addWidget(frame13, 1);
+    layout->addWidget(makeTranslationFrame(), 1);
 }
 
 void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)
@@ -120,6 +121,10 @@ void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)
     connect(ListView2, &QTreeWidget::itemChanged, this, &StringsTab::updateListMenu);
     connect(ListView2, &QTreeWidget::itemSelectionChanged, this, &StringsTab::updateListMenu);
     connect(menufile4, &QMenu::aboutToShow, this, &StringsTab::updateListMenu);
+    connect(ExportStrings, &QPushButton::clicked, this, &StringsTab::ExportStrings_Click);
+    connect(ImportTranslation, &QPushButton::clicked, this, &StringsTab::ImportTranslation_Click);
+    connect(StopExport, &QPushButton::clicked, this, [this] { m_stopExport = true; });
+    connect(SaveReport, &QPushButton::clicked, this, &StringsTab::SaveReport_Click);
     updateListMenu();
 }
 
@@ -168,7 +173,11 @@ void StringsTab::SeachString_Click()
     Add2List->setEnabled(true);
 }
 
-void StringsTab::applyTexts() { FoundLabel->setText(m_host->text("FoundLabel")); }
+void StringsTab::applyTexts()
+{
+    FoundLabel->setText(m_host->text("FoundLabel"));
+    applyTranslationTexts();
+}
 
 void StringsTab::Add2List_Click()
 {
@@ -185,13 +194,19 @@ void StringsTab::Add2List_Click()
         m_host->ShowMessage(kMessageEmptyEditFields);
         return;
     }
+    addEditRow(*row);
+    updateListMenu();
+}
+
+void StringsTab::addEditRow(const StringEditRow& row)
+{
     auto* item = new QTreeWidgetItem(
-        {fromUtf8(row->number), fromUtf8(row->start), fromUtf8(row->end), fromUtf8(row->text), fromUtf8(row->length)});
+        {fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end), fromUtf8(row.text), fromUtf8(row.length)});
     item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
     // A new replacement is meant to be written: it starts checked.
     item->setCheckState(kNumber, Qt::Checked);
+    if (row.handsetCodes) item->setData(kNumber, Qt::UserRole, *row.handsetCodes);
     ListView2->addTopLevelItem(item);
-    updateListMenu();
 }
 
 void StringsTab::Removeone_Click()
@@ -234,6 +249,9 @@ std::vector<StringEditRow> StringsTab::rowsWhere(bool checkedOnly) const
         rows.push_back({item->text(kNumber).toStdString(), item->text(kStart).toStdString(),
                         item->text(kEnd).toStdString(), item->text(kText).toStdString(),
                         item->text(kLength).toStdString()});
+        // An imported translation is written in its string's encoding.
+        const QVariant ownCodes = item->data(kNumber, Qt::UserRole);
+        if (ownCodes.isValid()) rows.back().handsetCodes = ownCodes.toBool();
     }
     return rows;
 }

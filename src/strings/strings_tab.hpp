@@ -2,6 +2,7 @@
 #pragma once
 
 #include "string_edit.hpp"
+#include "translation_import.hpp"
 
 #include <QWidget>
 #include <vector>
@@ -12,6 +13,7 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QPoint;
+class QProgressBar;
 class QPushButton;
 class QRadioButton;
 class QTreeWidget;
@@ -35,6 +37,11 @@ public:
     void Removeall_Click();
     void outputStrS3_Click();
     void outputStraxf_Click();
+    // Translation: every stored string out to a PO, XLIFF or CSV file, a translated
+    // file back into the edit list, and the report of the entries that did not fit.
+    void ExportStrings_Click();
+    void ImportTranslation_Click();
+    void SaveReport_Click();
 
     // The list's pop-up items: `Removeone` needs a selected row, `Removeall` any row,
     // and each output a checked row and a phone file of its kind ("bin" for
@@ -62,8 +69,21 @@ public:
     QPushButton* SeachString;
     QPushButton* Add2List;
     QTreeWidget* ListView2;
+    QPushButton* ExportStrings;
+    QPushButton* ImportTranslation;
+    QProgressBar* ExportProgress;  // shown while an export runs
+    QPushButton* StopExport;
+    QTreeWidget* ListViewRefused;  // the imported entries that do not fit: address, source, translation, outcome
+    QPushButton* SaveReport;
 
 private:
+    QWidget* makeTranslationFrame();
+    void applyTranslationTexts();
+    void addEditRow(const StringEditRow& row);
+    void showRefused();
+    // An outcome and a file failure in the current language.
+    QString outcomeText(const EntryResult& result) const;
+    QString fileFailureText(const TranslationFileFailure& failure) const;
     void ListView2_ContextMenu(const QPoint& position);
     std::vector<StringEditRow> checkedRows() const { return rowsWhere(true); }
     std::vector<StringEditRow> rowsWhere(bool checkedOnly) const;
@@ -82,6 +102,9 @@ private:
     // The pattern and encoding of the last search: another one starts a fresh pass.
     std::string m_searchedPattern;
     bool m_searchedInHandsetCodes = false;
+    // The last import, whose outcomes the report holds.
+    ImportResult m_lastImport;
+    bool m_stopExport = false;
 };
 
 }  // namespace zevran::strings

@@ -165,3 +165,14 @@ TEST(EditListRegions, CharacterOutsideTheCodePageIsNamedWithItsRow)
         EXPECT_EQ(std::string(error.what()).rfind("row 03 at 00000010..00000011: ", 0), 0u) << error.what();
     }
 }
+
+TEST(EditListRegions, RowWithItsOwnEncodingIsWrittenInIt)
+{
+    // An imported translation keeps its string's encoding whatever the list is written in.
+    StringEditRow handset = row("01", "00000010", "00000013", "OK", "2");
+    handset.handsetCodes = true;
+    const std::vector<StringEditRow> rows{handset, row("02", "00000020", "00000021", "OK", "2")};
+    const auto regions = editListRegions(rows, false, 0x40);
+    EXPECT_EQ(regions[0].bytes, (Bytes{0xA1, 0x4F, 0xA1, 0x4B}));
+    EXPECT_EQ(regions[1].bytes, (Bytes{0x4F, 0x4B}));
+}

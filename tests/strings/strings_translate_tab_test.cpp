@@ -1,0 +1,234 @@
+// The strings tab's translation frame through the dialogs double: "Export all
+// strings...", "Import translation..." filling the edit list and the list of entries
+// that do not fit, the report, and the outputs of imported rows with undo.
+#include "app/qt_files.hpp"
+#include "app/test_window.hpp"
+
+#include "app/main_window.hpp"
+#include "strings/strings_tab.hpp"
+
+#include <QAction>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QFile>
+#include <QTreeWidget>
+
+using zevran::app::Form1;
+using zevran::app::MessageKind;
+using zevran::strings::StringsTab;
+using zevran::test::readBytes;
+using zevran::test::ScriptedDialogs;
+using zevran::test::writeBytes;
+
+namespace {
+
+// A string table: "Menu" 0x10, "Settings" 0x15, "Back" 0x1E in single-byte codes;
+// "OK" 0x24 (A1 4F A1 4B) and 设置 0x29 (8B BE 7F 6E) in handset codes.
+QByteArray phoneImage()
+{
+    QByteArray image(0x40, '\xFF');
+    image.replace(0x10, 0x1E, QByteArray("Menu\0Settings\0Back\0\0\xA1\x4F\xA1\x4B\0\x8B\xBE\x7F\x6E\0", 0x1E));
+    return image;
+}
+
+std::vector<std::uint8_t> bytesOf(const QByteArray& bytes) { return {bytes.begin(), bytes.end()}; }
+
+const QString kTranslation = QString::fromUtf8("address,encoding,source,target\r\n"
+                                               "0x00000010,single,Menu,菜单\r\n"
+                                               "0x00000015,single,Settings,Settings++\r\n"
+                                               "0x0000001E,single,Back,\r\n"
+                                               "0x00000024,handset,OK,是\r\n");
+
+}  // namespace
+
+class StringsTranslateTabTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+    std::unique_ptr<Form1> m_window;
+    ScriptedDialogs* m_dialogs = nullptr;
+    StringsTab* m_tab = nullptr;
+
+    QString path(const QString& name) const { return m_home.path() + "/" + name; }
+
+    void open(const QString& name)
+    {
+        writeBytes(path(name), phoneImage());
+        m_window->openPhoneFile(path(name));
+    }
+
+    void importTranslation(const QString& text = kTranslation)
+    {
+        writeBytes(path("zh.csv"), text.toUtf8());
+        m_dialogs->files.push_back(path("zh.csv"));
+        m_tab->ImportTranslation->click();
+    }
+
+    QStringList cells(QTreeWidget* list, int index, int columns) const
+    {
+        const QTreeWidgetItem* item = list->topLevelItem(index);
+        QStringList shown;
+        if (!item) return {"no row", QString::number(index)};
+        for (int column = 0; column < columns; ++column) shown << item->text(column);
+        return shown;
+    }
+
+    QAction* action(const char* name) const { return m_window->findChild<QMenu*>("menufile4")->findChild<QAction*>(name); }
+
+private slots:
+    void init()
+    {
+        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        m_tab = m_window->findChild<StringsTab*>();
+    }
+    void cleanup() { m_window.reset(); }
+
+    void exportWritesEveryStringInTheChosenFormat()
+    {
+        open("phone.bin");
+        m_dialogs->files.push_back(path("menu.po"));
+        m_tab->ExportStrings->click();
+        QCOMPARE(m_dialogs->asked.size(), 1);
+        QVERIFY(m_dialogs->asked[0].endsWith("|PO files (*.po);;XLIFF files (*.xlf *.xliff);;CSV files (*.csv)|1"));
+        const QByteArray po = readBytes(path("menu.po"));
+        QVERIFY(po.contains("#. budget 8 bytes\nmsgctxt \"0x00000015 single\"\nmsgid \"Settings\"\nmsgstr \"\"\n"));
+        QVERIFY(po.contains(QString::fromUtf8("msgctxt \"0x00000029 handset\"\nmsgid \"设置\"").toUtf8()));
+        QCOMPARE(m_dialogs->messages.size(), size_t{1});
+        QCOMPARE(m_dialogs->messages[0].kind, MessageKind::Information);
+        QCOMPARE(m_dialogs->messages[0].text, "5 strings were written to " + path("menu.po") + ".");
+        QVERIFY(m_tab->ExportStrings->isEnabled());
+        QVERIFY(m_tab->ExportProgress->isHidden());
+        QVERIFY(m_tab->StopExport->isHidden());
+    }
+
+    void exportToCsvAndCancelledExport()
+    {
+        open("phone.bin");
+        m_dialogs->files.push_back("");
+        m_tab->ExportStrings->click();
+        QVERIFY(m_dialogs->messages.empty());
+        m_dialogs->files.push_back(path("menu.csv"));
+        m_tab->ExportStrings->click();
+        QCOMPARE(readBytes(path("menu.csv")), QByteArray("address,encoding,budget,source,target\r\n"
+                                                         "0x00000010,single,4,Menu,\r\n"
+                                                         "0x00000015,single,8,Settings,\r\n"
+                                                         "0x0000001E,single,4,Back,\r\n"
+                                                         "0x00000024,handset,4,OK,\r\n") +
+                                              QString::fromUtf8("0x00000029,handset,4,设置,\r\n").toUtf8());
+    }
+
+    void stopDuringALongExportWritesNothing()
+    {
+        // 3 MiB: the finder reports its progress every MiB, and pending events run then.
+        QByteArray image = phoneImage();
+        image.append(QByteArray(3 << 20, 'A'));
+        writeBytes(path("large.bin"), image);
+        m_window->openPhoneFile(path("large.bin"));
+        m_dialogs->files.push_back(path("large.po"));
+        bool barShown = false;
+        QTimer::singleShot(0, this, [this, &barShown] {
+            barShown = m_tab->ExportProgress->isVisibleTo(m_tab) && m_tab->StopExport->isVisibleTo(m_tab) &&
+                       !m_tab->ExportStrings->isEnabled() && !m_tab->ImportTranslation->isEnabled();
+            m_tab->StopExport->click();
+        });
+        m_tab->ExportStrings->click();
+        QVERIFY(barShown);
+        QVERIFY(!QFile::exists(path("large.po")));
+        QCOMPARE(m_dialogs->messages.back().text, QString("The export was stopped; nothing was written."));
+        QVERIFY(m_tab->ExportProgress->isHidden());
+        QVERIFY(m_tab->ExportStrings->isEnabled());
+        QVERIFY(m_tab->ImportTranslation->isEnabled());
+    }
+
+    void importAddsACheckedRowPerFittingEntryAndListsTheRest()
+    {
+        open("phone.bin");
+        importTranslation();
+        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 2);
+        QCOMPARE(cells(m_tab->ListView2, 0, 5), QStringList({"01", "00000010", "00000013", QString::fromUtf8("菜单"), "4"}));
+        QCOMPARE(cells(m_tab->ListView2, 1, 5), QStringList({"02", "00000024", "00000027", QString::fromUtf8("是 "), "2"}));
+        QCOMPARE(m_tab->ListView2->topLevelItem(1)->checkState(0), Qt::Checked);
+        QCOMPARE(m_tab->ListViewRefused->topLevelItemCount(), 1);
+        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
+                 QStringList({"0x00000015 single", "Settings", "Settings++", "over budget by 2 bytes"}));
+        QCOMPARE(m_dialogs->messages.back().text,
+                 "2 translations fit and were added to the edit list; 1 do not fit and are listed under it; "
+                 "1 entries are untranslated.");
+        QVERIFY(m_tab->SaveReport->isEnabled());
+        QVERIFY(action("outputStrS3")->isEnabled());
+    }
+
+    void importedRowsAreWrittenInTheirOwnEncodingsAndUndone()
+    {
+        open("phone.asf");
+        importTranslation();
+        // The list is written in single-byte codes; the handset row keeps its own.
+        m_tab->Option4->setChecked(true);
+        action("outputStraxf")->trigger();
+        QByteArray expected = phoneImage();
+        expected.replace(0x10, 4, "\xB2\xCB\xB5\xA5");
+        expected.replace(0x24, 4, "\x66\x2F\xA1\x20");
+        QCOMPARE(m_window->imageState().FirmwareImage, bytesOf(expected));
+        m_window->findChild<QAction*>("menuundo")->trigger();
+        QCOMPARE(m_window->imageState().FirmwareImage, bytesOf(phoneImage()));
+    }
+
+    void importedRowsLeaveAsOneSRecordPatch()
+    {
+        open("phone.bin");
+        importTranslation();
+        m_dialogs->files.push_back(path("zh.s3"));
+        action("outputStrS3")->trigger();
+        // 09 + 10 + B2 CB B5 A5 = 2F0 -> 0F; 09 + 24 + 66 2F A1 20 = 183 -> 7C.
+        QCOMPARE(readBytes(path("zh.s3")), QByteArray("S00600004844521B\r\n"
+                                                      "S30900000010B2CBB5A50F\r\n"
+                                                      "S30900000024662FA1207C\r\n"
+                                                      "S705A002000058\r\n"));
+    }
+
+    void reportIsSavedAsCsv()
+    {
+        open("phone.bin");
+        importTranslation();
+        m_dialogs->files.push_back(path("report.csv"));
+        m_tab->SaveReport->click();
+        QCOMPARE(QString::fromUtf8(readBytes(path("report.csv"))),
+                 QString::fromUtf8("address,encoding,source,translation,outcome\r\n"
+                                   "0x00000010,single,Menu,菜单,fits\r\n"
+                                   "0x00000015,single,Settings,Settings++,over budget by 2 bytes\r\n"
+                                   "0x00000024,handset,OK,是,fits\r\n"));
+        QCOMPARE(m_dialogs->messages.back().text, "The report was written to " + path("report.csv") + ".");
+    }
+
+    void everyOutcomeIsShownInTheRefusedList()
+    {
+        open("phone.bin");
+        importTranslation(QString::fromUtf8("address,encoding,source,target\r\n"
+                                            "0x00000024,handset,OK,\xEA\x84\xA3\r\n"
+                                            "0x0000001E,single,Bock,Zurueck\r\n"
+                                            "0x00100000,single,Far,Near\r\n"));
+        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4).last(), "character U+A123 not encodable");
+        QCOMPARE(cells(m_tab->ListViewRefused, 1, 4).last(), "stored text changed");
+        QCOMPARE(cells(m_tab->ListViewRefused, 2, 4).last(), "address outside the image");
+    }
+
+    void brokenTranslationFileIsNamedWithItsLine()
+    {
+        open("phone.bin");
+        importTranslation("address,encoding,source,target\r\n0x10,single,Menu,X\r\n");
+        QCOMPARE(m_dialogs->messages.size(), size_t{1});
+        QCOMPARE(m_dialogs->messages[0].text,
+                 path("zh.csv") + ", line 2: \"0x10 single\" is no entry key (\"0x\", eight hex digits, then single or handset)");
+        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+    }
+};
+
+QTEST_MAIN(StringsTranslateTabTest)
+#include "strings_translate_tab_test.moc"
