@@ -2,6 +2,7 @@
 // that no table lists yet.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "output_file.hpp"
 #include "phone_argument.hpp"
 
 #include "image/hex_text.hpp"
@@ -57,8 +58,10 @@ int runRender(const std::vector<std::string>& words, const Context& context)
     const ImageState state = openPhoneFile(file);
     try {
         // The very frame `picture` shows for a row of this address, size and depth.
-        if (!decodePreviewFrame(state.FirmwareImage, geometry, address, out, context.home + "/16.dat"))
-            throw std::runtime_error(std::string(kWrongFormatText) + " (depth " + std::to_string(geometry.depth) + ")");
+        writeOutputFile(out, [&](const std::string& path) {
+            if (!decodePreviewFrame(state.FirmwareImage, geometry, address, path, context.home + "/16.dat"))
+                throw std::runtime_error("depth " + std::to_string(geometry.depth) + " cannot be drawn");
+        });
     } catch (const std::exception& error) {
         throw std::runtime_error(where(file, address) + ": " + error.what());
     }

@@ -25,13 +25,11 @@ constexpr const char* kUsage =
     "import-picture FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] "
     "(-o OUT.s3 | --in-place)";
 
-std::string placeOf(const PictureEntry& row) { return "row " + row.number + " (" + row.name + ")"; }
-
 // One frame's picture read and encoded; every refusal names the row, frame and file.
 void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, const std::string& file,
                const ColourTable& colours)
 {
-    const std::string where = placeOf(row) + ", frame " + std::to_string(frame);
+    const std::string where = placeOf(row) + ", frame " + std::to_string(frame + 1);
     PictureGrid picture;
     try {
         picture = readPictureFile(file, colours);
@@ -58,7 +56,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     const std::string& phonePath = args.positional()[0];
     const std::string& tablePath = args.positional()[1];
     const long rowNumber = numberArgument(args.positional()[2], "ROW");
-    const std::int64_t onlyFrame = args.has("--frame") ? numberArgument(*args.value("--frame"), "--frame") : 0;
+    const std::int64_t frameNumber = frameNumberArgument(args);
 
     ImageState state = openPhoneFile(phonePath);
     if (args.has("--in-place") && state.FileKind != "asf")
@@ -84,7 +82,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     }
 
     if (args.has("--from")) {
-        importOne(import, row, onlyFrame, *args.value("--from"), colours);
+        importOne(import, row, frameIndexOfRow(frameNumber, row, geometry.frames), *args.value("--from"), colours);
     } else {
         std::string folder = *args.value("--from-folder");
         if (folder.empty() || folder.back() != '/') folder += '/';
@@ -95,7 +93,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
         for (std::int64_t frame = 0; frame < geometry.frames; ++frame) {
             const auto file = exportedFramePicture(folder, row.name, frame);
             if (!file)
-                throw std::runtime_error(placeOf(row) + ", frame " + std::to_string(frame) + ": " +
+                throw std::runtime_error(placeOf(row) + ", frame " + std::to_string(frame + 1) + ": " +
                                          pictureFramePath(folder, row.name, frame) + " (or .png) is missing");
             importOne(import, row, frame, *file, colours);
         }

@@ -82,8 +82,19 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
                                          std::to_string(rows.size()) + " tones found");
         }
     }
-    exportTones(state, rows, [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; },
-                *args.value("--to"));
+    const std::string picked = *args.value("--to");
+    auto isWanted = [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; };
+    std::size_t passed = 0;
+    try {
+        exportTones(state, rows, isWanted, picked, [&](std::size_t i) { passed = i + 1; });
+    } catch (const std::exception& error) {
+        // The export stopped at the first wanted row after the ones it passed.
+        std::size_t failed = passed;
+        while (failed < rows.size() && !isWanted(failed)) ++failed;
+        if (failed == rows.size()) throw;
+        throw std::runtime_error(std::string(error.what()) + "; nothing was written to " +
+                                 toneExportPath(picked, rows[failed].number));
+    }
     return 0;
 }
 

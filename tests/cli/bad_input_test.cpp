@@ -74,12 +74,17 @@ TEST(BadPlaces, ToneExportWhereNoFileCanBeMadeNamesTheFile)
     EXPECT_TRUE(failedWith(runCli(folder, {"export-tones", "image.bin", "--to", "/proc/ring.mmf"}), {"/proc/ring-001.mmf"}));
 }
 
-TEST(BadTables, LettersWhereNumbersBelongGiveTheWrongFormatMessage)
+TEST(BadTables, LettersWhereNumbersBelongGiveAnUndrawableDepth)
 {
     TempFolder folder;
-    const RunResult result = pictureWith(folder, pictureLine("000000QQ", "x", "y", "a*b", "zz"),
+    const RunResult result = pictureWith(folder, pictureLine("000000QQ", "1", "y", "a*b", "zz"),
                                          {"picture", "image.bin", "table.txt", "1", "-o", "out.bmp"});
-    EXPECT_TRUE(failedWith(result, {"错误的bmp文件格式", "row 001"}));
+    EXPECT_TRUE(failedWith(result, {"row 001", "cannot be drawn"}));
+    EXPECT_FALSE(exists(folder.path("out.bmp")));
+    // Letters for the frame count read as 0 frames: there is no frame 1 to draw.
+    const RunResult noFrames = pictureWith(folder, pictureLine("000000QQ", "x", "y", "a*b", "zz"),
+                                           {"picture", "image.bin", "table.txt", "1", "-o", "out.bmp"});
+    EXPECT_TRUE(failedWith(noFrames, {"row 001", "has 0 frames"}));
     EXPECT_FALSE(exists(folder.path("out.bmp")));
 }
 
