@@ -61,6 +61,8 @@ std::vector<Command> diffCommands()
     return {
         {"diff", kUsage + 5,
          "the regions where NEW differs from OLD (first, last, size); -o writes the patch that turns OLD into NEW",
+         "  --gap N         join regions with at most N equal bytes between them\n"
+         "  -o PATCH.s3     the patch that turns OLD into NEW\n",
          runDiff},
     };
 }

@@ -101,9 +101,19 @@ std::vector<Command> finderCommands()
 {
     return {
         {"render", "FILE --at HEX --depth D --width W --height H -o OUT.bmp",
-         "the bytes at an address drawn as a picture of that size and depth, the BMP the preview shows", runRender},
+         "the bytes at an address drawn as a picture of that size and depth, the BMP the preview shows",
+         "  --at HEX        the address of the first byte\n"
+         "  --depth D       bits a pixel: 1, 4, 8, 12, 16 or 24\n"
+         "  --width W       pixels a row\n"
+         "  --height H      rows\n"
+         "  -o OUT.bmp      the BMP file\n",
+         runRender},
         {"guess-width", "FILE --at HEX --depth D [--min N] [--max N]",
          "the five likeliest widths (default 8 to 320) of a picture at an address, best first: WIDTH SCORE",
+         "  --at HEX        the address of the picture\n"
+         "  --depth D       bits a pixel: 4, 8, 12, 16 or 24\n"
+         "  --min N         the narrowest width tried (default 8)\n"
+         "  --max N         the widest width tried (default 320, at most 2048)\n",
          runGuessWidth},
     };
 }

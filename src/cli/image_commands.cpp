@@ -167,13 +167,30 @@ int runApplyPatch(const std::vector<std::string>& words, const Context&)
 std::vector<Command> imageCommands()
 {
     return {
-        {"info", "FILE", "the phone file's kind, length and version text", runInfo},
+        {"info", "FILE", "the phone file's kind, length and version text", "", runInfo},
         {"s3-to-bin", "IN [--fill HH | --data-only] [--any-records] [-o OUT]",
-         "S-record to binary: the address space from 0 with gaps filled (fill FF), or the data only", runS3ToBin},
+         "S-record to binary: the address space from 0 with gaps filled (fill FF), or the data only",
+         "  --fill HH       the byte that fills the gaps between records (default FF)\n"
+         "  --data-only     the records' data one after another, addresses ignored\n"
+         "  --any-records   read S1, S2 and S3 records strictly, checksums included\n"
+         "  -o OUT          the binary file (default: IN named with .bin)\n",
+         runS3ToBin},
         {"bin-to-s3", "IN [--start HEX --end HEX] [--fill HH] [-o OUT]",
-         "binary to S-record: the whole file from address 0, or placed at a range (cut or filled)", runBinToS3},
-        {"fill-s3", "--start HEX --end HEX --fill HH -o OUT", "an S-record file of fill bytes only", runFillS3},
-        {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it", runApplyPatch},
+         "binary to S-record: the whole file from address 0, or placed at a range (cut or filled)",
+         "  --start HEX     the address of the first byte, with --end\n"
+         "  --end HEX       the last address (inclusive): the file is cut or filled to the range\n"
+         "  --fill HH       the byte that fills a range longer than the file (default FF)\n"
+         "  -o OUT          the S-record file (default: IN named with .s3)\n",
+         runBinToS3},
+        {"fill-s3", "--start HEX --end HEX --fill HH -o OUT", "an S-record file of fill bytes only",
+         "  --start HEX     the first address\n"
+         "  --end HEX       the last address (inclusive)\n"
+         "  --fill HH       the fill byte\n"
+         "  -o OUT          the S-record file\n",
+         runFillS3},
+        {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it",
+         "  -o OUT          the patched copy; records past IMAGE's end grow it (a gap reads FF)\n",
+         runApplyPatch},
     };
 }
 

@@ -113,6 +113,12 @@ std::vector<Command> importCommands()
          "FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] (-o OUT.s3 | --in-place)",
          "a picture (BMP, PNG) into frame K of a row, or every frame from DIR/NAME-NN.bmp: an S-record patch, or "
          "into an asf file",
+         "  --from PICTURE  a BMP or PNG for one frame\n"
+         "  --frame K       the frame it goes into, counting from 1 (default 1)\n"
+         "  --from-folder DIR  every frame from DIR/NAME-01.bmp, ... (or .png)\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.s3       an S-record patch\n"
+         "  --in-place      change an asf file itself\n",
          runImportPicture},
     };
 }

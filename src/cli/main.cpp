@@ -5,6 +5,7 @@
 
 #include "app/program_folder.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <set>
@@ -39,6 +40,18 @@ void printHelp(std::ostream& out)
            "              ~/.config/zevran/zevran.ini when installed\n"
            "  --help      this text\n"
            "  --version   the version\n";
+}
+
+// COMMAND --help (or -h) anywhere among a command's words asks for its own help.
+bool asksForHelp(const std::vector<std::string>& words)
+{
+    return std::any_of(words.begin() + 1, words.end(), [](const std::string& word) { return word == "--help" || word == "-h"; });
+}
+
+void printCommandHelp(std::ostream& out, const Command& command)
+{
+    out << "Usage: zevran-cli [--home DIR] " << command.name << " " << command.usage << "\n" << command.summary << "\n";
+    out << "\nOptions:\n" << command.options << "  -h, --help      this text\n";
 }
 
 // Commands that write one file (or change an "asf" file in place): every file is written
@@ -93,6 +106,10 @@ int main(int argc, char** argv)
         for (const Command& command : allCommands()) {
             if (command.name != words[0]) continue;
             commandName = command.name;
+            if (asksForHelp(words)) {
+                printCommandHelp(std::cout, command);
+                return 0;
+            }
             return command.run({words.begin() + 1, words.end()}, context);
         }
         throw zevran::cli::UsageError("unknown command \"" + words[0] + "\" (see zevran-cli --help)");

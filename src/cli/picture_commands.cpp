@@ -106,11 +106,22 @@ std::vector<Command> pictureCommands()
 {
     return {
         {"picture", "FILE TABLE ROW [--frame K] [--recompute-size] -o OUT.bmp",
-         "one frame of a picture table's row as a BMP, as the preview shows it", runPicture},
+         "one frame of a picture table's row as a BMP, as the preview shows it",
+         "  --frame K       the frame, counting from 1 (default 1)\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.bmp      the BMP file\n",
+         runPicture},
         {"export-pictures", "FILE TABLE --to DIR [--recompute-size]",
-         "every frame of every row as DIR/NAME-NN.bmp, as picture writes each", runExportPictures},
+         "every frame of every row as DIR/NAME-NN.bmp, as picture writes each",
+         "  --to DIR        the folder of the BMP files\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n",
+         runExportPictures},
         {"picture-patch", "FILE TABLE --rows 001,003 -o OUT.s3 [--recompute-size]",
-         "an S-record patch of the named rows, all their frames", runPicturePatch},
+         "an S-record patch of the named rows, all their frames",
+         "  --rows LIST     the rows, such as 001,003\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.s3       the S-record patch\n",
+         runPicturePatch},
     };
 }
 

@@ -104,9 +104,13 @@ std::vector<Command> toneCommands()
 {
     return {
         {"tones", "FILE [--details]",
-         "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)", runTones},
+         "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)",
+         "  --details       adds each tone's CRC state and title\n",
+         runTones},
         {"export-tones", "FILE --to PATH [--rows 001,004,...]",
          "writes tones as PATH less its last four characters + \"-NNN.mmf\" (all rows without --rows)",
+         "  --to PATH       the picked file name: PATH less its last four characters + -NNN.mmf\n"
+         "  --rows LIST     the rows to export, such as 001,004 (all without it)\n",
          runExportTones},
     };
 }
