@@ -12,6 +12,7 @@
 #include "pictures/picture_import.hpp"
 #include "pictures/picture_player.hpp"
 
+#include <iostream>
 #include <stdexcept>
 
 namespace zevran::cli {
@@ -25,7 +26,8 @@ constexpr const char* kUsage =
     "import-picture FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] "
     "(-o OUT.s3 | --in-place)";
 
-// One frame's picture read and encoded; every refusal names the row, frame and file.
+// One frame's picture read and encoded; every refusal names the row, frame and file,
+// and pixels the frame cannot hold are told on stderr while the import goes on.
 void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, const std::string& file,
                const ColourTable& colours)
 {
@@ -36,11 +38,17 @@ void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, c
     } catch (const PictureFileError& error) {
         throw std::runtime_error(where + ": " + error.what());
     }
+    std::int64_t unstored = 0;
     try {
-        import.importFrame(frame, picture);
+        unstored = import.importFrame(frame, picture);
     } catch (const PictureImportError& error) {
         throw std::runtime_error(where + ", " + file + ": " + error.what());
     }
+    if (unstored > 0)
+        std::cerr << "zevran-cli: " << where << ", " << file << ": " << unstored
+                  << (unstored == 1 ? " pixel" : " pixels")
+                  << " of the last column cannot be stored (a 4-bit row of odd width keeps no nibble for "
+                  << (unstored == 1 ? "it" : "them") << "); the import goes on\n";
 }
 
 int runImportPicture(const std::vector<std::string>& words, const Context& context)
@@ -82,7 +90,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     }
 
     if (args.has("--from")) {
-        importOne(import, row, frameIndexOfRow(frameNumber, row, geometry.frames), *args.value("--from"), colours);
+        importOne(import, row, frameNumber - 1, *args.value("--from"), colours);
     } else {
         std::string folder = *args.value("--from-folder");
         if (folder.empty() || folder.back() != '/') folder += '/';

@@ -121,7 +121,7 @@ TEST(ImportPictureCommand, FramesCountFromOneAndStopAtTheLast)
     EXPECT_NE(zero.err.find("frames count from 1"), std::string::npos) << zero.err;
     EXPECT_TRUE(failedWith(
         importPicture(folder, "image.bin", repeated(0x20, 0), table, {"--from", "new.bmp", "--frame", "4", "-o", "out.s3"}),
-        {"row 001 (dot) has 3 frames; there is no frame 4"}));
+        {"row 001 (dot), frame 4", "the row has 3 frames", "no frame 4"}));
     EXPECT_FALSE(exists(folder.path("out.s3")));
     // Without --frame the first frame takes the picture: 08 + 10 + 33 + 22 + 11 = 7E -> 81.
     ASSERT_TRUE(succeeded(
@@ -201,6 +201,24 @@ TEST(ImportPictureCommand, TwoColoursForOneNibbleAreRefusedNamingThePixels)
                                            {"--from", "odd.png", "-o", "out.s3"});
     EXPECT_TRUE(failedWith(result, {"row 001 (odd), frame 1, odd.png", "(4, 0)", "(0, 1)", "0x00000012"}));
     EXPECT_FALSE(exists(folder.path("out.s3")));
+}
+
+TEST(ImportPictureCommand, PixelsAnOddFourBitRowCannotHoldAreCountedAndTheImportGoesOn)
+{
+    TempFolder folder;
+    writeHome(folder);
+    // 3*2 at depth 4: one byte a row, so the third pixel of each row has no nibble. The
+    // shipped table's colour 0 is black: the white one is lost, the black one is not.
+    writePng(folder.path("odd.png"), 3, 2, {0x000000, 0x000000, 0xFFFFFF,  //
+                                            0x000000, 0x000000, 0x000000});
+    const RunResult result = importPicture(folder, "image.bin", repeated(0x20, 0x77),
+                                           tableLine("odd", "00000010", 1, 2, "3*2", 4),
+                                           {"--from", "odd.png", "-o", "out.s3"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "zevran-cli: row 001 (odd), frame 1, odd.png: 1 pixel of the last column cannot be stored "
+                          "(a 4-bit row of odd width keeps no nibble for it); the import goes on\n");
+    EXPECT_TRUE(exists(folder.path("out.s3")));
 }
 
 TEST(ImportPictureCommand, FramePastTheImagesEndIsRefused)
