@@ -3,6 +3,7 @@
 #include "cli_args.hpp"
 #include "command.hpp"
 #include "phone_argument.hpp"
+#include "picture_reader_process.hpp"
 #include "picture_rows.hpp"
 
 #include "image/file_io.hpp"
@@ -34,7 +35,7 @@ void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, c
     const std::string where = placeOf(row) + ", frame " + std::to_string(frame + 1);
     PictureGrid picture;
     try {
-        picture = readPictureFile(file, colours);
+        picture = readPictureThroughReader(file, colours);
     } catch (const PictureFileError& error) {
         throw std::runtime_error(where + ": " + error.what());
     }

@@ -100,3 +100,13 @@ TEST(CliUsage, HelpAfterTheArgumentsStillAnswersAndRunsNothing)
     EXPECT_NE(result.out.find("--data-only"), std::string::npos) << result.out;
     EXPECT_FALSE(exists(folder.path("out.bin")));
 }
+
+TEST(CliLinks, NoQtLibraryIsLoaded)
+{
+    // Only zevran-picture-reader, which import-picture runs, loads Qt's image readers.
+    TempFolder folder;
+    const RunResult result = runProgram(folder, "ldd", {ZEVRAN_CLI});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    ASSERT_NE(result.out.find("libc.so"), std::string::npos) << result.out;
+    EXPECT_EQ(result.out.find("libQt"), std::string::npos) << result.out;
+}
