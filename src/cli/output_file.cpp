@@ -2,6 +2,7 @@
 
 #include "image/temporary_output.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -19,10 +20,13 @@ bool isDeviceOrPipe(const std::string& output)
 }
 
 // A writer's message names the file it wrote, the temporary: the user knows the output.
-std::string namingTheOutput(std::string message, const std::string& temporary, const std::string& output)
+// The temporary is the target, the marker and six characters mkstemp chose (which it
+// writes into the name even when it fails).
+std::string namingTheOutput(std::string message, const std::string& target, const std::string& output)
 {
-    for (auto at = message.find(temporary); at != std::string::npos; at = message.find(temporary, at + output.size()))
-        message.replace(at, temporary.size(), output);
+    const std::string prefix = target + std::string(image::kSavingMarker);
+    for (auto at = message.find(prefix); at != std::string::npos; at = message.find(prefix, at + output.size()))
+        message.replace(at, std::min(prefix.size() + 6, message.size() - at), output);
     return message;
 }
 
@@ -41,16 +45,15 @@ void writeOutputFile(const std::string& output, const std::function<void(const s
         write(output);
         return;
     }
-    std::string temporaryPath;
+    const std::string target = linkTarget(output);
     try {
-        image::TemporaryOutput temporary(linkTarget(output), image::kSavingMarker);
-        temporaryPath = temporary.path();
-        write(temporaryPath);
+        image::TemporaryOutput temporary(target, image::kSavingMarker);
+        write(temporary.path());
         temporary.commit();
     } catch (const UsageError&) {
         throw;
     } catch (const std::exception& error) {
-        const std::string message = temporaryPath.empty() ? error.what() : namingTheOutput(error.what(), temporaryPath, output);
+        const std::string message = namingTheOutput(error.what(), target, output);
         throw std::runtime_error(message + "; nothing was written to " + output);
     }
 }
