@@ -1,4 +1,5 @@
-# The installed layout (cmake --install, the Debian package): programs in bin/, the
+# The installed layout (cmake --install, the Debian package): programs in bin/,
+# zevran-cli's picture reader in libexec/zevran/ (installed by src/pictures), the
 # shipped read-only data in share/zevran/, and what a Linux desktop looks for: the
 # desktop entry, AppStream metainfo, icons, manual pages and the shell completion.
 # Each user's settings and language files live in their XDG folders, made at run time.

@@ -45,7 +45,8 @@ _zevran_cli()
     if [[ $cur == -* ]]; then
         local usage options
         usage=$(sed -n "s/^  $command \\(.*\\)\$/\\1/p" <<<"$help")
-        options=$(tr ' []()|' '\n' <<<"$usage" | grep -- '^-' | sort -u)
+        # Every command also answers --help with its own usage and options.
+        options=$( (tr ' []()|' '\n' <<<"$usage"; echo --help) | grep -- '^-' | sort -u)
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
         return 0
     fi

@@ -15,6 +15,7 @@ struct Command {
     std::string name;
     std::string usage;    // arguments after the name
     std::string summary;  // one line for --help
+    std::string options;  // for COMMAND --help: one "  OPTION  what it does" line each, or ""
     int (*run)(const std::vector<std::string>& words, const Context& context);
 };
 

@@ -1,6 +1,7 @@
 // diff: where two phone files differ, and the patch that turns the first into the second.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "output_file.hpp"
 
 #include "image/file_io.hpp"
 #include "image/image_diff.hpp"
@@ -43,8 +44,10 @@ int runDiff(const std::vector<std::string>& words, const Context&)
     for (const DiffRange& range : ranges) lines += describeRange(range) + "\n";
     std::cout << lines << std::flush;
     if (output) {
-        if (writeDiffPatch(*output, newer, ranges))
+        if (!ranges.empty()) {
+            writeOutputFile(*output, [&](const std::string& path) { writeDiffPatch(path, newer, ranges); });
             return 0;
+        }
         std::cerr << "zevran-cli: " << olderPath << " and " << newerPath << " are equal; no patch written to " << *output
                   << "\n";
     }
@@ -58,6 +61,8 @@ std::vector<Command> diffCommands()
     return {
         {"diff", kUsage + 5,
          "the regions where NEW differs from OLD (first, last, size); -o writes the patch that turns OLD into NEW",
+         "  --gap N         join regions with at most N equal bytes between them\n"
+         "  -o PATCH.s3     the patch that turns OLD into NEW\n",
          runDiff},
     };
 }

@@ -2,6 +2,7 @@
 // that no table lists yet.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "output_file.hpp"
 #include "phone_argument.hpp"
 
 #include "image/hex_text.hpp"
@@ -57,8 +58,10 @@ int runRender(const std::vector<std::string>& words, const Context& context)
     const ImageState state = openPhoneFile(file);
     try {
         // The very frame `picture` shows for a row of this address, size and depth.
-        if (!decodePreviewFrame(state.FirmwareImage, geometry, address, out, context.home + "/16.dat"))
-            throw std::runtime_error(std::string(kWrongFormatText) + " (depth " + std::to_string(geometry.depth) + ")");
+        writeOutputFile(out, [&](const std::string& path) {
+            if (!decodePreviewFrame(state.FirmwareImage, geometry, address, path, context.home + "/16.dat"))
+                throw std::runtime_error("depth " + std::to_string(geometry.depth) + " cannot be drawn");
+        });
     } catch (const std::exception& error) {
         throw std::runtime_error(where(file, address) + ": " + error.what());
     }
@@ -98,9 +101,19 @@ std::vector<Command> finderCommands()
 {
     return {
         {"render", "FILE --at HEX --depth D --width W --height H -o OUT.bmp",
-         "the bytes at an address drawn as a picture of that size and depth, the BMP the preview shows", runRender},
+         "the bytes at an address drawn as a picture of that size and depth, the BMP the preview shows",
+         "  --at HEX        the address of the first byte\n"
+         "  --depth D       bits a pixel: 1, 4, 8, 12, 16 or 24\n"
+         "  --width W       pixels a row\n"
+         "  --height H      rows\n"
+         "  -o OUT.bmp      the BMP file\n",
+         runRender},
         {"guess-width", "FILE --at HEX --depth D [--min N] [--max N]",
          "the five likeliest widths (default 8 to 320) of a picture at an address, best first: WIDTH SCORE",
+         "  --at HEX        the address of the picture\n"
+         "  --depth D       bits a pixel: 4, 8, 12, 16 or 24\n"
+         "  --min N         the narrowest width tried (default 8)\n"
+         "  --max N         the widest width tried (default 320, at most 2048)\n",
          runGuessWidth},
     };
 }

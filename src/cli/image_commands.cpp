@@ -2,6 +2,7 @@
 // S-record converter from the command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "output_file.hpp"
 #include "phone_argument.hpp"
 
 #include "image/converter.hpp"
@@ -77,15 +78,16 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".bin"));
     std::ifstream in = openInputFile(input);
     refuseSameFile(input, output);
-    std::ofstream out = openOutputFile(output);
-    SRecordToBinary converter(in, out, options);
-    try {
-        withOutputName(output, [&] { converter.convertAll(); });
-    } catch (const SRecordError& error) {
-        out.close();
-        throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");
-    }
-    closeOutputFile(out, output);
+    writeOutputFile(output, [&](const std::string& path) {
+        std::ofstream out = openOutputFile(path);
+        SRecordToBinary converter(in, out, options);
+        try {
+            withOutputName(path, [&] { converter.convertAll(); });
+        } catch (const SRecordError& error) {
+            throw std::runtime_error(input + ": " + error.what());
+        }
+        closeOutputFile(out, path);
+    });
     return 0;
 }
 
@@ -108,9 +110,11 @@ int runBinToS3(const std::vector<std::string>& words, const Context&)
         end = wholeFileLastAddress(input);
     }
     refuseSameFile(input, output);
-    std::ofstream out = openOutputFile(output);
-    withOutputName(output, [&] { binaryToSRecord(&in, out, start, end, fill); });
-    closeOutputFile(out, output);
+    writeOutputFile(output, [&](const std::string& path) {
+        std::ofstream out = openOutputFile(path);
+        withOutputName(path, [&] { binaryToSRecord(&in, out, start, end, fill); });
+        closeOutputFile(out, path);
+    });
     return 0;
 }
 
@@ -125,9 +129,11 @@ int runFillS3(const std::vector<std::string>& words, const Context&)
     if (end <= start) throw std::runtime_error("the end address must lie above the start address");
     const std::uint8_t fill = fillArgument(args.value("--fill"));
     const std::string output = *args.value("-o");
-    std::ofstream out = openOutputFile(output);
-    withOutputName(output, [&] { binaryToSRecord(nullptr, out, start, end, fill); });
-    closeOutputFile(out, output);
+    writeOutputFile(output, [&](const std::string& path) {
+        std::ofstream out = openOutputFile(path);
+        withOutputName(path, [&] { binaryToSRecord(nullptr, out, start, end, fill); });
+        closeOutputFile(out, path);
+    });
     return 0;
 }
 
@@ -141,13 +147,18 @@ int runApplyPatch(const std::vector<std::string>& words, const Context&)
     const std::string output = *args.value("-o");
     refuseSameFile(imagePath, output);
     std::vector<std::uint8_t> image = readWholeFile(imagePath);
+    const std::size_t imageLength = image.size();
     std::ifstream patch = openInputFile(patchPath);
     try {
-        applySRecordPatch(image, patch);
+        // A patch that diff wrote for a longer image brings that image's tail.
+        applySRecordPatch(image, patch, PatchGrowth::GrowWithFF);
     } catch (const SRecordError& error) {
-        throw std::runtime_error(patchPath + ": " + error.what() + "; " + output + " was not written");
+        throw std::runtime_error(patchPath + ": " + error.what() + "; nothing was written to " + output);
     }
-    saveFileSafely(output, image);
+    writeOutputFile(output, [&](const std::string& path) { saveFileSafely(path, image); });
+    if (image.size() > imageLength)
+        std::cerr << "zevran-cli: " << patchPath << " reaches past the end of " << imagePath << ": " << output
+                  << " grew from " << imageLength << " to " << image.size() << " bytes\n";
     return 0;
 }
 
@@ -156,13 +167,30 @@ int runApplyPatch(const std::vector<std::string>& words, const Context&)
 std::vector<Command> imageCommands()
 {
     return {
-        {"info", "FILE", "the phone file's kind, length and version text", runInfo},
+        {"info", "FILE", "the phone file's kind, length and version text", "", runInfo},
         {"s3-to-bin", "IN [--fill HH | --data-only] [--any-records] [-o OUT]",
-         "S-record to binary: the address space from 0 with gaps filled (fill FF), or the data only", runS3ToBin},
+         "S-record to binary: the address space from 0 with gaps filled (fill FF), or the data only",
+         "  --fill HH       the byte that fills the gaps between records (default FF)\n"
+         "  --data-only     the records' data one after another, addresses ignored\n"
+         "  --any-records   read S1, S2 and S3 records strictly, checksums included\n"
+         "  -o OUT          the binary file (default: IN named with .bin)\n",
+         runS3ToBin},
         {"bin-to-s3", "IN [--start HEX --end HEX] [--fill HH] [-o OUT]",
-         "binary to S-record: the whole file from address 0, or placed at a range (cut or filled)", runBinToS3},
-        {"fill-s3", "--start HEX --end HEX --fill HH -o OUT", "an S-record file of fill bytes only", runFillS3},
-        {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it", runApplyPatch},
+         "binary to S-record: the whole file from address 0, or placed at a range (cut or filled)",
+         "  --start HEX     the address of the first byte, with --end\n"
+         "  --end HEX       the last address (inclusive): the file is cut or filled to the range\n"
+         "  --fill HH       the byte that fills a range longer than the file (default FF)\n"
+         "  -o OUT          the S-record file (default: IN named with .s3)\n",
+         runBinToS3},
+        {"fill-s3", "--start HEX --end HEX --fill HH -o OUT", "an S-record file of fill bytes only",
+         "  --start HEX     the first address\n"
+         "  --end HEX       the last address (inclusive)\n"
+         "  --fill HH       the fill byte\n"
+         "  -o OUT          the S-record file\n",
+         runFillS3},
+        {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it",
+         "  -o OUT          the patched copy; records past IMAGE's end grow it (a gap reads FF)\n",
+         runApplyPatch},
     };
 }
 

@@ -3,6 +3,7 @@
 #include "cli_args.hpp"
 #include "command.hpp"
 #include "phone_argument.hpp"
+#include "picture_reader_process.hpp"
 #include "picture_rows.hpp"
 
 #include "image/file_io.hpp"
@@ -12,6 +13,7 @@
 #include "pictures/picture_import.hpp"
 #include "pictures/picture_player.hpp"
 
+#include <iostream>
 #include <stdexcept>
 
 namespace zevran::cli {
@@ -25,24 +27,29 @@ constexpr const char* kUsage =
     "import-picture FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] "
     "(-o OUT.s3 | --in-place)";
 
-std::string placeOf(const PictureEntry& row) { return "row " + row.number + " (" + row.name + ")"; }
-
-// One frame's picture read and encoded; every refusal names the row, frame and file.
+// One frame's picture read and encoded; every refusal names the row, frame and file,
+// and pixels the frame cannot hold are told on stderr while the import goes on.
 void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, const std::string& file,
                const ColourTable& colours)
 {
-    const std::string where = placeOf(row) + ", frame " + std::to_string(frame);
+    const std::string where = placeOf(row) + ", frame " + std::to_string(frame + 1);
     PictureGrid picture;
     try {
-        picture = readPictureFile(file, colours);
+        picture = readPictureThroughReader(file, colours);
     } catch (const PictureFileError& error) {
         throw std::runtime_error(where + ": " + error.what());
     }
+    std::int64_t unstored = 0;
     try {
-        import.importFrame(frame, picture);
+        unstored = import.importFrame(frame, picture);
     } catch (const PictureImportError& error) {
         throw std::runtime_error(where + ", " + file + ": " + error.what());
     }
+    if (unstored > 0)
+        std::cerr << "zevran-cli: " << where << ", " << file << ": " << unstored
+                  << (unstored == 1 ? " pixel" : " pixels")
+                  << " of the last column cannot be stored (a 4-bit row of odd width keeps no nibble for "
+                  << (unstored == 1 ? "it" : "them") << "); the import goes on\n";
 }
 
 int runImportPicture(const std::vector<std::string>& words, const Context& context)
@@ -58,7 +65,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     const std::string& phonePath = args.positional()[0];
     const std::string& tablePath = args.positional()[1];
     const long rowNumber = numberArgument(args.positional()[2], "ROW");
-    const std::int64_t onlyFrame = args.has("--frame") ? numberArgument(*args.value("--frame"), "--frame") : 0;
+    const std::int64_t frameNumber = frameNumberArgument(args);
 
     ImageState state = openPhoneFile(phonePath);
     if (args.has("--in-place") && state.FileKind != "asf")
@@ -84,7 +91,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     }
 
     if (args.has("--from")) {
-        importOne(import, row, onlyFrame, *args.value("--from"), colours);
+        importOne(import, row, frameNumber - 1, *args.value("--from"), colours);
     } else {
         std::string folder = *args.value("--from-folder");
         if (folder.empty() || folder.back() != '/') folder += '/';
@@ -95,7 +102,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
         for (std::int64_t frame = 0; frame < geometry.frames; ++frame) {
             const auto file = exportedFramePicture(folder, row.name, frame);
             if (!file)
-                throw std::runtime_error(placeOf(row) + ", frame " + std::to_string(frame) + ": " +
+                throw std::runtime_error(placeOf(row) + ", frame " + std::to_string(frame + 1) + ": " +
                                          pictureFramePath(folder, row.name, frame) + " (or .png) is missing");
             importOne(import, row, frame, *file, colours);
         }
@@ -115,6 +122,12 @@ std::vector<Command> importCommands()
          "FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] (-o OUT.s3 | --in-place)",
          "a picture (BMP, PNG) into frame K of a row, or every frame from DIR/NAME-NN.bmp: an S-record patch, or "
          "into an asf file",
+         "  --from PICTURE  a BMP or PNG for one frame\n"
+         "  --frame K       the frame it goes into, counting from 1 (default 1)\n"
+         "  --from-folder DIR  every frame from DIR/NAME-01.bmp, ... (or .png)\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.s3       an S-record patch\n"
+         "  --in-place      change an asf file itself\n",
          runImportPicture},
     };
 }

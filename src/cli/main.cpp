@@ -5,8 +5,10 @@
 
 #include "app/program_folder.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <set>
 
 namespace {
 
@@ -41,6 +43,35 @@ void printHelp(std::ostream& out)
            "  --version   the version\n";
 }
 
+// COMMAND --help (or -h) anywhere among a command's words asks for its own help.
+bool asksForHelp(const std::vector<std::string>& words)
+{
+    return std::any_of(words.begin() + 1, words.end(), [](const std::string& word) { return word == "--help" || word == "-h"; });
+}
+
+void printCommandHelp(std::ostream& out, const Command& command)
+{
+    out << "Usage: zevran-cli [--home DIR] " << command.name << " " << command.usage << "\n" << command.summary << "\n";
+    out << "\nOptions:\n" << command.options << "  -h, --help      this text\n";
+}
+
+// Commands that write one file (or change an "asf" file in place): every file is written
+// through a temporary and renamed at the end, so a failure, wherever it happens, has
+// written nothing, and the message says so.
+bool failureWroteNothing(const std::string& command)
+{
+    static const std::set<std::string> oneOutput = {"s3-to-bin", "bin-to-s3", "fill-s3",       "apply-patch",
+                                                    "patch-strings", "picture", "picture-patch", "render",
+                                                    "import-picture", "diff"};
+    return oneOutput.count(command) > 0;
+}
+
+std::string failureText(const std::string& command, const std::string& what)
+{
+    if (!failureWroteNothing(command) || what.find("nothing was written") != std::string::npos) return what;
+    return what + "; nothing was written";
+}
+
 // --home, ZEVRAN_HOME, a portable folder or the installed layout, as the window finds them.
 zevran::cli::Context contextFor(const std::string& homeOption, const char* argv0)
 {
@@ -57,6 +88,7 @@ zevran::cli::Context contextFor(const std::string& homeOption, const char* argv0
 int main(int argc, char** argv)
 {
     std::vector<std::string> words(argv + 1, argv + argc);
+    std::string commandName;
     try {
         std::string homeOption;
         if (words.size() >= 2 && words[0] == "--home") {
@@ -73,14 +105,20 @@ int main(int argc, char** argv)
             return words.empty() ? 2 : 0;
         }
         for (const Command& command : allCommands()) {
-            if (command.name == words[0]) return command.run({words.begin() + 1, words.end()}, context);
+            if (command.name != words[0]) continue;
+            commandName = command.name;
+            if (asksForHelp(words)) {
+                printCommandHelp(std::cout, command);
+                return 0;
+            }
+            return command.run({words.begin() + 1, words.end()}, context);
         }
         throw zevran::cli::UsageError("unknown command \"" + words[0] + "\" (see zevran-cli --help)");
     } catch (const zevran::cli::UsageError& error) {
         std::cerr << "zevran-cli: " << error.what() << "\n";
         return 2;
     } catch (const std::exception& error) {
-        std::cerr << "zevran-cli: " << error.what() << "\n";
+        std::cerr << "zevran-cli: " << failureText(commandName, error.what()) << "\n";
         return 1;
     }
 }

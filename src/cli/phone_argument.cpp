@@ -1,6 +1,7 @@
 #include "phone_argument.hpp"
 
 #include "command.hpp"
+#include "output_file.hpp"
 
 #include "app/profile_file.hpp"
 #include "image/phone_file.hpp"
@@ -41,7 +42,9 @@ std::string codePageOf(const Context& context)
 void writeEdits(const Arguments& args, image::ImageState& state, const std::vector<image::Region>& regions)
 {
     if (args.has("-o")) {
-        image::writeSRecordPatch(*args.value("-o"), regions);
+        // No regions write no patch, as before.
+        if (!regions.empty())
+            writeOutputFile(*args.value("-o"), [&](const std::string& path) { image::writeSRecordPatch(path, regions); });
     } else {
         image::patchImage(state, regions);
         image::Saveaxf(state);

@@ -1,6 +1,7 @@
 // picture, export-pictures and picture-patch: the picture tab's jobs from the command line.
 #include "cli_args.hpp"
 #include "command.hpp"
+#include "output_file.hpp"
 #include "phone_argument.hpp"
 #include "picture_rows.hpp"
 
@@ -24,16 +25,25 @@ namespace {
 using namespace zevran::image;
 using namespace zevran::pictures;
 
-// Decodes one frame as the preview does: depth 1 through the mono display memory.
-bool decodeFrame(const ImageState& state, const PictureEntry& row, std::int64_t frame, const std::string& path,
-                 const Context& context, bool monoAllowed)
+// A depth the preview cannot draw, said in English (the window shows its fixed text).
+std::string undrawableDepth(const PictureEntry& row)
+{
+    return placeOf(row) + ": depth " + row.depth + " cannot be drawn (depths 1, 4, 8, 12, 16 and 24 can)";
+}
+
+// Decodes frame `index` (from 0) as the preview does, depth 1 through the mono display
+// memory, into a file written through a temporary beside it; false for a depth that
+// cannot be drawn, and then nothing is written.
+bool writeFrame(const ImageState& state, const PictureEntry& row, std::int64_t index, const std::string& output,
+                const Context& context)
 {
     const FrameGeometry geometry = frameGeometry(row);
-    const std::int64_t address = frameAddress(geometry, frame);
-    const std::string colourTable = context.home + "/16.dat";
-    if (monoAllowed) return decodePreviewFrame(state.FirmwareImage, geometry, address, path, colourTable);
-    return DecodePictureFrame(state.FirmwareImage, address, path, geometry.width, geometry.height, geometry.depth,
-                              coloursForDepth(geometry.depth, colourTable));
+    const std::int64_t address = frameAddress(geometry, index);
+    if (bmpBitsPerPixel(geometry.depth) == 0) return false;
+    writeOutputFile(output, [&](const std::string& path) {
+        decodePreviewFrame(state.FirmwareImage, geometry, address, path, context.home + "/16.dat");
+    });
+    return true;
 }
 
 int runPicture(const std::vector<std::string>& words, const Context& context)
@@ -41,12 +51,12 @@ int runPicture(const std::vector<std::string>& words, const Context& context)
     Arguments args(words, {"--frame", "-o"}, {"--recompute-size"});
     args.expectPositional(3, "picture FILE TABLE ROW [--frame K] [--recompute-size] -o OUT.bmp");
     if (!args.has("-o")) throw UsageError("picture needs -o OUT.bmp");
+    const std::int64_t frameNumber = frameNumberArgument(args);
     const ImageState state = openPhoneFile(args.positional()[0]);
     const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const PictureEntry& row = pictureRow(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
-    const std::int64_t frame = args.has("--frame") ? numberArgument(*args.value("--frame"), "--frame") : 0;
-    if (!decodeFrame(state, row, frame, *args.value("-o"), context, true))
-        throw std::runtime_error(std::string(kWrongFormatText) + " (row " + row.number + ", depth " + row.depth + ")");
+    const std::int64_t index = frameIndexOfRow(frameNumber, row, frameGeometry(row).frames);
+    if (!writeFrame(state, row, index, *args.value("-o"), context)) throw std::runtime_error(undrawableDepth(row));
     return 0;
 }
 
@@ -61,12 +71,10 @@ int runExportPictures(const std::vector<std::string>& words, const Context& cont
     for (const PictureEntry& row : openPictureTable(args.positional()[1], args.has("--recompute-size"))) {
         const FrameGeometry geometry = frameGeometry(row);
         bool refused = false;
+        // Each frame as `picture` writes it, mono pictures too, so every export imports back.
         for (std::int64_t j = 0; j < geometry.frames && !refused; ++j)
-            refused = !decodeFrame(state, row, j, pictureFramePath(folder, row.name, j), context, false);
-        // The export writes BMPs only for the depths it converts; mono pictures are previewed.
-        if (refused)
-            std::cerr << "zevran-cli: row " << row.number << " (" << row.name << "): " << kWrongFormatText
-                      << ", depth " << row.depth << " is not exported\n";
+            refused = !writeFrame(state, row, j, pictureFramePath(folder, row.name, j), context);
+        if (refused) std::cerr << "zevran-cli: " << undrawableDepth(row) << "; the row is not exported\n";
     }
     return 0;
 }
@@ -88,7 +96,7 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
         else std::cerr << "zevran-cli: row " << row.number << " (" << row.name << ") holds no bytes and is skipped\n";
     }
     if (regions.empty()) throw std::runtime_error("none of the rows holds any bytes; no patch was written");
-    writeSRecordPatch(*args.value("-o"), regions);
+    writeOutputFile(*args.value("-o"), [&](const std::string& path) { writeSRecordPatch(path, regions); });
     return 0;
 }
 
@@ -98,11 +106,22 @@ std::vector<Command> pictureCommands()
 {
     return {
         {"picture", "FILE TABLE ROW [--frame K] [--recompute-size] -o OUT.bmp",
-         "one frame of a picture table's row as a BMP, as the preview shows it", runPicture},
+         "one frame of a picture table's row as a BMP, as the preview shows it",
+         "  --frame K       the frame, counting from 1 (default 1)\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.bmp      the BMP file\n",
+         runPicture},
         {"export-pictures", "FILE TABLE --to DIR [--recompute-size]",
-         "every frame of every row as DIR/NAME-NN.bmp; mono rows are refused", runExportPictures},
+         "every frame of every row as DIR/NAME-NN.bmp, as picture writes each",
+         "  --to DIR        the folder of the BMP files\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n",
+         runExportPictures},
         {"picture-patch", "FILE TABLE --rows 001,003 -o OUT.s3 [--recompute-size]",
-         "an S-record patch of the named rows, all their frames", runPicturePatch},
+         "an S-record patch of the named rows, all their frames",
+         "  --rows LIST     the rows, such as 001,003\n"
+         "  --recompute-size  the frame size from width, height and depth, not the table's\n"
+         "  -o OUT.s3       the S-record patch\n",
+         runPicturePatch},
     };
 }
 

@@ -111,9 +111,15 @@ std::vector<Command> stringCommands()
 {
     return {
         {"find-text", "FILE TEXT [--handset-codes] [--all]",
-         "start, end and length of the first stored string holding TEXT (every one with --all)", runFindText},
+         "start, end and length of the first stored string holding TEXT (every one with --all)",
+         "  --handset-codes search in the handset's two-byte codes instead of the code page\n"
+         "  --all           every stored string holding TEXT, not only the first\n",
+         runFindText},
         {"patch-strings", "FILE PLAN (-o OUT.s3 | --in-place) [--handset-codes]",
          "applies a plan of \"START END TEXT\" lines: an S-record patch for a bin file, in place for an asf file",
+         "  -o OUT.s3       the S-record patch (a bin file)\n"
+         "  --in-place      change an asf file itself\n"
+         "  --handset-codes write the texts in the handset's two-byte codes\n",
          runPatchStrings},
     };
 }

@@ -82,8 +82,19 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
                                          std::to_string(rows.size()) + " tones found");
         }
     }
-    exportTones(state, rows, [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; },
-                *args.value("--to"));
+    const std::string picked = *args.value("--to");
+    auto isWanted = [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; };
+    std::size_t passed = 0;
+    try {
+        exportTones(state, rows, isWanted, picked, [&](std::size_t i) { passed = i + 1; });
+    } catch (const std::exception& error) {
+        // The export stopped at the first wanted row after the ones it passed.
+        std::size_t failed = passed;
+        while (failed < rows.size() && !isWanted(failed)) ++failed;
+        if (failed == rows.size()) throw;
+        throw std::runtime_error(std::string(error.what()) + "; nothing was written to " +
+                                 toneExportPath(picked, rows[failed].number));
+    }
     return 0;
 }
 
@@ -93,9 +104,13 @@ std::vector<Command> toneCommands()
 {
     return {
         {"tones", "FILE [--details]",
-         "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)", runTones},
+         "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)",
+         "  --details       adds each tone's CRC state and title\n",
+         runTones},
         {"export-tones", "FILE --to PATH [--rows 001,004,...]",
          "writes tones as PATH less its last four characters + \"-NNN.mmf\" (all rows without --rows)",
+         "  --to PATH       the picked file name: PATH less its last four characters + -NNN.mmf\n"
+         "  --rows LIST     the rows to export, such as 001,004 (all without it)\n",
          runExportTones},
     };
 }

@@ -117,10 +117,17 @@ std::vector<Command> translateCommands()
     return {
         {"export-strings", "FILE -o OUT.po|OUT.xlf|OUT.csv [--codes single|handset|both] [--min-bytes N]",
          "every stored string with its address and byte budget, as a PO, XLIFF or CSV file for translators",
+         "  -o OUT          the translation file; its suffix (.po, .xlf, .csv) chooses the format\n"
+         "  --codes WHICH   single, handset or both (the default): the encodings listed\n"
+         "  --min-bytes N   the shortest string listed, in bytes (4 without it)\n",
          runExportStrings},
         {"import-strings", "FILE TRANSLATION (-o OUT.s3 | --in-place) [--partial] [--report R.csv]",
          "the translations of a PO, XLIFF or CSV file as one patch; nothing is written unless every one fits "
          "(--partial writes the fitting ones)",
+         "  -o OUT.s3       the S-record patch of a \"bin\" file\n"
+         "  --in-place      changes an \"asf\" file, through a temporary file and a rename\n"
+         "  --partial       writes the translations that fit and reports the others\n"
+         "  --report R.csv  every translated entry's outcome as CSV\n",
          runImportStrings},
     };
 }

@@ -45,7 +45,7 @@ void Saveaxf(const ImageState& state)
     saveFileSafely(state.FirmwarePath, state.FirmwareImage);
 }
 
-void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
+void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch, PatchGrowth growth)
 {
     LineSplitter lines;
     SRecordData record;
@@ -53,7 +53,15 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch)
     auto layOver = [&](std::string_view line) {
         readStrictRecord(line, ++lineNumber, record);
         if (!record.isData) return;
-        if (std::uint64_t{record.address} + record.bytes.size() > image.size())
+        const std::uint64_t end = std::uint64_t{record.address} + record.bytes.size();
+        if (growth == PatchGrowth::GrowWithFF && end > image.size()) {
+            if (end > kLargestGrownImage)
+                throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
+                                                   std::to_string(record.bytes.size()) +
+                                                   " bytes would grow the image to 2 GiB or more");
+            image.resize(static_cast<std::size_t>(end), 0xFF);
+        }
+        if (end > image.size())
             throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
                                                std::to_string(record.bytes.size()) +
                                                " bytes reaches past the image's end (" + std::to_string(image.size()) +

@@ -28,11 +28,22 @@ void writeSRecordPatch(const std::string& path, const std::vector<Region>& regio
 // bytes before that point stay patched.
 bool patchImage(ImageState& state, const std::vector<Region>& regions);
 
+// What a record reaching past the image's end does.
+enum class PatchGrowth {
+    Refuse,      // the image keeps its length, as the handset's memory does
+    GrowWithFF,  // the image grows to hold it, a gap before it reading FF as erased flash
+};
+
+// Images stay below 2 GiB (offsets are signed 32-bit): no record grows one further.
+inline constexpr std::uint64_t kLargestGrownImage = 0x7FFFFFFF;
+
 // Lays every data record of an S-record patch over the image, as flashing it over the
 // handset's memory would, reading any record type strictly (checksums included).
-// Throws SRecordError naming the line of a bad record or of one that reaches past the
-// image's end; the records before it are laid over already.
-void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch);
+// Throws SRecordError naming the line of a bad record, or of one that reaches past the
+// image's end (Refuse) or past kLargestGrownImage bytes (GrowWithFF); the records
+// before it are laid over already.
+void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch,
+                       PatchGrowth growth = PatchGrowth::Refuse);
 
 // Writes the whole image back over its phone file through a temporary file, so the
 // phone file is either the old one or the new one, never a mix. A phone file whose

@@ -129,6 +129,8 @@ std::string englishText(ImportRefusal reason, const std::vector<std::string>& v)
     case ImportRefusal::Clash:
         return "pixels " + at(0) + " and " + at(1) + " show the same bits of the image byte at " + at(2) +
                " but differ in colour";
+    case ImportRefusal::NoSuchFrame:
+        return "the row has " + at(1) + " frames, counted from 1; there is no frame " + at(0) + " to import into";
     }
     return "the picture cannot be imported";
 }
@@ -291,6 +293,12 @@ std::optional<ShownBytes> shownImageBytes(const FrameLayout& frame)
 image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& frame,
                                  std::span<const std::uint8_t> image, const ColourTable& colours)
 {
+    return encodePictureFrameCounted(picture, frame, image, colours).region;
+}
+
+EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLayout& frame,
+                                       std::span<const std::uint8_t> image, const ColourTable& colours)
+{
     checkLayout(frame);
     if (picture.width != frame.width || picture.height != frame.height)
         throw PictureImportError(ImportRefusal::PictureSize,
@@ -335,7 +343,7 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
     // a row: written straight, no pixel can clash with another.
     if (frame.depth != 4 && frame.depth != 1) {
         writeWholeBytes(picture, frame, region);
-        return region;
+        return {std::move(region), 0};
     }
     // So does depth 4 at an even width: every byte holds two pixels of one row.
     if (frame.depth == 4 && frame.width % 2 == 0) {
@@ -347,9 +355,10 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
                 *out++ = static_cast<std::uint8_t>(codeOf(pixel) << 4 | codeOf(pixel + 1));
             }
         }
-        return region;
+        return {std::move(region), 0};
     }
     std::vector<std::uint8_t> written(length, 0);
+    std::vector<bool> stored(static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height), false);
     const std::int64_t first = range->first;
     std::int64_t clashPixel = -1, clashIndex = 0;
     std::uint8_t clashMask = 0;
@@ -364,6 +373,7 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
         }
         byte = static_cast<std::uint8_t>((byte & ~mask) | (value & mask));
         written[at] |= mask;
+        stored[static_cast<std::size_t>(pixel)] = true;
     });
     if (clashPixel >= 0) {
         // The pixel that set those bits first.
@@ -377,7 +387,13 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
         };
         throw PictureImportError(ImportRefusal::Clash, {place(earlier), place(clashPixel), addressText(clashIndex)});
     }
-    return region;
+    // A pixel no bit holds shows in colour 0 (the preview's zero padding); only one of
+    // another colour is lost. The display memory holds every pixel of a mono picture.
+    std::int64_t unstored = 0;
+    if (frame.depth == 4)
+        for (std::size_t pixel = 0; pixel < stored.size(); ++pixel)
+            if (!stored[pixel] && codeOf(static_cast<std::int64_t>(pixel)) != 0) ++unstored;
+    return {std::move(region), unstored};
 }
 
 }  // namespace zevran::pictures

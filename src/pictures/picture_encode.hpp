@@ -46,6 +46,7 @@ enum class ImportRefusal {
     NoBytes,      // %1 the frame's size
     PastEnd,      // %1 first address, %2 last address, %3 the image's size in bytes
     Clash,        // %1 and %2 the two pixels "(x, y)", %3 the image byte's address
+    NoSuchFrame,  // %1 the frame asked for (from 1), %2 the row's frame count
 };
 class PictureImportError : public std::runtime_error {
 public:
@@ -74,6 +75,16 @@ std::optional<ShownBytes> shownImageBytes(const FrameLayout& frame);
 // image bit in different colours (4-bit pictures of odd width).
 image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& frame,
                                  std::span<const std::uint8_t> image, const ColourTable& colours);
+
+// The region, and how many pixels of the picture no image bit can hold: a 4-bit row
+// of odd width may keep no nibble for its last pixel, which the preview then shows in
+// colour 0. Such a pixel of another colour is lost, and counted; the import goes on.
+struct EncodedFrame {
+    image::Region region;
+    std::int64_t unstoredPixels = 0;
+};
+EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLayout& frame,
+                                       std::span<const std::uint8_t> image, const ColourTable& colours);
 
 // The colour rules, one pixel at a time: each channel keeps its high bits.
 std::uint16_t depth16Word(std::uint8_t red, std::uint8_t green, std::uint8_t blue);   // R5 G6 B5

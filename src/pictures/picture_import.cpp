@@ -35,12 +35,20 @@ FrameLayout RowImport::layoutOf(std::int64_t frame) const
     return {frameAddress(m_geometry, frame), m_geometry.width, m_geometry.height, m_geometry.depth};
 }
 
-void RowImport::importFrame(std::int64_t frame, const PictureGrid& picture)
+void requireFrameOfRow(const FrameGeometry& geometry, std::int64_t frame)
 {
+    if (frame < 0 || frame >= geometry.frames)
+        throw PictureImportError(ImportRefusal::NoSuchFrame, {std::to_string(frame + 1), std::to_string(geometry.frames)});
+}
+
+std::int64_t RowImport::importFrame(std::int64_t frame, const PictureGrid& picture)
+{
+    requireFrameOfRow(m_geometry, frame);
     const FrameLayout layout = layoutOf(frame);
     // Every check, against the image as it is: which pixels clash and which bytes are
     // shown do not depend on what the frames before left in the image.
-    image::Region region = encodePictureFrame(picture, layout, m_image, m_colours);
+    EncodedFrame encoded = encodePictureFrameCounted(picture, layout, m_image, m_colours);
+    image::Region& region = encoded.region;
     const bool shared = std::any_of(m_regions.begin(), m_regions.end(),
                                     [&](const image::Region& earlier) { return overlaps(earlier, region.first, region.last); });
     if (shared) {
@@ -55,6 +63,8 @@ void RowImport::importFrame(std::int64_t frame, const PictureGrid& picture)
         region.bytes = encodePictureFrame(picture, shifted, bytes, m_colours).bytes;
     }
     m_regions.push_back(std::move(region));
+    m_unstoredPixels += encoded.unstoredPixels;
+    return encoded.unstoredPixels;
 }
 
 std::vector<image::Region> RowImport::regions() const

@@ -23,8 +23,12 @@ public:
     RowImport(std::span<const std::uint8_t> image, const FrameGeometry& geometry, const ColourTable& colours);
 
     // Encodes the picture into frame `frame` (frame k lies k frame sizes after the
-    // row's address). Throws PictureImportError, and keeps nothing of the frame.
-    void importFrame(std::int64_t frame, const PictureGrid& picture);
+    // row's address; 0 is the first). Throws PictureImportError, and keeps nothing of
+    // the frame. Returns how many of the picture's pixels no image bit can hold.
+    std::int64_t importFrame(std::int64_t frame, const PictureGrid& picture);
+
+    // The pixels of all frames imported that no image bit can hold (see EncodedFrame).
+    std::int64_t unstoredPixels() const { return m_unstoredPixels; }
 
     // One region per imported frame, in the order imported: from the first to the last
     // image byte that the frame's picture shows, holding the image's bytes after the
@@ -39,7 +43,13 @@ private:
     FrameGeometry m_geometry;
     ColourTable m_colours;
     std::vector<image::Region> m_regions;
+    std::int64_t m_unstoredPixels = 0;
 };
+
+// Throws PictureImportError (NoSuchFrame) unless `frame` (0 for the first) is one of
+// the row's frames: the player may step past the last to look, but an import only
+// goes into a frame of the row.
+void requireFrameOfRow(const FrameGeometry& geometry, std::int64_t frame);
 
 // The picture of frame `frameIndex` in an export folder (ending in "/"): NAME-NN.bmp as
 // the export writes it, else NAME-NN.png; nullopt when neither is a file there.

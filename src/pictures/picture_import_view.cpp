@@ -37,7 +37,7 @@ QLabel* pictureLabel(const char* name, const QImage& picture, QWidget* parent)
 
 }  // namespace
 
-PictureImportView::PictureImportView(const QImage& before, const QImage& after, qint64 changedBytes,
+PictureImportView::PictureImportView(const QImage& before, const QImage& after, const ImportCounts& counts,
                                      const ImportViewTexts& texts, QWidget* parent)
     : QDialog(parent)
 {
@@ -46,7 +46,12 @@ PictureImportView::PictureImportView(const QImage& before, const QImage& after, 
     setModal(true);
     BeforePicture = pictureLabel("BeforePicture", before, this);
     AfterPicture = pictureLabel("AfterPicture", after, this);
-    ChangedBytes = image::named(new QLabel(this), "ChangedBytes", QString(texts.changed).arg(changedBytes));
+    ChangedBytes = image::named(new QLabel(this), "ChangedBytes", QString(texts.changed).arg(counts.changedBytes));
+    // A 4-bit row of odd width keeps no nibble for its last pixel: the user hears of
+    // the pixels lost there before importing.
+    UnstoredPixels = image::named(new QLabel(this), "UnstoredPixels", QString(texts.unstored).arg(counts.unstoredPixels));
+    UnstoredPixels->setWordWrap(true);
+    UnstoredPixels->setVisible(counts.unstoredPixels > 0);
     auto* buttons = new QDialogButtonBox(this);
     ImportConfirm = image::named(buttons->addButton(texts.confirm, QDialogButtonBox::AcceptRole), "ImportConfirm");
     ImportCancel = image::named(buttons->addButton(texts.cancel, QDialogButtonBox::RejectRole), "ImportCancel");
@@ -62,6 +67,7 @@ PictureImportView::PictureImportView(const QImage& before, const QImage& after, 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(pictures, 1);
     layout->addWidget(ChangedBytes);
+    layout->addWidget(UnstoredPixels);
     layout->addWidget(buttons);
 }
 

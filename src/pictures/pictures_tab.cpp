@@ -568,7 +568,6 @@ void PicturesTab::exportPictures(bool selectedOnly)
             const PictureEntry& row = rows[r];
             try {
                 const FrameGeometry geometry = pictures::frameGeometry(row);
-                const ColourTable colours = coloursForDepth(geometry.depth, colourTablePath());
                 if (selectedOnly) {
                     ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, geometry.frames)));
                     ProgressBar2->setVisible(true);
@@ -577,9 +576,10 @@ void PicturesTab::exportPictures(bool selectedOnly)
                     const std::string framePath = pictureFramePath(target, row.name, j);
                     refusePhoneFile(m_host->imageState().FirmwarePath, framePath);
                     // Fetched each frame: a phone file opened meanwhile replaces the image.
-                    if (!DecodePictureFrame(m_host->imageState().FirmwareImage, frameAddress(geometry, j), framePath,
-                                            geometry.width, geometry.height,
-                                            geometry.depth, colours)) {
+                    // Each frame as the preview and zevran-cli's picture write it: mono
+                    // pictures too, so every export can be imported again.
+                    if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, frameAddress(geometry, j),
+                                            framePath, colourTablePath())) {
                         showWrongFormat();
                         if (!skipped.contains(fromUtf8(row.number))) skipped << fromUtf8(row.number);
                     } else {

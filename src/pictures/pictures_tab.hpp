@@ -164,7 +164,7 @@ private:
     bool importableRow(RowToImport& row);
     void importFrames(const RowToImport& row, const std::vector<FramePicture>& frames);
     bool confirmImport(const FrameGeometry& geometry, const std::vector<image::Region>& regions,
-                       const std::vector<std::int64_t>& frames);
+                       const std::vector<std::int64_t>& frames, std::int64_t unstoredPixels);
     QString importText(const char* key) const;
 
     image::TabHost* m_host = nullptr;

@@ -36,6 +36,7 @@ const char* reasonKey(ImportRefusal reason)
     case ImportRefusal::NoBytes: return "PictureImportNoBytes";
     case ImportRefusal::PastEnd: return "PictureImportPastEnd";
     case ImportRefusal::Clash: return "PictureImportClash";
+    case ImportRefusal::NoSuchFrame: return "PictureImportNoSuchFrame";
     }
     return "PictureImportSize";
 }
@@ -81,6 +82,15 @@ void PicturesTab::importpic_Click()
 {
     RowToImport row;
     if (m_working || !importableRow(row)) return;
+    // The player may stand past the last frame to look; a picture goes only into a frame.
+    try {
+        requireFrameOfRow(row.geometry, m_frame);
+    } catch (const PictureImportError& error) {
+        QString reason = importText(reasonKey(error.reason()));
+        for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
+        m_host->showError(importText("PictureImportRowRefused").arg(fromUtf8(row.entry.number), reason));
+        return;
+    }
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().openFile(settings.PictureSavePath, importText("PictureImportFilter"), 2);
     if (path.isEmpty()) return;
@@ -180,7 +190,7 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
     const std::vector<Region> regions = import.regions();
     std::vector<std::int64_t> imported;
     for (const FramePicture& frame : frames) imported.push_back(frame.frame);
-    if (!confirmImport(geometry, regions, imported)) return;
+    if (!confirmImport(geometry, regions, imported, import.unstoredPixels())) return;
     if (m_host->takesSRecordPatch()) {
         m_host->writeSRecordPatch(regions);
     } else {
@@ -193,7 +203,7 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
 // The first frame the import changes (else the first imported), as it is and as it
 // will be, with the count of changed bytes of all frames; true when the user imports.
 bool PicturesTab::confirmImport(const FrameGeometry& geometry, const std::vector<Region>& regions,
-                                const std::vector<std::int64_t>& frames)
+                                const std::vector<std::int64_t>& frames, std::int64_t unstoredPixels)
 {
     const auto& image = m_host->imageState().FirmwareImage;
     const ColourTable colours = coloursForDepth(geometry.depth, colourTablePath());
@@ -215,8 +225,9 @@ bool PicturesTab::confirmImport(const FrameGeometry& geometry, const std::vector
     const QImage after = framePicture(bytes, base, frame, colours);
     const ImportViewTexts texts{importText("PictureImportTitle"),   importText("PictureImportBefore"),
                                 importText("PictureImportAfter"),   importText("PictureImportChanged"),
-                                importText("PictureImportConfirm"), importText("PictureImportCancel")};
-    PictureImportView view(before, after, changedBytes(image, regions), texts, this);
+                                importText("PictureImportConfirm"), importText("PictureImportCancel"),
+                                importText("PictureImportUnstored")};
+    PictureImportView view(before, after, {changedBytes(image, regions), unstoredPixels}, texts, this);
     return view.exec() == QDialog::Accepted;
 }
 

@@ -17,12 +17,16 @@ enum class CrcState { Ok, Bad, None };
 
 struct ToneCheck {
     CrcState crc = CrcState::None;
-    std::string title;  // the ST: tag of the contents chunk, as stored; "" when absent
+    std::string storedTitle;     // the title's bytes as stored; "" when absent
+    std::uint8_t codeType = 0;   // the contents chunk's code type (see tone_title.hpp)
+    std::string title;           // storedTitle decoded by codeType, as UTF-8
 };
 
 // Checks the bytes of one tone, from its "MMMD" signature on. A body whose chunks
 // fill it exactly carries no CRC; one with two bytes left after its chunks ends in
 // the CRC (big-endian) of everything before them; any other layout is damaged (Bad).
+// The title is the contents chunk's "ST:" tag, else the "ST" item of a "Dch" data
+// chunk inside the optional-data chunk "OPDA", where some tones keep it.
 ToneCheck checkTone(std::span<const std::uint8_t> tone);
 
 std::string_view crcStateName(CrcState state);

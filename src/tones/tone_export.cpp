@@ -3,9 +3,8 @@
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 
-#include <cerrno>
-#include <cstdio>
-#include <memory>
+#include <algorithm>
+#include <sys/stat.h>
 
 namespace zevran::tones {
 
@@ -61,12 +60,14 @@ std::span<const std::uint8_t> toneBytes(const ImageState& state, const ToneSlot&
 
 void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> bytes)
 {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r+b"), std::fclose);
-    if (!file && errno == ENOENT) file.reset(std::fopen(path.c_str(), "wb"));
-    if (!file) throw fileSystemError(path, errno);
-    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size())
-        throw fileSystemError(path, errno ? errno : EIO);
-    if (std::fclose(file.release()) != 0) throw fileSystemError(path, errno);
+    // The old file's tail is kept as the export always kept it, but the whole file goes
+    // through a temporary beside it: a failed write leaves the old file as it was.
+    std::vector<std::uint8_t> whole;
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) whole = readWholeFile(path);
+    if (whole.size() < bytes.size()) whole.resize(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), whole.begin());
+    saveFileSafely(path, whole);
 }
 
 void exportTones(const ImageState& state, const std::vector<ToneSlot>& rows,

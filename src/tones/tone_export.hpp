@@ -30,7 +30,8 @@ std::string toneExportPath(std::string_view pickedPath, std::string_view number)
 std::span<const std::uint8_t> toneBytes(const image::ImageState& state, const ToneSlot& row);
 
 // Writes the bytes from the file's first byte on without emptying it first, so a
-// longer old file keeps its tail; a missing file is created.
+// longer old file keeps its tail; a missing file is created. The file is replaced
+// through a temporary beside it, so a failure leaves it as it was.
 void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> bytes);
 
 // Exports the rows whose index `wanted` accepts, in list order, telling `afterRow`

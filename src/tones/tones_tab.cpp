@@ -422,15 +422,8 @@ void TonesTab::showToneCheck()
                    m_host->text(check.crc == CrcState::Ok    ? "ToneCrcOk"
                                 : check.crc == CrcState::Bad ? "ToneCrcBad"
                                                              : "ToneCrcNone");
-    if (!check.title.empty()) {
-        QString title;
-        try {
-            title = fromUtf8(strings::decodeText(check.title, m_host->codePage()));
-        } catch (const strings::CodePageError&) {
-            title = QString::fromLatin1(check.title.data(), static_cast<qsizetype>(check.title.size()));
-        }
-        text += "  " + m_host->text("ToneTitle") + " " + title;
-    }
+    // The title comes decoded by the tone's own code type.
+    if (!check.title.empty()) text += "  " + m_host->text("ToneTitle") + " " + fromUtf8(check.title);
     panel->setText(text);
 }
 

@@ -49,17 +49,36 @@ TEST(ApplyPatchCommand, ImageIsLeftUnchanged)
     EXPECT_EQ(readBytes(folder.path("image.bin")), counting(32));
 }
 
-TEST(ApplyPatchCommand, RecordPastTheImageEndFailsNamingTheLineAndWritesNothing)
+TEST(ApplyPatchCommand, RecordPastTheImageEndGrowsTheOutputAndSaysHowFar)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting(32));
-    // CC DD at 0x1F: its second byte would land at 0x20, one past the end. 07 + 1F + CC + DD = 1CF -> 30.
-    writeFile(folder.path("patch.s3"), "S00600004844521B\r\nS3070000001FCCDD30\r\nS705A002000058\r\n");
+    // CC DD at 0x1F: its second byte lands at 0x20, one past the end. 07 + 1F + CC + DD = 1CF -> 30.
+    // EE at 0x24 leaves a gap of 0x21..0x23, read as erased flash: 06 + 24 + EE = 118 -> E7.
+    writeFile(folder.path("patch.s3"),
+              "S00600004844521B\r\nS3070000001FCCDD30\r\nS30600000024EEE7\r\nS705A002000058\r\n");
     const RunResult result = runCli(folder, {"apply-patch", "image.bin", "patch.s3", "-o", "patched.bin"});
-    EXPECT_TRUE(failedWith(result, {"patch.s3", "line 2", "patched.bin"}));
-    EXPECT_FALSE(exists(folder.path("patched.bin")));
-    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"image.bin", "patch.s3"}));
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "zevran-cli: patch.s3 reaches past the end of image.bin: patched.bin grew from 32 to 37 bytes\n");
+    Bytes expected = counting(32);
+    expected[0x1F] = 0xCC;
+    expected.insert(expected.end(), {0xDD, 0xFF, 0xFF, 0xFF, 0xEE});
+    EXPECT_EQ(readBytes(folder.path("patched.bin")), expected);
     EXPECT_EQ(readBytes(folder.path("image.bin")), counting(32));
+}
+
+TEST(ApplyPatchCommand, FailureKeepsAnExistingOutputAndLeavesNoTemporary)
+{
+    TempFolder folder;
+    writeFile(folder.path("image.bin"), counting(32));
+    writeFile(folder.path("patched.bin"), std::string("older output"));
+    // The second record's checksum is wrong (31 is right).
+    writeFile(folder.path("patch.s3"), "S00600004844521B\r\nS30700000004AABB8F\r\nS3070000001ECCDD32\r\n");
+    const RunResult result = runCli(folder, {"apply-patch", "image.bin", "patch.s3", "-o", "patched.bin"});
+    EXPECT_TRUE(failedWith(result, {"patch.s3", "line 3", "nothing was written to patched.bin"}));
+    EXPECT_EQ(readText(folder.path("patched.bin")), "older output");
+    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"image.bin", "patch.s3", "patched.bin"}));
 }
 
 TEST(ApplyPatchCommand, PatchIsReadStrictlySoABadChecksumFails)

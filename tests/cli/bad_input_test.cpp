@@ -59,7 +59,10 @@ TEST(BadPlaces, OutputBelowAPlainFileIsNamed)
     TempFolder folder;
     writeFile(folder.path("image.bin"), Bytes(0x100, 0x20));
     writeFile(folder.path("plain"), std::string("a file"));
-    EXPECT_TRUE(failedWith(runCli(folder, {"bin-to-s3", "image.bin", "-o", "plain/out.s3"}), {"plain/out.s3"}));
+    const RunResult result = runCli(folder, {"bin-to-s3", "image.bin", "-o", "plain/out.s3"});
+    EXPECT_TRUE(failedWith(result, {"plain/out.s3", "nothing was written"}));
+    // The output is named as the user typed it, not by the temporary made for it.
+    EXPECT_EQ(result.err.find(".saving-"), std::string::npos) << result.err;
     EXPECT_EQ(readText(folder.path("plain")), "a file");
 }
 
@@ -74,12 +77,17 @@ TEST(BadPlaces, ToneExportWhereNoFileCanBeMadeNamesTheFile)
     EXPECT_TRUE(failedWith(runCli(folder, {"export-tones", "image.bin", "--to", "/proc/ring.mmf"}), {"/proc/ring-001.mmf"}));
 }
 
-TEST(BadTables, LettersWhereNumbersBelongGiveTheWrongFormatMessage)
+TEST(BadTables, LettersWhereNumbersBelongGiveAnUndrawableDepth)
 {
     TempFolder folder;
-    const RunResult result = pictureWith(folder, pictureLine("000000QQ", "x", "y", "a*b", "zz"),
+    const RunResult result = pictureWith(folder, pictureLine("000000QQ", "1", "y", "a*b", "zz"),
                                          {"picture", "image.bin", "table.txt", "1", "-o", "out.bmp"});
-    EXPECT_TRUE(failedWith(result, {"错误的bmp文件格式", "row 001"}));
+    EXPECT_TRUE(failedWith(result, {"row 001", "cannot be drawn"}));
+    EXPECT_FALSE(exists(folder.path("out.bmp")));
+    // Letters for the frame count read as 0 frames: there is no frame 1 to draw.
+    const RunResult noFrames = pictureWith(folder, pictureLine("000000QQ", "x", "y", "a*b", "zz"),
+                                           {"picture", "image.bin", "table.txt", "1", "-o", "out.bmp"});
+    EXPECT_TRUE(failedWith(noFrames, {"row 001", "has 0 frames"}));
     EXPECT_FALSE(exists(folder.path("out.bmp")));
 }
 

@@ -282,7 +282,7 @@ TEST(MakeDemo, TheAnimationHasEightFramesThatDiffer)
     ASSERT_NE(frames, std::string::npos) << row;
     EXPECT_GE(std::stoi(row.substr(frames + 10)), 8) << row;
     std::set<Bytes> seen;
-    for (int k = 0; k < 8; ++k) {
+    for (int k = 1; k <= 8; ++k) {
         const std::string bmpPath = demo().folder.path("frame" + std::to_string(k) + ".bmp");
         ASSERT_TRUE(succeeded(runAtHome({"picture", "demo/demo.bin", "demo/demo-pictures.txt", "007", "--frame",
                                          std::to_string(k), "-o", bmpPath})));

@@ -104,7 +104,7 @@ TEST(DiffCommand, ShorterNewFileFailsNamingBothLengths)
     writeFile(folder.path("new.bin"), text("ABCDEFG"));
     const RunResult result = runCli(folder, {"diff", "old.bin", "new.bin", "-o", "change.s3"});
     EXPECT_TRUE(failedWith(result, {"new.bin", "old.bin", "7 bytes", "10"}));
-    EXPECT_EQ(result.err, "zevran-cli: new.bin: holds 7 bytes, fewer than the 10 of old.bin; a patch cannot shorten an image\n");
+    EXPECT_EQ(result.err, "zevran-cli: new.bin: holds 7 bytes, fewer than the 10 of old.bin; a patch cannot shorten an image; nothing was written\n");
     EXPECT_FALSE(exists(folder.path("change.s3")));
 }
 
@@ -126,16 +126,38 @@ TEST(DiffCommand, ApplyingThePatchGivesALongerNewFileWhole)
     Bytes newer = joined({older, text("the tail the new image adds")});
     newer[69999] ^= 0xFF;
     newer[12] ^= 0x01;
-    // apply-patch keeps the image's length: it is given OLD grown to NEW's size, as
-    // the handset's memory would be.
     writeFile(folder.path("old.bin"), older);
     writeFile(folder.path("new.bin"), newer);
     const RunResult result = runCli(folder, {"diff", "old.bin", "new.bin", "-o", "change.s3"});
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "0x0000000C 0x0000000C 1\n0x0001116F 0x0001118A 28\n");
-    writeFile(folder.path("grown.bin"), joined({older, repeated(newer.size() - older.size(), 0xFF)}));
-    ASSERT_TRUE(succeeded(runCli(folder, {"apply-patch", "grown.bin", "change.s3", "-o", "patched.bin"})));
+    const RunResult applied = runCli(folder, {"apply-patch", "old.bin", "change.s3", "-o", "patched.bin"});
+    EXPECT_EQ(applied.exitCode, 0);
+    EXPECT_EQ(applied.err, "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 70000 to 70027 bytes\n");
     EXPECT_EQ(readBytes(folder.path("patched.bin")), newer);
+}
+
+TEST(DiffCommand, ApplyingThePatchGivesNewAtEveryLongerLength)
+{
+    const Bytes older = varied(100);
+    // Tails of every length around a record's 16 bytes, of FF (which a grown image
+    // starts as) and of other bytes alike.
+    for (std::size_t extra : {1u, 2u, 15u, 16u, 17u, 31u, 32u, 33u, 1000u}) {
+        for (std::uint8_t tail : {std::uint8_t{0xFF}, std::uint8_t{0x00}}) {
+            SCOPED_TRACE("extra " + std::to_string(extra) + ", tail " + std::to_string(tail));
+            TempFolder folder;
+            Bytes newer = joined({older, repeated(extra, tail)});
+            newer[50] ^= 0x01;
+            writeFile(folder.path("old.bin"), older);
+            writeFile(folder.path("new.bin"), newer);
+            ASSERT_TRUE(succeeded(runCli(folder, {"diff", "old.bin", "new.bin", "-o", "change.s3"})));
+            const RunResult applied = runCli(folder, {"apply-patch", "old.bin", "change.s3", "-o", "patched.bin"});
+            EXPECT_EQ(applied.exitCode, 0);
+            EXPECT_EQ(applied.err, "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 100 to " +
+                                       std::to_string(100 + extra) + " bytes\n");
+            EXPECT_EQ(readBytes(folder.path("patched.bin")), newer);
+        }
+    }
 }
 
 TEST(DiffCommand, RegionAtTheVeryEndIsPatched)

@@ -88,13 +88,13 @@ TEST(RenderCommand, PastTheImageEndGivesTheSameBmpAsPicture)
     EXPECT_EQ(readBytes(folder.path("render.bmp")), readBytes(folder.path("picture.bmp")));
 }
 
-TEST(RenderCommand, RefusedDepthFailsWithTheWrongFormatMessageAndWritesNothing)
+TEST(RenderCommand, RefusedDepthFailsInEnglishAndWritesNothing)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting());
     const RunResult result = runAtHome(
         folder, {"render", "image.bin", "--at", "10", "--depth", "2", "--width", "8", "--height", "8", "-o", "out.bmp"});
-    EXPECT_TRUE(failedWith(result, {"image.bin", "0x00000010", "错误的bmp文件格式", "depth 2"}));
+    EXPECT_TRUE(failedWith(result, {"image.bin", "0x00000010", "depth 2 cannot be drawn"}));
     EXPECT_FALSE(exists(folder.path("out.bmp")));
 }
 

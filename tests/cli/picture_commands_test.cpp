@@ -87,10 +87,10 @@ TEST(PictureCommand, RowOneWithAndWithoutLeadingZerosIsTheSameRow)
     EXPECT_EQ(readBytes(folder.path("padded.bmp")), kFirstFrameBmp);
 }
 
-TEST(PictureCommand, FrameOneIsTheNextFrameSizeOfBytes)
+TEST(PictureCommand, FrameTwoIsTheNextFrameSizeOfBytes)
 {
     TempFolder folder;
-    ASSERT_TRUE(succeeded(picture(folder, sixteenBitImage(), kSixteenBitTable, {"1", "--frame", "1", "-o", "out.bmp"})));
+    ASSERT_TRUE(succeeded(picture(folder, sixteenBitImage(), kSixteenBitTable, {"1", "--frame", "2", "-o", "out.bmp"})));
     EXPECT_EQ(readBytes(folder.path("out.bmp")), kSecondFrameBmp);
 }
 
@@ -116,13 +116,28 @@ TEST(PictureCommand, FourBitFrameCarriesTheColourTableOfTheProgramFolder)
     EXPECT_EQ(readBytes(folder.path("out.bmp")), expected);
 }
 
-TEST(PictureCommand, DepthTwoFailsWithTheWrongFormatMessageAndWritesNothing)
+TEST(PictureCommand, DepthTwoFailsInEnglishAndWritesNothing)
 {
     TempFolder folder;
     const RunResult result =
         picture(folder, sixteenBitImage(), tableLine("001", "odd", "00000010", 1, 2, "4*2", 2), {"1", "-o", "out.bmp"});
-    EXPECT_TRUE(failedWith(result, {"错误的bmp文件格式"}));
+    EXPECT_TRUE(failedWith(result, {"row 001 (odd): depth 2 cannot be drawn"}));
+    EXPECT_EQ(result.err.find("错误"), std::string::npos) << result.err;
     EXPECT_FALSE(exists(folder.path("out.bmp")));
+}
+
+TEST(PictureCommand, FramesCountFromOne)
+{
+    TempFolder folder;
+    ASSERT_TRUE(succeeded(picture(folder, sixteenBitImage(), kSixteenBitTable, {"1", "--frame", "1", "-o", "one.bmp"})));
+    EXPECT_EQ(readBytes(folder.path("one.bmp")), kFirstFrameBmp);
+    const RunResult zero = picture(folder, sixteenBitImage(), kSixteenBitTable, {"1", "--frame", "0", "-o", "zero.bmp"});
+    EXPECT_TRUE(usageError(zero));
+    EXPECT_NE(zero.err.find("frames count from 1"), std::string::npos) << zero.err;
+    EXPECT_FALSE(exists(folder.path("zero.bmp")));
+    EXPECT_TRUE(failedWith(picture(folder, sixteenBitImage(), kSixteenBitTable, {"1", "--frame", "3", "-o", "past.bmp"}),
+                           {"row 001 (logo) has 2 frames; there is no frame 3"}));
+    EXPECT_FALSE(exists(folder.path("past.bmp")));
 }
 
 TEST(PictureCommand, DepthOneReadsTheWholeDisplayMemoryColumnsAsRows)
@@ -157,10 +172,12 @@ TEST(PictureCommand, DepthOneReadsTheWholeDisplayMemoryColumnsAsRows)
 
 namespace {
 
-// Row 001: two 16-bit frames; row 002: a mono screen; row 003: one 16-bit frame.
+// Row 001: two 16-bit frames; row 002: a mono screen; row 003: one 16-bit frame;
+// row 004: a depth no BMP is drawn at.
 const std::string kExportTable = tableLine("001", "logo", "00000010", 2, 12, "3*2", 16) +
                                  tableLine("002", "screen", "00000000", 1, 768, "64*96", 1) +
-                                 tableLine("003", "icon", "0000001C", 1, 12, "3*2", 16);
+                                 tableLine("003", "icon", "0000001C", 1, 12, "3*2", 16) +
+                                 tableLine("004", "odd", "00000010", 1, 2, "4*2", 2);
 
 std::vector<std::string> namesIn(const std::string& folder)
 {
@@ -172,7 +189,7 @@ std::vector<std::string> namesIn(const std::string& folder)
 
 }  // namespace
 
-TEST(ExportPicturesCommand, EveryFrameOfEveryRowIsWrittenAndMonoRowsAreRefused)
+TEST(ExportPicturesCommand, EveryFrameOfEveryRowIsWrittenMonoRowsAsPictureWritesThem)
 {
     for (const std::string to : {"out", "out/"}) {
         SCOPED_TRACE("--to " + to);
@@ -185,13 +202,16 @@ TEST(ExportPicturesCommand, EveryFrameOfEveryRowIsWrittenAndMonoRowsAreRefused)
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-        EXPECT_NE(result.err.find("row 002"), std::string::npos) << result.err;
-        EXPECT_NE(result.err.find("screen"), std::string::npos) << result.err;
+        EXPECT_NE(result.err.find("row 004 (odd): depth 2 cannot be drawn"), std::string::npos) << result.err;
+        EXPECT_EQ(result.err.find("错误"), std::string::npos) << result.err;
         EXPECT_EQ(namesIn(folder.path("out")),
-                  (std::vector<std::string>{"icon-01.bmp", "logo-01.bmp", "logo-02.bmp"}));
+                  (std::vector<std::string>{"icon-01.bmp", "logo-01.bmp", "logo-02.bmp", "screen-01.bmp"}));
         EXPECT_EQ(readBytes(folder.path("out/logo-01.bmp")), kFirstFrameBmp);
         EXPECT_EQ(readBytes(folder.path("out/logo-02.bmp")), kSecondFrameBmp);
         EXPECT_EQ(readBytes(folder.path("out/icon-01.bmp")), kSecondFrameBmp);
+        ASSERT_TRUE(succeeded(runAtHome(folder, {"picture", "image.bin", "table.txt", "2", "-o", "screen.bmp"})));
+        EXPECT_EQ(readBytes(folder.path("out/screen-01.bmp")), readBytes(folder.path("screen.bmp")));
+        EXPECT_EQ(readBytes(folder.path("screen.bmp")).size(), 62u + 768u);
     }
 }
 

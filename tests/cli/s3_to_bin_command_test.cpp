@@ -96,8 +96,8 @@ TEST(S3ToBinCommand, RecordCountS5LineFailsAsACountBelowFive)
 {
     TempFolder folder;
     const std::string text = kHeader + kRecordAt10 + "\r\n" + kRecordAt20 + "\r\nS5030002FA\r\n" + kTrailer;
-    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 4", "out.bin"}));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
+    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 4", "nothing was written to out.bin"}));
+    EXPECT_FALSE(exists(folder.path("out.bin")));
 }
 
 TEST(S3ToBinCommand, NonHexDigitInDataReadsAsZero)
@@ -128,21 +128,22 @@ TEST(S3ToBinCommand, SingleLeftoverHexCharacterReadsAsThatDigit)
     EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 0x0A, 0}));
 }
 
-TEST(S3ToBinCommand, CountBelowFiveFailsNamingTheLineAndKeepsTheOutputSoFar)
+TEST(S3ToBinCommand, CountBelowFiveFailsNamingTheLineAndWritesNothing)
 {
     TempFolder folder;
     const std::string text = kHeader + kRecordAt10 + "\r\nS304000000FB\r\n" + kRecordAt20 + "\r\n" + kTrailer;
-    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 3", "out.bin"}));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), joined({repeated(16, 0xFF), {1, 2, 3, 4}}));
+    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 3", "nothing was written to out.bin"}));
+    EXPECT_FALSE(exists(folder.path("out.bin")));
 }
 
-TEST(S3ToBinCommand, RecordBelowTheExpectedAddressFailsNamingTheLineAndKeepsTheOutputSoFar)
+TEST(S3ToBinCommand, RecordBelowTheExpectedAddressFailsNamingTheLineAndKeepsAnOldOutput)
 {
     TempFolder folder;
+    writeFile(folder.path("out.bin"), std::string("older"));
     // 09 + 08 + 0A = 1B -> E4.
     const std::string text = kHeader + kRecordAt10 + "\r\nS3090000000801020304E4\r\n" + kTrailer;
-    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 3", "out.bin"}));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), joined({repeated(16, 0xFF), {1, 2, 3, 4}}));
+    EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 3", "nothing was written to out.bin"}));
+    EXPECT_EQ(readText(folder.path("out.bin")), "older");
 }
 
 TEST(S3ToBinCommand, RecordBelowTheLastOneIsFineInDataOnlyMode)

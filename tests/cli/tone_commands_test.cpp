@@ -140,6 +140,47 @@ TEST(TonesDetails, WellFormedToneShowsCrcOkAndItsTitle)
     EXPECT_EQ(result.out, "001 0x00000010 0x00000076 103 crc=ok title=Lark\n");
 }
 
+namespace {
+
+// A tone without CRC of a contents chunk of code type `codeType` and tags `tags`, an
+// optional-data chunk `optional` (when not empty) and the track.
+Bytes toneWithContents(std::uint8_t codeType, const Bytes& tags, const Bytes& optional = {})
+{
+    const Bytes info = joined({{0x00, 0x01, codeType, 0x00, 0x00}, tags});
+    Bytes body = joined({text("CNTI"), bigEndian32(static_cast<std::uint32_t>(info.size())), info});
+    if (!optional.empty()) body = joined({body, text("OPDA"), bigEndian32(static_cast<std::uint32_t>(optional.size())), optional});
+    body = joined({body, trackChunk()});
+    return joined({text("MMMD"), bigEndian32(static_cast<std::uint32_t>(body.size())), body});
+}
+
+}  // namespace
+
+TEST(TonesDetails, TitleIsPrintedInUtf8WhateverItsCodeType)
+{
+    TempFolder folder;
+    // EUC-KR C7D1 B1B9 is "한국"; KOI8-R ED C9 D2 is "Мир"; Shift-JIS with a byte A0 it lacks.
+    // A tag of notes after each keeps every tone above the scan's least size.
+    const Bytes korean = toneWithContents(0x02, joined({text("ST:"), {0xC7, 0xD1, 0xB1, 0xB9}, text(",AN:notes,")}));
+    const Bytes russian = toneWithContents(0x05, joined({text("ST:"), {0xED, 0xC9, 0xD2}, text(",AN:notes,")}));
+    const Bytes damaged = toneWithContents(0x00, joined({text("ST:A"), {0xA0}, text("B,AN:notes,")}));
+    const RunResult result = listTones(
+        folder, imageWith(0x400, {{0x10, korean}, {0x100, russian}, {0x200, damaged}}), {"--details"});
+    ASSERT_TRUE(succeeded(result));
+    const std::string lines[3] = {"title=한국\n", "title=Мир\n", "title=A\xEF\xBF\xBD" "B\n"};
+    for (const std::string& line : lines) EXPECT_NE(result.out.find(line), std::string::npos) << line << " in\n" << result.out;
+}
+
+TEST(TonesDetails, TitleKeptInTheOptionalDataChunkIsFound)
+{
+    TempFolder folder;
+    // OPDA holds one chunk "Dch" + 23 (UTF-8) of 9 bytes: item "ST", size 5, "Heron".
+    const Bytes optional = joined({text("Dch"), {0x23}, bigEndian32(9), text("ST"), {0x00, 0x05}, text("Heron")});
+    const RunResult result =
+        listTones(folder, imageWith(0x200, {{0x10, toneWithContents(0x23, text("CR:x,"), optional)}}), {"--details"});
+    ASSERT_TRUE(succeeded(result));
+    EXPECT_NE(result.out.find(" crc=none title=Heron\n"), std::string::npos) << result.out;
+}
+
 TEST(TonesDetails, ChangedByteShowsCrcBad)
 {
     TempFolder folder;

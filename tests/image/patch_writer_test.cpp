@@ -1,11 +1,13 @@
 #include "image/patch_writer.hpp"
 
 #include "image/file_io.hpp"
+#include "image/srecord_reader.hpp"
 #include "support/temp_folder.hpp"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 
 using namespace zevran::image;
 using zevran::test::readBytes;
@@ -101,4 +103,34 @@ TEST(Saveaxf, FileOfAnotherLengthIsNotTheOneTheImageCameFromAndStays)
                                                     "the image was read from and stays as it is");
     }
     EXPECT_EQ(readBytes(path), (std::vector<std::uint8_t>{7, 7}));
+}
+
+namespace {
+
+using Image = std::vector<std::uint8_t>;
+
+}  // namespace
+
+TEST(ApplySRecordPatch, RecordPastTheEndIsRefusedUnlessTheImageMayGrow)
+{
+    // 02 02 at 0x06 in a 4-byte image: 07 + 06 + 02 + 02 = 11 -> EE.
+    const std::string record = "S307000000060202EE\r\n";
+    Image refused{1, 2, 3, 4};
+    std::istringstream first(record);
+    EXPECT_THROW(zevran::image::applySRecordPatch(refused, first), zevran::image::SRecordError);
+    EXPECT_EQ(refused, (Image{1, 2, 3, 4}));
+    Image grown{1, 2, 3, 4};
+    std::istringstream second(record);
+    zevran::image::applySRecordPatch(grown, second, zevran::image::PatchGrowth::GrowWithFF);
+    EXPECT_EQ(grown, (Image{1, 2, 3, 4, 0xFF, 0xFF, 2, 2}));
+}
+
+TEST(ApplySRecordPatch, NoRecordGrowsAnImageTo2GiB)
+{
+    // One byte at 7FFFFFFF would make the image 2 GiB: 06 + 7F + FF + FF + FF + 00 = 382 -> 7D.
+    Image image{1};
+    std::istringstream patch("S3067FFFFFFF007D\r\n");
+    EXPECT_THROW(zevran::image::applySRecordPatch(image, patch, zevran::image::PatchGrowth::GrowWithFF),
+                 zevran::image::SRecordError);
+    EXPECT_EQ(image, (Image{1}));
 }

@@ -30,9 +30,9 @@ expect()
 
 expect $'export-pictures\nexport-strings\nexport-tones' export-
 expect $'tones' --home /tmp ton
-expect $'--any-records\n--data-only\n--fill' s3-to-bin in.s3 --
-expect $'--handset-codes\n--in-place' patch-strings phone.bin plan.txt --
-expect $'-o' apply-patch -
+expect $'--any-records\n--data-only\n--fill\n--help' s3-to-bin in.s3 --
+expect $'--handset-codes\n--help\n--in-place' patch-strings phone.bin plan.txt --
+expect $'--help\n-o' apply-patch -
 expect $'--help\n--home\n--version' --
 expect '' s3-to-bin in.s3 --fill F
 expect $'handset' export-strings phone.bin --codes h

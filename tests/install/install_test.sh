@@ -43,6 +43,8 @@ for file in bin/zevran bin/zevran-cli \
     [[ -f $prefix/$file ]] || fail "missing $file"
 done
 [[ $(ls "$prefix/bin") == $'zevran\nzevran-cli' ]] || fail "bin/ holds more than the two programs: $(ls "$prefix/bin")"
+# zevran-cli reads pictures through a helper of its own, out of the user's PATH.
+[[ -x $prefix/libexec/zevran/zevran-picture-reader ]] || fail "missing libexec/zevran/zevran-picture-reader"
 [[ -z $(find "$prefix" -name zevran.ini) ]] || fail "a zevran.ini was installed"
 for program in zevran zevran-cli; do
     gzip -dc "$prefix/share/man/man1/$program.1.gz" | grep -q '^\.SH NAME' || fail "$program(1) has no NAME section"
@@ -106,6 +108,12 @@ run_as_user() { "${as_user[@]}" "${environment[@]}" "$@"; }
 # zevran-cli finds 16.dat in share/zevran and the user's settings; it writes as the user.
 run_as_user "$prefix/bin/zevran-cli" make-demo "$user/demo" >"$work/demo.log" || fail "make-demo as the user: $(cat "$work/demo.log")"
 [[ $(run_as_user "$prefix/bin/zevran-cli" info "$user/demo/demo.bin" | head -1) == "kind: bin" ]] || fail "zevran-cli info"
+# A picture exported and imported again: the installed zevran-cli finds its picture reader.
+run_as_user "$prefix/bin/zevran-cli" picture "$user/demo/demo.bin" "$user/demo/demo-pictures.txt" 001 -o "$user/demo/p.bmp" \
+    >"$work/picture.log" 2>&1 || fail "picture as the user: $(cat "$work/picture.log")"
+run_as_user "$prefix/bin/zevran-cli" import-picture "$user/demo/demo.bin" "$user/demo/demo-pictures.txt" 001 \
+    --from "$user/demo/p.bmp" -o "$user/demo/p.s3" >"$work/import.log" 2>&1 || fail "import-picture as the user: $(cat "$work/import.log")"
+[[ -s $user/demo/p.s3 ]] || fail "import-picture wrote no patch"
 
 # The window stays up; its first start names the locale's language in the user's settings.
 # Started directly, not through the function, so $! is the window's own process.

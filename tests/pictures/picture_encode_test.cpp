@@ -196,6 +196,30 @@ TEST(PictureEncode, Depth4WidthSevenLeavesTheLastPixelOfEachRowUnshown)
               (Bytes{0x12, 0x34, 0x56}));
 }
 
+TEST(PictureEncode, Depth4WidthSevenCountsTheLastPixelsItCannotStore)
+{
+    // The seventh pixel has no nibble; the preview shows it in colour 0. A pixel of
+    // colour 15 there is lost and counted, one of colour 0 is not.
+    PictureGrid picture = filled(7, 1, 0, 0, 0);
+    picture.indices = {1, 2, 3, 4, 5, 6, 15};
+    const EncodedFrame lost = encodePictureFrameCounted(picture, layout(0, 7, 1, 4), Bytes(4, 0xAA), kNoColours);
+    EXPECT_EQ(lost.region.bytes, (Bytes{0x12, 0x34, 0x56}));
+    EXPECT_EQ(lost.unstoredPixels, 1);
+    picture.indices.back() = 0;
+    EXPECT_EQ(encodePictureFrameCounted(picture, layout(0, 7, 1, 4), Bytes(4, 0xAA), kNoColours).unstoredPixels, 0);
+    // By colour: white is not the table's colour 0 (black), black is.
+    const ColourTable colours = testColours();
+    PictureGrid white = filled(3, 2, 255, 255, 255);
+    EXPECT_EQ(encodePictureFrameCounted(white, layout(0, 3, 2, 4), Bytes(4, 0), colours).unstoredPixels, 2);
+    EXPECT_EQ(encodePictureFrameCounted(filled(3, 2, 0, 0, 0), layout(0, 3, 2, 4), Bytes(4, 0), colours).unstoredPixels, 0);
+}
+
+TEST(PictureEncode, EveryOtherDepthAndWidthStoresEveryPixel)
+{
+    EXPECT_EQ(encodePictureFrameCounted(filled(5, 1, 255, 255, 255), layout(0, 5, 1, 4), Bytes(4, 0), testColours()).unstoredPixels, 0);
+    EXPECT_EQ(encodePictureFrameCounted(filled(3, 2, 9, 9, 9), layout(0, 3, 2, 24), Bytes(32, 0), kNoColours).unstoredPixels, 0);
+}
+
 TEST(PictureEncode, MonoWhiteFromLuminance)
 {
     EXPECT_TRUE(monoWhite(128, 128, 128));   // 128000
@@ -324,6 +348,38 @@ TEST(RowImport, RefusedFrameLeavesTheImportAsItWas)
     EXPECT_THROW(import.importFrame(5, filled(1, 1, 1, 2, 3)), PictureImportError);  // bytes 15-17
     ASSERT_EQ(import.regions().size(), 1u);
     EXPECT_EQ(import.regions()[0].bytes, (Bytes{3, 2, 1}));
+}
+
+TEST(RowImport, OnlyTheRowsFramesTakeAPicture)
+{
+    const Bytes image(16, 0);
+    FrameGeometry geometry;
+    geometry.frameSize = 3, geometry.frames = 2, geometry.width = 1, geometry.height = 1, geometry.depth = 24;
+    RowImport import(image, geometry, kNoColours);
+    for (std::int64_t frame : {2, -1}) {
+        try {
+            import.importFrame(frame, filled(1, 1, 1, 2, 3));
+            ADD_FAILURE() << "frame index " << frame << " was imported";
+        } catch (const PictureImportError& error) {
+            EXPECT_EQ(error.reason(), ImportRefusal::NoSuchFrame);
+            EXPECT_EQ(error.values(), (std::vector<std::string>{std::to_string(frame + 1), "2"}));
+        }
+    }
+    EXPECT_TRUE(import.regions().empty());
+}
+
+TEST(RowImport, PixelsNoBitCanHoldAreCountedOverTheFrames)
+{
+    // Two 3*1 frames at depth 4, two bytes apart: the third pixel of each has no nibble.
+    const Bytes image(8, 0);
+    FrameGeometry geometry;
+    geometry.frameSize = 2, geometry.frames = 2, geometry.width = 3, geometry.height = 1, geometry.depth = 4;
+    RowImport import(image, geometry, kNoColours);
+    PictureGrid picture = filled(3, 1, 0, 0, 0);
+    picture.indices = {1, 2, 3};
+    EXPECT_EQ(import.importFrame(0, picture), 1);
+    EXPECT_EQ(import.importFrame(1, picture), 1);
+    EXPECT_EQ(import.unstoredPixels(), 2);
 }
 
 TEST(RowImport, ExportFolderPictureIsTheBmpElseThePng)

@@ -255,3 +255,117 @@ TEST(PictureFile, MissingFolderAndTextAreRefusedNamingThePath)
         }
     }
 }
+
+namespace {
+
+std::uint32_t crc32Of(const Bytes& bytes, std::size_t from)
+{
+    std::uint32_t crc = 0xFFFFFFFF;
+    for (std::size_t i = from; i < bytes.size(); ++i) {
+        crc ^= bytes[i];
+        for (int bit = 0; bit < 8; ++bit) crc = crc & 1 ? (crc >> 1) ^ 0xEDB88320 : crc >> 1;
+    }
+    return ~crc;
+}
+
+void putBigEndian(Bytes& out, std::uint32_t value)
+{
+    for (int shift = 24; shift >= 0; shift -= 8) out.push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
+void appendPngChunk(Bytes& png, const char* type, const Bytes& data)
+{
+    putBigEndian(png, static_cast<std::uint32_t>(data.size()));
+    const std::size_t typeAt = png.size();
+    png.insert(png.end(), type, type + 4);
+    png.insert(png.end(), data.begin(), data.end());
+    putBigEndian(png, crc32Of(png, typeAt));
+}
+
+// A PNG file written byte by byte: IHDR of the given colour type and bit depth, the
+// chunks `extra` (PLTE, tRNS) and one IDAT of `rows` (each with its filter byte 0)
+// in a stored (uncompressed) deflate block.
+Bytes pngFile(std::uint32_t width, std::uint32_t height, std::uint8_t bitDepth, std::uint8_t colourType,
+              const std::vector<std::pair<const char*, Bytes>>& extra, const Bytes& rows)
+{
+    Bytes png{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    Bytes header;
+    putBigEndian(header, width), putBigEndian(header, height);
+    header.insert(header.end(), {bitDepth, colourType, 0, 0, 0});
+    appendPngChunk(png, "IHDR", header);
+    for (const auto& [type, data] : extra) appendPngChunk(png, type, data);
+    Bytes deflated{0x78, 0x01, 0x01};
+    const auto length = static_cast<std::uint16_t>(rows.size());
+    deflated.insert(deflated.end(), {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length >> 8),
+                                     static_cast<std::uint8_t>(~length), static_cast<std::uint8_t>(~length >> 8)});
+    deflated.insert(deflated.end(), rows.begin(), rows.end());
+    std::uint32_t a = 1, b = 0;  // Adler-32 of the rows
+    for (std::uint8_t byte : rows) a = (a + byte) % 65521, b = (b + a) % 65521;
+    putBigEndian(deflated, b << 16 | a);
+    appendPngChunk(png, "IDAT", deflated);
+    appendPngChunk(png, "IEND", {});
+    return png;
+}
+
+PictureGrid readPng(const Bytes& file)
+{
+    TempFolder folder;
+    zevran::test::writeFile(folder.path("picture.png"), file);
+    return readPictureFile(folder.path("picture.png"), ColourTable{});
+}
+
+}  // namespace
+
+// A fully transparent pixel keeps the colour stored for it, whatever the PNG's kind:
+// the import reads colours without premultiplying alpha, then drops alpha.
+TEST(PictureFile, TransparentPixelsOfEightBitRgbaKeepTheirColour)
+{
+    // Two pixels: (200, 100, 50) at alpha 0 and (10, 20, 30) at alpha 255.
+    EXPECT_EQ(readPng(pngFile(2, 1, 8, 6, {}, {0, 200, 100, 50, 0, 10, 20, 30, 255})).rgb, (Bytes{200, 100, 50, 10, 20, 30}));
+}
+
+TEST(PictureFile, TransparentPixelsOfSixteenBitRgbaKeepTheirColour)
+{
+    // 16-bit samples C8C8 6464 3232 are 8-bit C8 64 32 exactly; alpha 0000.
+    EXPECT_EQ(readPng(pngFile(1, 1, 16, 6, {}, {0, 0xC8, 0xC8, 0x64, 0x64, 0x32, 0x32, 0x00, 0x00})).rgb,
+              (Bytes{0xC8, 0x64, 0x32}));
+}
+
+TEST(PictureFile, TransparentPixelsOfGreyWithAlphaKeepTheirGrey)
+{
+    EXPECT_EQ(readPng(pngFile(2, 1, 8, 4, {}, {0, 0x80, 0x00, 0x40, 0xFF})).rgb, (Bytes{0x80, 0x80, 0x80, 0x40, 0x40, 0x40}));
+}
+
+TEST(PictureFile, TransparentEntriesOfAPaletteKeepTheirColour)
+{
+    // Palette entry 0 (90, 80, 70) is fully transparent through tRNS, entry 1 opaque.
+    const PictureGrid picture = readPng(pngFile(2, 1, 8, 3, {{"PLTE", {90, 80, 70, 1, 2, 3}}, {"tRNS", {0x00, 0xFF}}}, {0, 0, 1}));
+    EXPECT_EQ(picture.rgb, (Bytes{90, 80, 70, 1, 2, 3}));
+}
+
+TEST(PictureFile, TransparentColourKeyOfRgbKeepsItsColour)
+{
+    // tRNS names (9, 8, 7) as the transparent colour of an RGB picture.
+    const PictureGrid picture = readPng(pngFile(2, 1, 8, 2, {{"tRNS", {0, 9, 0, 8, 0, 7}}}, {0, 9, 8, 7, 4, 5, 6}));
+    EXPECT_EQ(picture.rgb, (Bytes{9, 8, 7, 4, 5, 6}));
+}
+
+TEST(PictureFile, TransparentPixelsOfABmpWithAnAlphaMaskKeepTheirColour)
+{
+    // A version 4 header (108 bytes) with bit fields for red, green, blue and alpha:
+    // two pixels, B G R A = 1E 14 0A 00 (transparent) and 03 02 01 FF.
+    Bytes file;
+    auto put = [&](std::uint32_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i) file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    };
+    const Bytes pixels{0x1E, 0x14, 0x0A, 0x00, 0x03, 0x02, 0x01, 0xFF};
+    file.push_back('B'), file.push_back('M');
+    put(14 + 108 + 8, 4), put(0, 4), put(14 + 108, 4);
+    put(108, 4), put(2, 4), put(1, 4), put(1, 2), put(32, 2), put(3, 4), put(8, 4), put(2835, 4), put(2835, 4);
+    put(0, 4), put(0, 4);
+    put(0x00FF0000, 4), put(0x0000FF00, 4), put(0x000000FF, 4), put(0xFF000000, 4);
+    put(0x73524742, 4);  // "sRGB"
+    for (int i = 0; i < 12; ++i) put(0, 4);  // end points and gammas
+    file.insert(file.end(), pixels.begin(), pixels.end());
+    EXPECT_EQ(readBytesAsPicture(file).rgb, (Bytes{0x0A, 0x14, 0x1E, 0x01, 0x02, 0x03}));
+}

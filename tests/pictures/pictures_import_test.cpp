@@ -26,6 +26,7 @@ bool writePicture(const QString& path, int width, int height, const std::vector<
 struct ViewSeen {
     bool shown = false;
     QString changed;
+    QString unstored;        // the line on pixels no image bit holds, when it is shown
     QImage before;
     QImage after;
 };
@@ -49,6 +50,7 @@ class PictureImportTest : public PicturesTabFixture {
             poll.stop();
             seen.shown = true;
             seen.changed = view->ChangedBytes->text();
+            if (view->UnstoredPixels->isVisible()) seen.unstored = view->UnstoredPixels->text();
             seen.before = view->BeforePicture->pixmap().toImage();
             seen.after = view->AfterPicture->pixmap().toImage();
             (confirm ? view->ImportConfirm : view->ImportCancel)->click();
@@ -253,6 +255,47 @@ private slots:
         QCOMPARE(m_dialogs->messages.size(), std::size_t{1});
         QCOMPARE(m_dialogs->messages[0].text, "Row 001, frame 1, " + file +
                                                   ": the picture is 3*2 pixels, the row's frames are 2*2; nothing was imported.");
+    }
+
+    void importIntoAFramePastTheLastIsRefusedBeforeAnyFileIsAsked()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        clickRow(Logo);  // three frames
+        for (int step = 0; step < 3; ++step) m_tab->nextpicture->click();  // stepping past the last stays allowed
+        QCOMPARE(m_tab->Text16->text(), QString("4"));
+        m_dialogs->messages.clear();
+        QVERIFY(!chooseAndAnswer(m_tab->importpic, true).shown);
+        QVERIFY(m_dialogs->asked.isEmpty());
+        QCOMPARE(m_dialogs->messages.size(), std::size_t{1});
+        QCOMPARE(m_dialogs->messages[0].text,
+                 QString("Row 001: the row has 3 frames, and frame 4 is not one of them: a picture goes only into a "
+                         "frame of the row"));
+        QVERIFY(!QFile::exists(path("logo.s3")));
+    }
+
+    void viewCountsThePixelsAnOddFourBitRowCannotStore()
+    {
+        startWindow("phone.bin");
+        // 3*2 at depth 4 over the palette bytes at 0x3600: one byte a row, so the third
+        // pixel of each row has no nibble and shows in colour 0 (black).
+        openTable(line("001", "narrow", "00003600", "1", "2", "3*2", "4"));
+        clickRow(0);
+        const QString file = path("narrow.png");
+        writePicture(file, 3, 2, {0x000000, 0x000000, 0xFFFFFF, 0x000000, 0x000000, 0x000000}, "PNG");
+        m_dialogs->files = {file, path("narrow.s3")};
+        const ViewSeen seen = chooseAndAnswer(m_tab->importpic, true);
+        QVERIFY(seen.shown);
+        QCOMPARE(seen.unstored, QString("1 pixels of the last column cannot be stored: a 4-bit row of odd width keeps "
+                                        "no nibble for its last pixel. The import goes on without them."));
+        QVERIFY(QFile::exists(path("narrow.s3")));
+        // An import whose pixels all fit says nothing of it.
+        clickRow(0);
+        writePicture(file, 3, 2, {0, 0, 0, 0, 0, 0}, "PNG");
+        m_dialogs->files = {file, path("black.s3")};
+        const ViewSeen fitting = chooseAndAnswer(m_tab->importpic, false);
+        QVERIFY(fitting.shown);
+        QCOMPARE(fitting.unstored, QString());
     }
 
     void unreadablePictureAndUnimportableDepthAreRefused()

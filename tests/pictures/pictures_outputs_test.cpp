@@ -93,7 +93,7 @@ private slots:
         QVERIFY(m_window->mayClose());
     }
 
-    void exportOfAllRowsRefusesMonoAndOddDepthsFrameByFrame()
+    void exportOfAllRowsWritesMonoAsThePreviewDoesAndRefusesOddDepths()
     {
         startWindow("phone.bin");
         openTable(kTable);
@@ -104,13 +104,17 @@ private slots:
         choose(m_tab->outputpicall);
         QVERIFY(sawProgress);
         QCOMPARE(QDir(path("all")).entryList(QDir::Files),
-                 (QStringList{"d12-01.bmp", "d8-01.bmp", "logo-01.bmp", "logo-02.bmp", "logo-03.bmp", "pal-01.bmp",
-                              "screen-01.bmp"}));
-        QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 0, 18}));
+                 (QStringList{"d12-01.bmp", "d8-01.bmp", "logo-01.bmp", "logo-02.bmp", "logo-03.bmp", "mono-01.bmp",
+                              "pal-01.bmp", "screen-01.bmp"}));
+        QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 18}));
         QCOMPARE(m_dialogs->messages[0].text, QString::fromUtf8("错误的bmp文件格式"));
-        QCOMPARE(m_dialogs->messages[1].text, QString::fromUtf8("错误的bmp文件格式"));
-        QCOMPARE(m_dialogs->messages[2].text,
-                 QString("Exported.\nFiles written: 7\nRows skipped (a depth BMP files cannot hold): 003, 008"));
+        QCOMPARE(m_dialogs->messages[1].text,
+                 QString("Exported.\nFiles written: 8\nRows skipped (a depth BMP files cannot hold): 008"));
+        // The mono screen as a 1-bit BMP of 64*96 pixels: 62 header and colour bytes, 768 of pixels.
+        const QByteArray mono = readBytes(path("all/mono-01.bmp"));
+        QCOMPARE(mono.size(), 62 + 768);
+        QCOMPARE(mono.mid(28, 2), QByteArray::fromHex("0100"));
+        QCOMPARE(QImage(path("all/mono-01.bmp")).size(), QSize(64, 96));
         const QByteArray pal = readBytes(path("all/pal-01.bmp"));
         QCOMPARE(pal.size(), 118 + 8);
         QCOMPARE(pal.mid(54, 64), readBytes(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat")).left(64));

@@ -51,10 +51,10 @@ void putChunk(QByteArray& out, const QByteArray& id, const QByteArray& body)
     out += length + body;
 }
 
-// A SMAF tone of `size` bytes titled "Spring", ending in the CRC of all before it.
-QByteArray smafTone(int size)
+// A SMAF tone of `size` bytes titled "Spring" (or with the contents chunk body
+// `contents`), ending in the CRC of all before it.
+QByteArray smafTone(int size, const QByteArray& contents = QByteArray::fromHex("0001010000") + "ST:Spring,")
 {
-    QByteArray contents = QByteArray::fromHex("0001010000") + "ST:Spring,";
     QByteArray body;
     putChunk(body, "CNTI", contents);
     putChunk(body, QByteArray("MTR\x01", 4), QByteArray(size - 8 - body.size() - 8 - 2, '\x5A'));
@@ -240,6 +240,20 @@ private slots:
         QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
         m_window->findChild<QAction*>("menuredo")->trigger();
         QCOMPARE(panel->text(), QString("001: CRC wrong  Title: Spring"));
+    }
+
+    void toneTitleIsDecodedByTheTonesCodeType()
+    {
+        // Code type 00 is Shift-JIS: 83 65 83 58 83 67 is "テスト", which the handset's
+        // GBK code page would read as other characters.
+        QByteArray image = phoneImage();
+        image.replace(0x100, 160, smafTone(160, QByteArray::fromHex("0001000000") + "ST:" + QByteArray::fromHex("836583588367") + ","));
+        writeBytes(path("phone.bin"), image);
+        m_window->openPhoneFile(path("phone.bin"));
+        m_tab->GetTone->click();
+        select(m_tab->ListView4, {0});
+        auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
+        QCOMPARE(panel->text(), QString::fromUtf8("001: CRC correct  Title: テスト"));
     }
 
     void toneCountIsRetoldInTheNewLanguage()
