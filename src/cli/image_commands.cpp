@@ -7,12 +7,14 @@
 #include "image/converter.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/mapped_file.hpp"
 #include "image/patch_writer.hpp"
 #include "image/phone_file.hpp"
 #include "image/srecord_reader.hpp"
 
 #include <fstream>
 #include <iostream>
+#include <optional>
 
 namespace zevran::cli {
 
@@ -75,17 +77,26 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     options.anyRecords = args.has("--any-records");
     const std::string& input = args.positional()[0];
     const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".bin"));
-    std::ifstream in = openInputFile(input);
+    // A regular file is read in place through a mapping; a pipe as a stream.
+    std::optional<MappedFile> mapped;
+    std::ifstream in;
+    if (isRegularFile(input)) mapped.emplace(input);
+    else in = openInputFile(input);
     refuseSameFile(input, output);
     std::ofstream out = openOutputFile(output);
-    SRecordToBinary converter(in, out, options);
+    std::optional<SRecordToBinary> converter;
+    if (mapped) converter.emplace(out, options);
+    else converter.emplace(in, out, options);
     try {
-        withOutputName(output, [&] { converter.convertAll(); });
+        withOutputName(output, [&] { mapped ? convertMappedFile(*converter, *mapped) : converter->convertAll(); });
     } catch (const SRecordError& error) {
         out.close();
         throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");
     }
     closeOutputFile(out, output);
+    if (const std::uint64_t skipped = converter->skippedLines())
+        std::cerr << "zevran-cli: " << input << ": skipped " << skipped << (skipped == 1 ? " line that does" : " lines that do")
+                  << " not start with \"S\"\n";
     return 0;
 }
 

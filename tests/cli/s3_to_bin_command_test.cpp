@@ -216,6 +216,25 @@ TEST(S3ToBinAnyRecords, HeaderCountAndTrailerRecordsCarryNoData)
     EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
 }
 
+TEST(S3ToBinAnyRecords, LinesNotStartingWithSAreSkippedAndCounted)
+{
+    TempFolder folder;
+    const std::string text = "# written by a tool\n" + kRecordAt10 + "\n; between\n" + kRecordAt20 + "\n";
+    const RunResult result = convert(folder, text, {"--any-records", "--data-only"});
+    ASSERT_EQ(result.exitCode, 0);
+    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(result.err, "zevran-cli: in.s3: skipped 2 lines that do not start with \"S\"\n");
+}
+
+TEST(S3ToBinAnyRecords, OneSkippedLineIsSaidInTheSingular)
+{
+    TempFolder folder;
+    const RunResult result = convert(folder, kRecordAt10 + "\n* end\n", {"--any-records", "--data-only"});
+    ASSERT_EQ(result.exitCode, 0);
+    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(result.err, "zevran-cli: in.s3: skipped 1 line that does not start with \"S\"\n");
+}
+
 TEST(S3ToBinAnyRecords, BadChecksumFailsNamingTheLine)
 {
     TempFolder folder;

@@ -196,6 +196,51 @@ TEST(SRecordToBinary, AnyRecordsRefusesAWrongChecksum)
     EXPECT_THROW(toBinary("S1050002AABB00\n", options), SRecordError);
 }
 
+TEST(SRecordToBinary, AnyRecordsSkipsAndCountsLinesNotStartingWithS)
+{
+    // 09 + 10 + 0A = 23 -> DC; a comment before, between and after the records, a blank line.
+    const std::string text = "# made by a tool\nS3090000001001020304DC\n; note\r\n\r\n s3 indented\r"
+                             "S3090000001405060708C8\n//end";
+    for (std::size_t readBlock : {std::size_t{1} << 20, std::size_t{5}}) {
+        S3ToBinOptions options{S3ToBinMode::DataOnly, 0xFF, true};
+        options.readBlock = readBlock;
+        std::istringstream in(text);
+        std::ostringstream out;
+        SRecordToBinary converter(in, out, options);
+        converter.convertAll();
+        EXPECT_EQ(out.str(), std::string("\x01\x02\x03\x04\x05\x06\x07\x08"));
+        EXPECT_EQ(converter.skippedLines(), 4u);
+        EXPECT_EQ(converter.linesRead(), 7u);
+    }
+}
+
+TEST(SRecordToBinary, HandsetReadingSkipsNothingAndReadsACommentAsARecord)
+{
+    std::istringstream in("; -- made by a tool\n");
+    std::ostringstream out;
+    SRecordToBinary converter(in, out, dataOnly());
+    // Its count field "--" reads as 0, below 5.
+    EXPECT_THROW(converter.convertAll(), SRecordError);
+    EXPECT_EQ(converter.skippedLines(), 0u);
+}
+
+TEST(SRecordToBinary, TextFedInPiecesGivesTheBytesOfTheStream)
+{
+    const std::string text = kTwoRecords + "S3090000002405060708B8\r";
+    std::ostringstream out;
+    SRecordToBinary converter(out, fullAddress(0x00));
+    for (std::size_t at = 0; at < text.size(); at += 7) converter.feedText(std::string_view(text).substr(at, 7));
+    converter.endText();
+    const std::string bytes = out.str();
+    Bytes expected(16, 0);
+    expected.insert(expected.end(), {1, 2, 3, 4});
+    expected.insert(expected.end(), 12, 0);
+    expected.insert(expected.end(), {5, 6, 7, 8, 5, 6, 7, 8});
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), expected);
+    EXPECT_EQ(converter.linesRead(), 5u);
+    EXPECT_EQ(converter.inputBytesRead(), text.size());
+}
+
 TEST(SRecordToBinary, FullDiskIsAFileError)
 {
     std::istringstream in("S30600000000AA4F\r\n");
