@@ -37,15 +37,25 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char*, std::uint32_t& co
     for (std::size_t i = 0; i < 4; ++i) address = address << 8 | digits::tolerantPair(line + 4 + 2 * i);
 }
 
-ZEVRAN_KERNEL bool strictDigits(const char* digitText, std::size_t pairs, const char*)
+ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char*, unsigned& sum)
 {
-    unsigned sum = 0;
-    for (std::size_t i = 0; i < pairs; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const int value = digits::strictPair(digitText + 2 * i);
         if (value < 0) return false;
+        out[i] = static_cast<std::uint8_t>(value);
         sum += static_cast<unsigned>(value);
     }
-    return (sum & 0xFF) == 0xFF;
+    return true;
+}
+
+ZEVRAN_KERNEL bool strictHeader(const char* line, const char*, std::size_t addressBytes, unsigned& sum,
+                                std::uint32_t& address)
+{
+    std::uint8_t bytes[5];
+    if (!strictBytes(line + 2, addressBytes + 1, bytes, nullptr, sum)) return false;
+    address = 0;
+    for (std::size_t i = 1; i <= addressBytes; ++i) address = address << 8 | bytes[i];
+    return true;
 }
 
 #include "srecord_block_loop.inc"
@@ -130,24 +140,39 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint
     address = bigEndianAddress(bytes);
 }
 
-ZEVRAN_KERNEL bool strictDigits(const char* digitText, std::size_t pairs, const char* textEnd)
+ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd, unsigned& sum)
 {
-    if (digitText + (2 * pairs + 31) / 32 * 32 > textEnd) return portable::strictDigits(digitText, pairs, textEnd);
-    __m128i sum = _mm_setzero_si128();
-    for (std::size_t i = 0; i < pairs; i += 16) {
+    if (digitText + (2 * count + 31) / 32 * 32 > textEnd) return portable::strictBytes(digitText, count, out, textEnd, sum);
+    __m128i sums = _mm_setzero_si128();
+    for (std::size_t i = 0; i < count; i += 16) {
         std::uint32_t hexMask;
         __m128i bytes = sixteenBytes(digitText + 2 * i, hexMask);
-        const std::size_t left = pairs - i;
+        const std::size_t left = count - i;
         if (left < 16) {
             hexMask |= ~0u << (2 * left);
             bytes = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - left)));
         }
         if (hexMask != ~0u) return false;
-        sum = _mm_add_epi64(sum, _mm_sad_epu8(bytes, _mm_setzero_si128()));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, _mm_setzero_si128()));
     }
-    const auto total = static_cast<std::uint64_t>(_mm_cvtsi128_si64(sum)) +
-                       static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sum, sum)));
-    return (total & 0xFF) == 0xFF;
+    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) + static_cast<unsigned>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
+    return true;
+}
+
+ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size_t addressBytes, unsigned& sum,
+                                std::uint32_t& address)
+{
+    if (line + 18 > textEnd) return portable::strictHeader(line, textEnd, addressBytes, sum, address);
+    __m128i hex;
+    const __m128i pairs = pairValues(digitValues(_mm_loadu_si128(reinterpret_cast<const __m128i*>(line + 2)), hex));
+    const unsigned wanted = (1u << (2 * addressBytes + 2)) - 1;
+    if ((static_cast<unsigned>(_mm_movemask_epi8(hex)) & wanted) != wanted) return false;
+    const __m128i bytes = _mm_packus_epi16(pairs, _mm_setzero_si128());
+    const __m128i header = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - addressBytes - 1)));
+    sum += static_cast<unsigned>(_mm_cvtsi128_si32(_mm_sad_epu8(header, _mm_setzero_si128())));
+    address = bigEndianAddress(static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes))) >> (8 * (4 - addressBytes));
+    return true;
 }
 
 #include "srecord_block_loop.inc"
@@ -204,24 +229,30 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint
     sse2::headerFields(line, textEnd, countField, address);
 }
 
-ZEVRAN_KERNEL bool strictDigits(const char* digitText, std::size_t pairs, const char* textEnd)
+ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd, unsigned& sum)
 {
-    if (digitText + (2 * pairs + 31) / 32 * 32 > textEnd) return portable::strictDigits(digitText, pairs, textEnd);
-    __m128i sum = _mm_setzero_si128();
-    for (std::size_t i = 0; i < pairs; i += 16) {
+    if (digitText + (2 * count + 31) / 32 * 32 > textEnd) return portable::strictBytes(digitText, count, out, textEnd, sum);
+    __m128i sums = _mm_setzero_si128();
+    for (std::size_t i = 0; i < count; i += 16) {
         std::uint32_t hexMask;
         __m128i bytes = sixteenBytes(digitText + 2 * i, hexMask);
-        const std::size_t left = pairs - i;
+        const std::size_t left = count - i;
         if (left < 16) {
             hexMask |= ~0u << (2 * left);
             bytes = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - left)));
         }
         if (hexMask != ~0u) return false;
-        sum = _mm_add_epi64(sum, _mm_sad_epu8(bytes, _mm_setzero_si128()));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, _mm_setzero_si128()));
     }
-    const auto total = static_cast<std::uint64_t>(_mm_cvtsi128_si64(sum)) +
-                       static_cast<std::uint64_t>(_mm_extract_epi64(sum, 1));
-    return (total & 0xFF) == 0xFF;
+    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) + static_cast<unsigned>(_mm_extract_epi64(sums, 1));
+    return true;
+}
+
+ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size_t addressBytes, unsigned& sum,
+                                std::uint32_t& address)
+{
+    return sse2::strictHeader(line, textEnd, addressBytes, sum, address);
 }
 
 #include "srecord_block_loop.inc"
