@@ -19,7 +19,7 @@ constexpr std::size_t kBlock = 64 * 1024;
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 // Files are compared through mappings of this many bytes each: few enough MiB to
 // stay resident, enough that setting up a window costs nothing beside comparing it.
-constexpr std::size_t kWindow = std::size_t{8} << 20;
+constexpr std::size_t kWindow = std::size_t{4} << 20;
 
 std::uint64_t loadWord(const std::uint8_t* at)
 {

@@ -79,6 +79,7 @@ std::uint32_t bigEndianAddress(std::uint64_t headerBytes)
 namespace sse2 {
 
 #define ZEVRAN_KERNEL inline
+#define ZEVRAN_VECTOR_KERNEL
 
 // Digit values of 16 characters, a non-hex one as 0; `hex` marks the hex digits.
 ZEVRAN_KERNEL __m128i digitValues(__m128i c, __m128i& hex)
@@ -178,6 +179,7 @@ ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size
 #include "srecord_block_loop.inc"
 
 #undef ZEVRAN_KERNEL
+#undef ZEVRAN_VECTOR_KERNEL
 
 }  // namespace sse2
 
@@ -185,6 +187,7 @@ ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size
 namespace avx2 {
 
 #define ZEVRAN_KERNEL __attribute__((target("avx2"))) inline
+#define ZEVRAN_VECTOR_KERNEL
 
 // The 16 bytes of the 32 digits at `at`, a non-hex digit as 0; `hexMask` gets one bit
 // per hex character.
@@ -258,6 +261,7 @@ ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size
 #include "srecord_block_loop.inc"
 
 #undef ZEVRAN_KERNEL
+#undef ZEVRAN_VECTOR_KERNEL
 
 }  // namespace avx2
 

@@ -226,8 +226,8 @@ TEST(ImageDiff, PatchLaidOverTheFirstImageGivesTheSecond)
 TEST(ImageDiffFiles, FilesGiveTheRegionsOfTheirBytesAcrossWindowEdges)
 {
     TempFolder folder;
-    // Past two windows of 8 MiB, with runs ending at, starting at and spanning both edges.
-    constexpr std::size_t kWindow = std::size_t{8} << 20;
+    // Past two windows of 4 MiB, with runs ending at, starting at and spanning both edges.
+    constexpr std::size_t kWindow = std::size_t{4} << 20;
     Bytes older(2 * kWindow + 5000);
     for (std::size_t i = 0; i < older.size(); ++i) older[i] = static_cast<std::uint8_t>(i * 7 % 253);
     Bytes newer = flipped(older, {0, 5, kWindow - 2, kWindow - 1, kWindow + 3, 2 * kWindow - 1, 2 * kWindow,

@@ -304,3 +304,33 @@ TEST(SRecordBlock, ErrorsNameTheSameLineOnEveryPath)
         }
     }
 }
+
+TEST(SRecordBlock, StrictS3LinesOfSixteenBytesAreCheckedLikeAnyOther)
+{
+    // The vector kernels decode these lines whole; every digit and the checksum count.
+    std::mt19937 random(3);
+    std::string lines;
+    for (std::uint32_t address = 0; address < 16 * 8; address += 16)
+        lines += withLowerCase(record('3', 0x1000 + address, randomBytes(random, 16)), random) + "\n";
+    const std::string fourth = lines.substr(3 * 47, 46);
+    for (std::size_t at : {std::size_t{0}, std::size_t{4}, std::size_t{11}, std::size_t{12}, std::size_t{43},
+                           std::size_t{44}, std::size_t{45}}) {
+        for (char odd : {'G', ' ', '\x80', '0'}) {
+            std::string text = lines;
+            if (at == 0) {
+                text += "S3150000";  // a line cut short at the end of the text
+            } else {
+                text[3 * 47 + at] = odd;
+            }
+            const Outcome reference = convertWith(RecordKernel::Portable, text, S3ToBinMode::DataOnly, true, 1 << 20);
+            // Only a '0' put over a '0' leaves the line as it was.
+            const bool unchanged = at != 0 && fourth[at] == odd;
+            EXPECT_EQ(reference.error.empty(), unchanged) << at << " " << odd << " " << reference.error;
+            for (RecordKernel kernel : availableRecordKernels()) {
+                const Outcome outcome = convertWith(kernel, text, S3ToBinMode::DataOnly, true, 1 << 20);
+                EXPECT_EQ(outcome.error, reference.error) << recordKernelName(kernel) << " " << at;
+                EXPECT_EQ(outcome.bytes, reference.bytes) << recordKernelName(kernel) << " " << at;
+            }
+        }
+    }
+}
