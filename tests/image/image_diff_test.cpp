@@ -126,6 +126,31 @@ TEST(ImageDiff, DifferencesAcrossBlockAndWordBoundariesOfALargeImage)
               (Ranges{{7, 8}, {65535, 65536}, {131071, 150099}, {200001, 200001}, {299999, 299999}}));
 }
 
+TEST(ImageDiff, EveryRunAgainstAByteByByteComparison)
+{
+    // Runs of every length from 1 to 70 at every offset of a 64-byte step, which the
+    // vector comparison takes 16 and 64 bytes at a time, against a plain byte loop.
+    for (std::size_t offset = 0; offset < 64; offset += 3) {
+        for (std::size_t length = 1; length <= 70; length += 1 + length / 8) {
+            Bytes older(512 + offset % 7);
+            for (std::size_t i = 0; i < older.size(); ++i) older[i] = static_cast<std::uint8_t>(i * 13);
+            Bytes newer = older;
+            for (std::size_t i = offset + 64; i < offset + 64 + length; ++i) newer[i] ^= 0x5A;
+            newer[offset + 64 + length + 1] ^= 0x01;
+            newer.back() ^= 0xFF;
+            Ranges expected;
+            for (std::size_t i = 0; i < older.size(); ++i) {
+                if (older[i] == newer[i]) continue;
+                if (!expected.empty() && static_cast<std::size_t>(expected.back().last) + 1 == i)
+                    expected.back().last = static_cast<std::int32_t>(i);
+                else
+                    expected.push_back({static_cast<std::int32_t>(i), static_cast<std::int32_t>(i)});
+            }
+            EXPECT_EQ(compareImages(older, newer), expected) << offset << " " << length;
+        }
+    }
+}
+
 TEST(ImageDiff, ComparisonGivesUpPastTheGivenNumberOfRegions)
 {
     //                        0123456789
