@@ -299,6 +299,9 @@ printf '  %-36s %8.2f GB/s\n' "sRecordRegionText, 16 MiB" "$(rate_of BM_sRecordR
 printf '  %-36s %8.2f GB/s\n' "binaryToSRecord, 16 MiB" "$(rate_of BM_binaryToSRecord)"
 # Reading S-records: text in memory handed over as zevran-cli hands over a mapped file;
 # the stream figures beside them add the copy out of an istringstream.
+read_kernel=$(awk '$1 == "\"name\":" { name = $2 } $1 == "\"label\":" && name ~ /InMemory/ { gsub(/[",]/, "", $2); print $2; exit }' \
+  "$DATA/bench.json")
+echo "  (S-record lines decoded by the ${read_kernel:-?} block decoder)"
 for mode in 0:"data only" 1:"full address" 2:"strict reading"; do
   read_rate=$(printf '%.2f' "$(rate_of "BM_SRecordToBinaryInMemory/mode:${mode%%:*}")")
   verdict "SRecordToBinary, ${mode#*:}, GB/s of text" "$read_rate" ">=" 4

@@ -114,6 +114,7 @@ void BM_SRecordToBinaryInMemory(benchmark::State& state)
     }
     if (written != kRegionBytes) state.SkipWithError("the conversion lost bytes");
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+    state.SetLabel(recordKernelName(options.kernel));
 }
 BENCHMARK(BM_SRecordToBinaryInMemory)->ArgName("mode")->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 

@@ -63,6 +63,8 @@ void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
         if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
         return;
     }
+    // A record without data hands over no bytes, and perhaps a null pointer.
+    if (count == 0) return;
     std::memcpy(m_outBuffer.get() + m_outSize, bytes, count);
     m_outSize += count;
 }
