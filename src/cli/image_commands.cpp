@@ -85,10 +85,10 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     refuseSameFile(input, output);
     std::ofstream out = openOutputFile(output);
     std::optional<SRecordToBinary> converter;
-    if (mapped) converter.emplace(out, options);
+    if (mapped) converter.emplace(*mapped, out, options);
     else converter.emplace(in, out, options);
     try {
-        withOutputName(output, [&] { mapped ? convertMappedFile(*converter, *mapped) : converter->convertAll(); });
+        withOutputName(output, [&] { converter->convertAll(); });
     } catch (const SRecordError& error) {
         out.close();
         throw std::runtime_error(input + ": " + error.what() + " (the output so far stays in " + output + ")");

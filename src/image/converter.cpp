@@ -2,7 +2,6 @@
 
 #include "file_io.hpp"
 #include "hex_text.hpp"
-#include "mapped_file.hpp"
 #include "srecord.hpp"
 
 #include <algorithm>
@@ -36,6 +35,11 @@ SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOpt
       m_options(options),
       m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1))),
       m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(kOutCapacity))
+{
+}
+
+SRecordToBinary::SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options)
+    : m_mapped(&in), m_out(out), m_options(options), m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(kOutCapacity))
 {
 }
 
@@ -170,7 +174,8 @@ void SRecordToBinary::endText()
 
 bool SRecordToBinary::convertSome(std::size_t workBytes)
 {
-    if (m_in == nullptr) throw std::logic_error("a converter without an input stream is fed with feedText");
+    if (m_mapped != nullptr) return convertSomeMapped(workBytes);
+    if (m_in == nullptr) throw std::logic_error("a converter without an input is fed with feedText");
     std::size_t work = 0;
     while (work < workBytes && !m_inputDone) {
         const std::size_t want = std::min(std::max<std::size_t>(m_options.readBlock, 1), workBytes - work);
@@ -186,23 +191,28 @@ bool SRecordToBinary::convertSome(std::size_t workBytes)
     return !m_inputDone;
 }
 
-void SRecordToBinary::convertAll()
-{
-    while (convertSome(std::size_t{64} << 20)) {
-    }
-}
-
-void convertMappedFile(SRecordToBinary& converter, MappedFile& file)
+bool SRecordToBinary::convertSomeMapped(std::size_t workBytes)
 {
     // Large enough that a window's setting up is lost in its reading, small enough to
     // stay a few MiB of memory.
     constexpr std::size_t kWindow = std::size_t{4} << 20;
-    for (std::uint64_t offset = 0; offset < file.size(); offset += kWindow) {
-        const auto window = file.window(offset, kWindow);
-        converter.feedText(std::string_view(reinterpret_cast<const char*>(window.data()), window.size()));
+    std::size_t work = 0;
+    while (work < workBytes && !m_inputDone) {
+        const auto window = m_mapped->window(m_inputRead, std::min(kWindow, workBytes - work));
+        if (window.empty()) {
+            endText();
+            break;
+        }
+        work += window.size();
+        feedText(std::string_view(reinterpret_cast<const char*>(window.data()), window.size()));
     }
-    file.window(file.size(), 0);
-    converter.endText();
+    return !m_inputDone;
+}
+
+void SRecordToBinary::convertAll()
+{
+    while (convertSome(std::size_t{64} << 20)) {
+    }
 }
 
 void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t start, std::uint32_t end,

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "file_io.hpp"
+#include "mapped_file.hpp"
 
 #include "srecord_block.hpp"
 #include "srecord_reader.hpp"
@@ -56,8 +57,11 @@ struct S3ToBinOptions {
 class SRecordToBinary {
 public:
     SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options);
-    // Without an input stream, for text the caller holds (a mapped file): it is handed
-    // over with feedText and ended with endText.
+    // Reads a mapped file in place, a window of a few MiB at a time (readBlock plays no
+    // part): no copy, and only the window in hand is resident.
+    SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options);
+    // Without an input, for text the caller holds: it is handed over with feedText and
+    // ended with endText.
     SRecordToBinary(std::ostream& out, S3ToBinOptions options);
 
     // Converts until about `workBytes` more input bytes have been read, and returns
@@ -81,6 +85,7 @@ public:
     void flush();
 
 private:
+    bool convertSomeMapped(std::size_t workBytes);
     void takeText(std::string_view text);
     std::size_t decodeCommonLines(std::string_view text);
     void takeLine(std::string_view line);
@@ -90,6 +95,7 @@ private:
     void writeFill(std::uint64_t count);
 
     std::istream* m_in = nullptr;
+    MappedFile* m_mapped = nullptr;
     std::ostream& m_out;
     S3ToBinOptions m_options;
     LineSplitter m_lines;
@@ -108,13 +114,6 @@ private:
     std::uint32_t m_address = 0;
     bool m_inputDone = false;
 };
-
-class MappedFile;
-
-// Hands a mapped S-record file to a converter made without an input stream, a window
-// of a few MiB at a time, and ends its text: the file is read in place and only the
-// window in hand is resident.
-void convertMappedFile(SRecordToBinary& converter, MappedFile& file);
 
 // Writes one S-record file: S0, the region start..end (inclusive) made of the bytes
 // of `binary` while they last and the fill byte after them, then S7. With no

@@ -3,6 +3,7 @@
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/srecord.hpp"
+#include "support/temp_folder.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <sstream>
 
 using namespace zevran::image;
+using zevran::test::TempFolder;
 
 namespace {
 
@@ -239,6 +241,46 @@ TEST(SRecordToBinary, TextFedInPiecesGivesTheBytesOfTheStream)
     EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), expected);
     EXPECT_EQ(converter.linesRead(), 5u);
     EXPECT_EQ(converter.inputBytesRead(), text.size());
+}
+
+TEST(SRecordToBinary, MappedFileReadInSlicesAcrossWindowsGivesTheBytesOfTheStream)
+{
+    TempFolder folder;
+    // Over two windows of 4 MiB of text, the last line without a line end, a CR LF
+    // at some window edge.
+    Bytes binary((std::size_t{3} << 20) + 9);
+    for (std::size_t i = 0; i < binary.size(); ++i) binary[i] = static_cast<std::uint8_t>(i * 31 + (i >> 12));
+    std::string text = std::string(S0Line) + sRecordRegionText(binary, 0x40);
+    text.resize(text.size() - 2);
+    const std::string path = folder.path("in.s3");
+    zevran::test::writeFile(path, text);
+    for (S3ToBinOptions options : {fullAddress(0x00), dataOnly(), S3ToBinOptions{S3ToBinMode::DataOnly, 0, true}}) {
+        const Bytes streamed = toBinary(text, options);
+        ASSERT_EQ(streamed.size(), binary.size() + (options.mode == S3ToBinMode::FullAddress ? 0x40 : 0));
+        for (std::size_t slice : {std::size_t{64} << 20, std::size_t{100003}}) {
+            MappedFile mapped(path);
+            std::ostringstream out;
+            SRecordToBinary converter(mapped, out, options);
+            while (converter.convertSome(slice)) {
+            }
+            const std::string bytes = out.str();
+            EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), streamed) << slice;
+            EXPECT_EQ(converter.inputBytesRead(), text.size());
+            EXPECT_EQ(converter.linesRead(), (binary.size() + 15) / 16 + 1);
+        }
+    }
+}
+
+TEST(SRecordToBinary, EmptyMappedFileGivesEmptyOutput)
+{
+    TempFolder folder;
+    zevran::test::writeFile(folder.path("empty.s3"), std::string());
+    MappedFile mapped(folder.path("empty.s3"));
+    std::ostringstream out;
+    SRecordToBinary converter(mapped, out, fullAddress());
+    converter.convertAll();
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(converter.linesRead(), 0u);
 }
 
 TEST(SRecordToBinary, FullDiskIsAFileError)
