@@ -184,13 +184,13 @@ void ConverterTab::convertS3ToBin()
     const std::string output = outputOf(BinOutput, Text1, ".bin");
     S3ToBinOptions options;
     options.mode = AllAdd->isChecked() ? S3ToBinMode::FullAddress : S3ToBinMode::DataOnly;
-    std::optional<MappedFile> in;
+    std::ifstream in;
     std::optional<TemporaryOutput> out;
     try {
         options.fill = fillByteFromText(Text3->text().toStdString());
-        // Read in place through a mapping; a named pipe, which would hold the window
-        // until something wrote to it, is refused.
-        in.emplace(input);
+        // A named pipe would hold the window until something wrote to it.
+        requireRegularFile(input);
+        in = openInputFile(input);
         refuseSameFile(input, output);
         refusePhoneFile(m_host->imageState().FirmwarePath, output);
         if (!mayWrite(output)) return;
@@ -207,7 +207,7 @@ void ConverterTab::convertS3ToBin()
     ProgressBar3->setRange(0, std::max(1, kibibytes(QFileInfo(Text1->text()).size())));
     ProgressBar3->setValue(0);
     ProgressBar3->setVisible(true);
-    SRecordToBinary converter(*in, out->stream(), options);
+    SRecordToBinary converter(in, out->stream(), options);
     QString failure;
     try {
         while (!m_stopRequested && converter.convertSome(kSliceBytes)) {

@@ -1,6 +1,8 @@
 // A file read through a read-only mapping, a window at a time: the bytes are read in
 // place, with no copy, and only the window in hand stays resident, so a file of any
-// size costs a few MiB of memory.
+// size costs a few MiB of memory. A file that another program cuts short while it is
+// mapped ends the process (SIGBUS), so zevran-cli maps its inputs and the window,
+// which holds the user's unsaved image, reads them as streams.
 #pragma once
 
 #include <cstddef>
