@@ -13,8 +13,16 @@ namespace zevran::image {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 20;
-// The output buffer: a block, and the room a block decoder asks for beyond it.
+// The output buffer holds a block and the room a block decoder asks for beyond it.
 constexpr std::size_t kOutCapacity = kBlock + kRecordRoom;
+
+// A small input starts with a buffer of a few KiB, which grows as needed: a MiB set up
+// for every small file cost more than its conversion. A large one gets the whole
+// buffer at once, as growing it costs a large conversion a fifth of its time.
+std::size_t firstOutCapacity(std::uint64_t inputBytes)
+{
+    return static_cast<std::size_t>(std::clamp<std::uint64_t>(inputBytes, std::size_t{4} << 10, kOutCapacity));
+}
 // Pieces this large go to the stream as they are rather than through the output
 // buffer, and gaps are filled in pieces of this size: a gap of gigabytes then costs
 // calls, not copies, and a new fill byte costs 64 KiB of setting, not a MiB.
@@ -34,17 +42,25 @@ SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOpt
       m_out(out),
       m_options(options),
       m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1))),
-      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(kOutCapacity))
+      m_outCapacity(firstOutCapacity(options.readBlock)),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
 
 SRecordToBinary::SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options)
-    : m_mapped(&in), m_out(out), m_options(options), m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(kOutCapacity))
+    : m_mapped(&in),
+      m_out(out),
+      m_options(options),
+      m_outCapacity(firstOutCapacity(in.size())),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
 
 SRecordToBinary::SRecordToBinary(std::ostream& out, S3ToBinOptions options)
-    : m_out(out), m_options(options), m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(kOutCapacity))
+    : m_out(out),
+      m_options(options),
+      m_outCapacity(kOutCapacity),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
 
@@ -58,17 +74,34 @@ void SRecordToBinary::flush()
     if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
 }
 
+// Room for `count` more bytes: the buffer grows while it is below a block, and is
+// handed to the stream once it is one.
+void SRecordToBinary::makeRoom(std::size_t count)
+{
+    if (m_outSize + count <= m_outCapacity) return;
+    if (m_outCapacity < kOutCapacity) {
+        const std::size_t capacity = std::min(kOutCapacity, std::max(2 * m_outCapacity, m_outSize + count));
+        auto bigger = std::make_unique_for_overwrite<std::uint8_t[]>(capacity);
+        std::memcpy(bigger.get(), m_outBuffer.get(), m_outSize);
+        m_outBuffer = std::move(bigger);
+        m_outCapacity = capacity;
+        if (m_outSize + count <= m_outCapacity) return;
+    }
+    flush();
+}
+
 void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
 {
-    if (m_outSize + count > kBlock || count >= kDirectWrite) flush();
+    // A record without data hands over no bytes, and perhaps a null pointer.
+    if (count == 0) return;
     if (count >= kDirectWrite) {
+        flush();
         m_out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
         m_outputWritten += count;
         if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
         return;
     }
-    // A record without data hands over no bytes, and perhaps a null pointer.
-    if (count == 0) return;
+    makeRoom(count);
     std::memcpy(m_outBuffer.get() + m_outSize, bytes, count);
     m_outSize += count;
 }
@@ -92,8 +125,8 @@ void SRecordToBinary::takeText(std::string_view text)
     while (pos < text.size()) {
         pos += decodeCommonLines(text.substr(pos));
         if (pos == text.size()) break;
-        if (kOutCapacity - m_outSize < kRecordRoom) {
-            flush();
+        if (m_outCapacity - m_outSize < kRecordRoom) {
+            makeRoom(kRecordRoom);
             continue;
         }
         pos += m_lines.feedFirstLine(text.substr(pos), take);
@@ -104,7 +137,7 @@ std::size_t SRecordToBinary::decodeCommonLines(std::string_view text)
 {
     RecordOutput out;
     out.end = m_outBuffer.get() + m_outSize;
-    out.limit = m_outBuffer.get() + kOutCapacity;
+    out.limit = m_outBuffer.get() + m_outCapacity;
     out.fullAddress = m_options.mode == S3ToBinMode::FullAddress;
     out.expected = m_expected;
     out.lines = m_lineNumber;

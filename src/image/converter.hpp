@@ -91,6 +91,7 @@ private:
     void takeLine(std::string_view line);
     template <typename Job>
     void keepingOutputOnError(Job&& job);
+    void makeRoom(std::size_t count);
     void writeOut(const std::uint8_t* bytes, std::size_t count);
     void writeFill(std::uint64_t count);
 
@@ -104,6 +105,7 @@ private:
     // MiB for every conversion of a small file cost more than the conversion.
     std::unique_ptr<char[]> m_inBuffer;
     // Filled to about a MiB; the block decoders write into it directly.
+    std::size_t m_outCapacity = 0;
     std::unique_ptr<std::uint8_t[]> m_outBuffer;
     std::size_t m_outSize = 0;
     std::uint64_t m_expected = 0;  // the address the next record should start at
