@@ -23,6 +23,7 @@ std::size_t firstOutCapacity(std::uint64_t inputBytes)
 {
     return static_cast<std::size_t>(std::clamp<std::uint64_t>(inputBytes, std::size_t{4} << 10, kOutCapacity));
 }
+
 // Pieces this large go to the stream as they are rather than through the output
 // buffer, and gaps are filled in pieces of this size: a gap of gigabytes then costs
 // calls, not copies, and a new fill byte costs 64 KiB of setting, not a MiB.

@@ -139,9 +139,11 @@ std::size_t LineSplitter::feedFirstLine(std::string_view text, OnLine&& onLine)
     const std::string_view line = text.substr(pos, end - pos);
     if (m_havePartial) {
         keep(line);
-        m_havePartial = false;
-        onLine(std::string_view(m_partial));
+        // Taken out first, so the splitter holds nothing even if onLine throws.
+        const std::string whole = std::move(m_partial);
         m_partial.clear();
+        m_havePartial = false;
+        onLine(std::string_view(whole));
     } else {
         onLine(line.substr(0, kMaxKeptLine));
     }
