@@ -136,8 +136,8 @@ check "objcopy output = zevran-cli's" cmp "$DATA/out2.bin" "$DATA/out.bin"
 check "srec_cat output = zevran-cli's" cmp "$DATA/out3.bin" "$DATA/out.bin"
 s2b_objcopy=$(ratio "${MEDIAN[s2b:objcopy]}" "${MEDIAN[s2b:zevran-cli]}")
 s2b_srec=$(ratio "${MEDIAN[s2b:srec_cat]}" "${MEDIAN[s2b:zevran-cli]}")
-verdict "s3-to-bin, objcopy time / ours" "$s2b_objcopy" ">=" 4
-echo "  objcopy / ours:  $s2b_objcopy  $VERDICT (target >= 4)"
+verdict "s3-to-bin, objcopy time / ours" "$s2b_objcopy" ">=" 6
+echo "  objcopy / ours:  $s2b_objcopy  $VERDICT (target >= 6)"
 echo "  srec_cat / ours: $s2b_srec"
 rm -f "$DATA/out.bin" "$DATA/out2.bin" "$DATA/out3.bin"
 
@@ -316,8 +316,12 @@ check "1000 regions, each of one byte, listed" test "$(wc -l <"$DATA/regions.txt
 check "apply-patch of its patch = the changed image" cmp "$DATA/patched.bin" "$DATA/large-changed.bin"
 rm -f "$DATA/change.s3" "$DATA/patched.bin"
 diff_cmp=$(ratio "${MEDIAN[diff:zevran-cli]}" "${MEDIAN[diff:cmp]}")
-verdict "diff of 256 MiB images, our time / cmp's on equal files" "$diff_cmp" "<=" 2
-echo "  ours / cmp: $diff_cmp  $VERDICT (target <= 2)"
+verdict "diff of 256 MiB images, our time / cmp's on equal files" "$diff_cmp" "<=" 1.2
+echo "  ours / cmp: $diff_cmp  $VERDICT (target <= 1.2)"
+# The images are read through windows of a few MiB, so memory does not follow their size.
+diff_mib=$(awk -v k="${PEAK[diff:zevran-cli]}" 'BEGIN { printf "%.1f", k / 1024 }')
+verdict "diff of two 256 MiB images, peak MiB" "$diff_mib" "<=" 32
+echo "  peak memory: $diff_mib MiB  $VERDICT (target <= 32)"
 
 # --- in-process ---
 echo
@@ -337,9 +341,17 @@ printf '  %-36s %8.2f GB/s\n' "findBytes, every MMMD" "$(rate_of BM_findBytes)"
 printf '  %-36s %8.2f GB/s\n' "appendSRecordLines, 16 MiB" "$(rate_of BM_appendSRecordLines)"
 printf '  %-36s %8.2f GB/s\n' "sRecordRegionText, 16 MiB" "$(rate_of BM_sRecordRegionText)"
 printf '  %-36s %8.2f GB/s\n' "binaryToSRecord, 16 MiB" "$(rate_of BM_binaryToSRecord)"
-printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, data only" "$(rate_of BM_SRecordToBinary/mode:0)"
-printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, full address" "$(rate_of BM_SRecordToBinary/mode:1)"
-printf '  %-36s %8.2f GB/s of text\n' "SRecordToBinary, strict reading" "$(rate_of BM_SRecordToBinary/mode:2)"
+# Reading S-records: text in memory handed over as zevran-cli hands over a mapped file;
+# the stream figures beside them add the copy out of an istringstream.
+read_kernel=$(awk '$1 == "\"name\":" { name = $2 } $1 == "\"label\":" && name ~ /InMemory/ { gsub(/[",]/, "", $2); print $2; exit }' \
+  "$DATA/bench.json")
+echo "  (S-record lines decoded by the ${read_kernel:-?} block decoder)"
+for mode in 0:"data only" 1:"full address" 2:"strict reading"; do
+  read_rate=$(printf '%.2f' "$(rate_of "BM_SRecordToBinaryInMemory/mode:${mode%%:*}")")
+  verdict "SRecordToBinary, ${mode#*:}, GB/s of text" "$read_rate" ">=" 4
+  printf '  %-36s %8.2f GB/s of text  %s (target >= 4; through a stream %.2f)\n' "SRecordToBinary, ${mode#*:}" \
+    "$read_rate" "$VERDICT" "$(rate_of "BM_SRecordToBinary/mode:${mode%%:*}")"
+done
 scan_rate=$(printf '%.2f' "$(rate_of BM_scanTones)")
 verdict "scanTones, GB/s" "$scan_rate" ">=" 3
 printf '  %-36s %8.2f GB/s  %s (target >= 3)\n' "scanTones, 64 MiB" "$scan_rate" "$VERDICT"

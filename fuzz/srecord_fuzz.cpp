@@ -2,11 +2,13 @@
 // two readings, and each line through both record readers. SRecordError and
 // FileError are answers; a crash, a sanitizer report, any other exception or a hang
 // is a bug. Converting in small slices must give the same bytes, the same count and
-// the same error as converting all at once.
+// the same error as converting all at once, and every block decoder (vector or
+// plain) must decode the whole input as the portable one does.
 #include "counting_sink.hpp"
 
 #include "image/converter.hpp"
 #include "image/file_io.hpp"
+#include "image/srecord_block.hpp"
 
 #include <algorithm>
 #include <cstdint>
@@ -115,6 +117,32 @@ void readLinesAlone(std::string_view text)
     }
 }
 
+// Every block decoder on the whole input at once, where lines sit next to each other
+// and the vector loads run up to the text's very end: all must take the same lines
+// and write the same bytes as the portable one.
+void kernelsAgree(std::string_view text)
+{
+    for (RecordReading reading : {RecordReading::Handset, RecordReading::AnyRecords}) {
+        std::string reference;
+        std::size_t referenceTaken = 0;
+        for (RecordKernel kernel : availableRecordKernels()) {
+            std::unique_ptr<std::uint8_t[]> room(new std::uint8_t[text.size() + kRecordRoom]);
+            RecordOutput out;
+            out.end = room.get();
+            out.limit = room.get() + text.size() + kRecordRoom;
+            out.fullAddress = (text.size() & 1) != 0;
+            const std::size_t taken = decodeRecordBlock(kernel, text, reading, out);
+            const std::string bytes(reinterpret_cast<const char*>(room.get()), static_cast<std::size_t>(out.end - room.get()));
+            if (kernel == RecordKernel::Portable) {
+                reference = bytes;
+                referenceTaken = taken;
+            } else if (taken != referenceTaken || bytes != reference) {
+                fail("block decoders disagree");
+            }
+        }
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -136,5 +164,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     sameOutcome(convert(text, options, 0), convert(text, options, slice));
     readLinesAlone(text);
+    kernelsAgree(text);
     return 0;
 }

@@ -30,11 +30,9 @@ int runDiff(const std::vector<std::string>& words, const Context&)
         refuseSameFile(olderPath, *output);
         refuseSameFile(newerPath, *output);
     }
-    const std::vector<std::uint8_t> older = readPhoneFile(olderPath);
-    const std::vector<std::uint8_t> newer = readPhoneFile(newerPath);
     std::vector<DiffRange> ranges;
     try {
-        ranges = compareImages(older, newer, gap);
+        ranges = compareImageFiles(olderPath, newerPath, gap);
     } catch (const ShorterImage& error) {
         throw std::runtime_error(newerPath + ": holds " + std::to_string(error.newerLength()) + " bytes, fewer than the " +
                                  std::to_string(error.olderLength()) + " of " + olderPath +
@@ -45,7 +43,7 @@ int runDiff(const std::vector<std::string>& words, const Context&)
     std::cout << lines << std::flush;
     if (output) {
         if (!ranges.empty()) {
-            writeOutputFile(*output, [&](const std::string& path) { writeDiffPatch(path, newer, ranges); });
+            writeOutputFile(*output, [&](const std::string& path) { writeDiffPatchFromFile(path, newerPath, ranges); });
             return 0;
         }
         std::cerr << "zevran-cli: " << olderPath << " and " << newerPath << " are equal; no patch written to " << *output

@@ -8,12 +8,14 @@
 #include "image/converter.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/mapped_file.hpp"
 #include "image/patch_writer.hpp"
 #include "image/phone_file.hpp"
 #include "image/srecord_reader.hpp"
 
 #include <fstream>
 #include <iostream>
+#include <optional>
 
 namespace zevran::cli {
 
@@ -76,18 +78,29 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
     options.anyRecords = args.has("--any-records");
     const std::string& input = args.positional()[0];
     const std::string output = args.value("-o").value_or(convertedOutputPath(input, ".bin"));
-    std::ifstream in = openInputFile(input);
+    // A regular file is read in place through a mapping; a pipe as a stream.
+    std::optional<MappedFile> mapped;
+    std::ifstream in;
+    if (isRegularFile(input)) mapped.emplace(input);
+    else in = openInputFile(input);
     refuseSameFile(input, output);
+    std::uint64_t skipped = 0;
     writeOutputFile(output, [&](const std::string& path) {
         std::ofstream out = openOutputFile(path);
-        SRecordToBinary converter(in, out, options);
+        std::optional<SRecordToBinary> converter;
+        if (mapped) converter.emplace(*mapped, out, options);
+        else converter.emplace(in, out, options);
         try {
-            withOutputName(path, [&] { converter.convertAll(); });
+            withOutputName(path, [&] { converter->convertAll(); });
         } catch (const SRecordError& error) {
             throw std::runtime_error(input + ": " + error.what());
         }
         closeOutputFile(out, path);
+        skipped = converter->skippedLines();
     });
+    if (skipped)
+        std::cerr << "zevran-cli: " << input << ": skipped " << skipped << (skipped == 1 ? " line that does" : " lines that do")
+                  << " not start with \"S\"\n";
     return 0;
 }
 

@@ -13,6 +13,17 @@ namespace zevran::image {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 20;
+// The output buffer holds a block and the room a block decoder asks for beyond it.
+constexpr std::size_t kOutCapacity = kBlock + kRecordRoom;
+
+// A small input starts with a buffer of a few KiB, which grows as needed: a MiB set up
+// for every small file cost more than its conversion. A large one gets the whole
+// buffer at once, as growing it costs a large conversion a fifth of its time.
+std::size_t firstOutCapacity(std::uint64_t inputBytes)
+{
+    return static_cast<std::size_t>(std::clamp<std::uint64_t>(inputBytes, std::size_t{4} << 10, kOutCapacity));
+}
+
 // Pieces this large go to the stream as they are rather than through the output
 // buffer, and gaps are filled in pieces of this size: a gap of gigabytes then costs
 // calls, not copies, and a new fill byte costs 64 KiB of setting, not a MiB.
@@ -28,30 +39,72 @@ const std::vector<std::uint8_t>& fillBlock(std::uint8_t fill)
 }  // namespace
 
 SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options)
-    : m_in(in), m_out(out), m_options(options), m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1)))
+    : m_in(&in),
+      m_out(out),
+      m_options(options),
+      m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1))),
+      m_outCapacity(firstOutCapacity(options.readBlock)),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
+{
+}
+
+SRecordToBinary::SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options)
+    : m_mapped(&in),
+      m_out(out),
+      m_options(options),
+      m_outCapacity(firstOutCapacity(in.size())),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
+{
+}
+
+SRecordToBinary::SRecordToBinary(std::ostream& out, S3ToBinOptions options)
+    : m_out(out),
+      m_options(options),
+      m_outCapacity(kOutCapacity),
+      m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
 
 void SRecordToBinary::flush()
 {
-    if (m_outBuffer.empty()) return;
-    m_out.write(reinterpret_cast<const char*>(m_outBuffer.data()), static_cast<std::streamsize>(m_outBuffer.size()));
-    m_outputWritten += m_outBuffer.size();
-    m_outBuffer.clear();
+    if (m_outSize == 0) return;
+    m_out.write(reinterpret_cast<const char*>(m_outBuffer.get()), static_cast<std::streamsize>(m_outSize));
+    m_outputWritten += m_outSize;
+    m_outSize = 0;
     m_out.flush();
     if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
 }
 
+// Room for `count` more bytes: the buffer grows while it is below a block, and is
+// handed to the stream once it is one.
+void SRecordToBinary::makeRoom(std::size_t count)
+{
+    if (m_outSize + count <= m_outCapacity) return;
+    if (m_outCapacity < kOutCapacity) {
+        const std::size_t capacity = std::min(kOutCapacity, std::max(2 * m_outCapacity, m_outSize + count));
+        auto bigger = std::make_unique_for_overwrite<std::uint8_t[]>(capacity);
+        std::memcpy(bigger.get(), m_outBuffer.get(), m_outSize);
+        m_outBuffer = std::move(bigger);
+        m_outCapacity = capacity;
+        if (m_outSize + count <= m_outCapacity) return;
+    }
+    flush();
+}
+
 void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
 {
-    if (m_outBuffer.size() + count > kBlock || count >= kDirectWrite) flush();
+    // A record without data hands over no bytes, and perhaps a null pointer.
+    if (count == 0) return;
     if (count >= kDirectWrite) {
+        flush();
         m_out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
         m_outputWritten += count;
         if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
         return;
     }
-    m_outBuffer.insert(m_outBuffer.end(), bytes, bytes + count);
+    makeRoom(count);
+    std::memcpy(m_outBuffer.get() + m_outSize, bytes, count);
+    m_outSize += count;
 }
 
 void SRecordToBinary::writeFill(std::uint64_t count)
@@ -64,9 +117,48 @@ void SRecordToBinary::writeFill(std::uint64_t count)
     }
 }
 
+// Lines of the common form go through the block decoder; it stops at any other line,
+// which the line splitter hands to takeLine, and at a line whose end is still to come.
+void SRecordToBinary::takeText(std::string_view text)
+{
+    const auto take = [this](std::string_view line) { takeLine(line); };
+    std::size_t pos = m_lines.idle() ? 0 : m_lines.feedFirstLine(text, take);
+    while (pos < text.size()) {
+        pos += decodeCommonLines(text.substr(pos));
+        if (pos == text.size()) break;
+        if (m_outCapacity - m_outSize < kRecordRoom) {
+            makeRoom(kRecordRoom);
+            continue;
+        }
+        pos += m_lines.feedFirstLine(text.substr(pos), take);
+    }
+}
+
+std::size_t SRecordToBinary::decodeCommonLines(std::string_view text)
+{
+    RecordOutput out;
+    out.end = m_outBuffer.get() + m_outSize;
+    out.limit = m_outBuffer.get() + m_outCapacity;
+    out.fullAddress = m_options.mode == S3ToBinMode::FullAddress;
+    out.expected = m_expected;
+    out.lines = m_lineNumber;
+    out.lastAddress = m_address;
+    const RecordReading reading = m_options.anyRecords ? RecordReading::AnyRecords : RecordReading::Handset;
+    const std::size_t taken = decodeRecordBlock(m_options.kernel, text, reading, out);
+    m_outSize = static_cast<std::size_t>(out.end - m_outBuffer.get());
+    m_expected = out.expected;
+    m_lineNumber = out.lines;
+    m_address = out.lastAddress;
+    return taken;
+}
+
 void SRecordToBinary::takeLine(std::string_view line)
 {
     ++m_lineNumber;
+    if (m_options.anyRecords && isForeignLine(line)) {
+        ++m_skippedLines;
+        return;
+    }
     if (m_options.anyRecords) readStrictRecord(line, m_lineNumber, m_record);
     else readDesignRecord(line, m_lineNumber, m_record);
     if (!m_record.isData) return;
@@ -82,31 +174,71 @@ void SRecordToBinary::takeLine(std::string_view line)
     writeOut(m_record.bytes.data(), m_record.bytes.size());
 }
 
-bool SRecordToBinary::convertSome(std::size_t workBytes)
+// Keeps what was converted before a failure; the first error is the one to report.
+template <typename Job>
+void SRecordToBinary::keepingOutputOnError(Job&& job)
 {
     try {
-        std::size_t work = 0;
-        while (work < workBytes && !m_inputDone) {
-            const std::size_t want = std::min(std::max<std::size_t>(m_options.readBlock, 1), workBytes - work);
-            m_in.read(m_inBuffer.get(), static_cast<std::streamsize>(want));
-            const auto got = static_cast<std::size_t>(m_in.gcount());
-            m_inputRead += got;
-            work += got;
-            m_lines.feed(std::string_view(m_inBuffer.get(), got), [this](std::string_view line) { takeLine(line); });
-            if (got == 0 || !m_in) {
-                if (m_in.bad()) throw FileError("the S-record input could not be read");
-                m_lines.finish([this](std::string_view line) { takeLine(line); });
-                m_inputDone = true;
-            }
-        }
-        if (m_inputDone) flush();
+        job();
     } catch (...) {
-        // Keep what was converted before the failure; the first error is the one to report.
         try {
             flush();
         } catch (const FileError&) {
         }
         throw;
+    }
+}
+
+void SRecordToBinary::feedText(std::string_view text)
+{
+    keepingOutputOnError([&] {
+        m_inputRead += text.size();
+        takeText(text);
+    });
+}
+
+void SRecordToBinary::endText()
+{
+    keepingOutputOnError([&] {
+        m_lines.finish([this](std::string_view line) { takeLine(line); });
+        m_inputDone = true;
+        flush();
+    });
+}
+
+bool SRecordToBinary::convertSome(std::size_t workBytes)
+{
+    if (m_mapped != nullptr) return convertSomeMapped(workBytes);
+    if (m_in == nullptr) throw std::logic_error("a converter without an input is fed with feedText");
+    std::size_t work = 0;
+    while (work < workBytes && !m_inputDone) {
+        const std::size_t want = std::min(std::max<std::size_t>(m_options.readBlock, 1), workBytes - work);
+        m_in->read(m_inBuffer.get(), static_cast<std::streamsize>(want));
+        const auto got = static_cast<std::size_t>(m_in->gcount());
+        work += got;
+        feedText(std::string_view(m_inBuffer.get(), got));
+        if (got == 0 || !*m_in) {
+            if (m_in->bad()) keepingOutputOnError([] { throw FileError("the S-record input could not be read"); });
+            endText();
+        }
+    }
+    return !m_inputDone;
+}
+
+bool SRecordToBinary::convertSomeMapped(std::size_t workBytes)
+{
+    // Large enough that a window's setting up is lost in its reading, small enough to
+    // stay a few MiB of memory.
+    constexpr std::size_t kWindow = std::size_t{4} << 20;
+    std::size_t work = 0;
+    while (work < workBytes && !m_inputDone) {
+        const auto window = m_mapped->window(m_inputRead, std::min(kWindow, workBytes - work));
+        if (window.empty()) {
+            endText();
+            break;
+        }
+        work += window.size();
+        feedText(std::string_view(reinterpret_cast<const char*>(window.data()), window.size()));
     }
     return !m_inputDone;
 }

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "file_io.hpp"
+#include "mapped_file.hpp"
 
+#include "srecord_block.hpp"
 #include "srecord_reader.hpp"
 
 #include <cstdint>
@@ -42,6 +44,8 @@ struct S3ToBinOptions {
     S3ToBinMode mode = S3ToBinMode::FullAddress;
     std::uint8_t fill = 0xFF;
     bool anyRecords = false;  // strict reading of S1/S2/S3 files with checksums
+    // The block decoder of the common lines; every kernel gives the same bytes.
+    RecordKernel kernel = fastestRecordKernel();
     // Input bytes read at a time. Big blocks suit big files; a small block lets a
     // fuzzer or a test put line ends on every side of a block's edge.
     std::size_t readBlock = std::size_t{1} << 20;
@@ -53,26 +57,46 @@ struct S3ToBinOptions {
 class SRecordToBinary {
 public:
     SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options);
+    // Reads a mapped file in place, a window of a few MiB at a time (readBlock plays no
+    // part): no copy, and only the window in hand is resident.
+    SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options);
+    // Without an input, for text the caller holds: it is handed over with feedText and
+    // ended with endText.
+    SRecordToBinary(std::ostream& out, S3ToBinOptions options);
 
     // Converts until about `workBytes` more input bytes have been read, and returns
     // true while there is more to do. The output is flushed when the input ends.
     bool convertSome(std::size_t workBytes);
     void convertAll();
 
+    // The next piece of the text, read in place: a line may run on into the next piece.
+    void feedText(std::string_view text);
+    // Ends the text (a last line without a line end counts) and flushes the output.
+    void endText();
+
     std::uint64_t linesRead() const { return m_lineNumber; }
     std::uint32_t currentAddress() const { return m_address; }
     std::uint64_t inputBytesRead() const { return m_inputRead; }
-    std::uint64_t outputBytesWritten() const { return m_outputWritten + m_outBuffer.size(); }
+    std::uint64_t outputBytesWritten() const { return m_outputWritten + m_outSize; }
+    // Lines the strict reading passed over because they are no S-records (isForeignLine).
+    std::uint64_t skippedLines() const { return m_skippedLines; }
 
     // Hands buffered output to the stream, as a stop request or an error needs.
     void flush();
 
 private:
+    bool convertSomeMapped(std::size_t workBytes);
+    void takeText(std::string_view text);
+    std::size_t decodeCommonLines(std::string_view text);
     void takeLine(std::string_view line);
+    template <typename Job>
+    void keepingOutputOnError(Job&& job);
+    void makeRoom(std::size_t count);
     void writeOut(const std::uint8_t* bytes, std::size_t count);
     void writeFill(std::uint64_t count);
 
-    std::istream& m_in;
+    std::istream* m_in = nullptr;
+    MappedFile* m_mapped = nullptr;
     std::ostream& m_out;
     S3ToBinOptions m_options;
     LineSplitter m_lines;
@@ -80,11 +104,15 @@ private:
     // Left uninitialised: only what a read fills is ever looked at, and clearing a
     // MiB for every conversion of a small file cost more than the conversion.
     std::unique_ptr<char[]> m_inBuffer;
-    std::vector<std::uint8_t> m_outBuffer;
+    // Filled to about a MiB; the block decoders write into it directly.
+    std::size_t m_outCapacity = 0;
+    std::unique_ptr<std::uint8_t[]> m_outBuffer;
+    std::size_t m_outSize = 0;
     std::uint64_t m_expected = 0;  // the address the next record should start at
     std::uint64_t m_lineNumber = 0;
     std::uint64_t m_inputRead = 0;
     std::uint64_t m_outputWritten = 0;
+    std::uint64_t m_skippedLines = 0;
     std::uint32_t m_address = 0;
     bool m_inputDone = false;
 };

@@ -1,62 +1,22 @@
 #include "srecord_reader.hpp"
 
 #include "hex_text.hpp"
+#include "srecord_digits.hpp"
 
 #include <algorithm>
-#include <array>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace zevran::image {
 
 namespace {
 
-// Digit values with a non-hex character as 0, as the tool's hex conversion always
-// read them. A table, because a data line is 32 digits of random-looking hex and
-// the range tests of a branch-per-digit lookup mispredict on them.
-constexpr std::array<std::uint8_t, 256> kTolerantDigit = [] {
-    std::array<std::uint8_t, 256> table{};
-    for (int c = 0; c < 256; ++c) {
-        const int digit = hexDigitOrMinusOne(static_cast<char>(c));
-        table[static_cast<std::size_t>(c)] = static_cast<std::uint8_t>(digit < 0 ? 0 : digit);
-    }
-    return table;
-}();
+using digits::tolerantDigit;
 
-std::uint32_t tolerantDigit(char c) { return kTolerantDigit[static_cast<unsigned char>(c)]; }
-
-// `count` bytes from the 2 * count hex characters at `digits`, each pair high digit
-// first, a non-hex character as 0.
-void tolerantBytes(const char* digits, std::size_t count, std::uint8_t* bytes)
+// `count` bytes from the 2 * count hex characters at `digitText`, a non-hex character
+// as 0. The converter hands lines of the common form to the block decoders
+// (srecord_block.hpp), so this path is that of the rare ones.
+void tolerantBytes(const char* digitText, std::size_t count, std::uint8_t* bytes)
 {
-    std::size_t i = 0;
-#if defined(__SSE2__)
-    // Sixteen bytes at a time: a full data line in one step.
-    const auto digitValues = [](__m128i c) {
-        const __m128i isDecimal = _mm_and_si128(_mm_cmpgt_epi8(c, _mm_set1_epi8('0' - 1)),
-                                                _mm_cmpgt_epi8(_mm_set1_epi8('9' + 1), c));
-        // Setting bit 5 turns only 'A'..'F' into 'a'..'f'; bytes from 0x80 stay negative.
-        const __m128i lower = _mm_or_si128(c, _mm_set1_epi8(0x20));
-        const __m128i isLetter = _mm_and_si128(_mm_cmpgt_epi8(lower, _mm_set1_epi8('a' - 1)),
-                                               _mm_cmpgt_epi8(_mm_set1_epi8('f' + 1), lower));
-        return _mm_or_si128(_mm_and_si128(isDecimal, _mm_sub_epi8(c, _mm_set1_epi8('0'))),
-                            _mm_and_si128(isLetter, _mm_sub_epi8(lower, _mm_set1_epi8('a' - 10))));
-    };
-    // In each 16-bit lane the first character (the high digit) is the low byte.
-    const auto pairValues = [](__m128i d) {
-        return _mm_or_si128(_mm_slli_epi16(_mm_and_si128(d, _mm_set1_epi16(0x00FF)), 4), _mm_srli_epi16(d, 8));
-    };
-    for (; i + 16 <= count; i += 16) {
-        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(digits + 2 * i));
-        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(digits + 2 * i + 16));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + i),
-                         _mm_packus_epi16(pairValues(digitValues(first)), pairValues(digitValues(second))));
-    }
-#endif
-    for (; i < count; ++i)
-        bytes[i] = static_cast<std::uint8_t>(tolerantDigit(digits[2 * i]) << 4 | tolerantDigit(digits[2 * i + 1]));
+    for (std::size_t i = 0; i < count; ++i) bytes[i] = digits::tolerantPair(digitText + 2 * i);
 }
 
 // Hex value of up to `width` characters from `pos`, as many as the line holds.
@@ -67,20 +27,7 @@ std::uint32_t tolerantHex(std::string_view line, std::size_t pos, std::size_t wi
     return value;
 }
 
-// Digit values with -1 for a non-hex character, for the strict reading.
-constexpr std::array<std::int8_t, 256> kStrictDigit = [] {
-    std::array<std::int8_t, 256> table{};
-    for (int c = 0; c < 256; ++c)
-        table[static_cast<std::size_t>(c)] = static_cast<std::int8_t>(hexDigitOrMinusOne(static_cast<char>(c)));
-    return table;
-}();
-
-int strictByte(std::string_view line, std::size_t pos)
-{
-    const int high = kStrictDigit[static_cast<unsigned char>(line[pos])];
-    const int low = kStrictDigit[static_cast<unsigned char>(line[pos + 1])];
-    return (high | low) < 0 ? -1 : high * 16 + low;
-}
+int strictByte(std::string_view line, std::size_t pos) { return digits::strictPair(line.data() + pos); }
 
 std::string quoted(std::string_view text)
 {
@@ -126,6 +73,11 @@ void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
         record.bytes.resize(count);
         for (std::size_t i = 0; i < count; ++i) record.bytes[i] = static_cast<std::uint8_t>(tolerantHex(line, 12 + 2 * i, 2));
     }
+}
+
+bool isForeignLine(std::string_view line)
+{
+    return !line.empty() && line[0] != 'S' && line.find_first_not_of(" \t") != std::string_view::npos;
 }
 
 void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordData& record)

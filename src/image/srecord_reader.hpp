@@ -40,6 +40,11 @@ void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
 // throws SRecordError.
 void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordData& record);
 
+// A line that the strict reading passes over instead of refusing: one that is not
+// blank and does not start with "S", such as the comment lines some producers write
+// between their records.
+bool isForeignLine(std::string_view line);
+
 // Splits text into lines at CR LF, a lone CR or a lone LF, across buffer refills.
 // Lines longer than kMaxKeptLine are cut there: no S-record line is that long, and
 // the tail of a longer one is never read.
@@ -55,6 +60,16 @@ public:
     // Ends the input: a last line without a line end is delivered too.
     template <typename OnLine>
     void finish(OnLine&& onLine);
+
+    // Feeds `text` up to the end of the first line it completes and returns the
+    // characters taken; after a return short of text.size() the splitter holds nothing,
+    // so the caller may read on from there line by line itself. A line whose end is not
+    // in `text` (or is a CR as its last character) is kept and all of `text` is taken.
+    template <typename OnLine>
+    std::size_t feedFirstLine(std::string_view text, OnLine&& onLine);
+
+    // True while no part of a line is kept.
+    bool idle() const { return !m_havePartial && !m_skipLf; }
 
 private:
     void keep(std::string_view piece);
@@ -106,6 +121,33 @@ void LineSplitter::finish(OnLine&& onLine)
     m_partial.clear();
     m_havePartial = false;
     m_skipLf = false;
+}
+
+template <typename OnLine>
+std::size_t LineSplitter::feedFirstLine(std::string_view text, OnLine&& onLine)
+{
+    std::size_t pos = 0;
+    if (m_skipLf && !text.empty()) {
+        if (text[0] == '\n') pos = 1;
+        m_skipLf = false;
+    }
+    const std::size_t end = text.find_first_of("\r\n", pos);
+    if (end == std::string_view::npos || (text[end] == '\r' && end + 1 == text.size())) {
+        feed(text.substr(pos), onLine);
+        return text.size();
+    }
+    const std::string_view line = text.substr(pos, end - pos);
+    if (m_havePartial) {
+        keep(line);
+        // Taken out first, so the splitter holds nothing even if onLine throws.
+        const std::string whole = std::move(m_partial);
+        m_partial.clear();
+        m_havePartial = false;
+        onLine(std::string_view(whole));
+    } else {
+        onLine(line.substr(0, kMaxKeptLine));
+    }
+    return end + 1 + (text[end] == '\r' && text[end + 1] == '\n' ? 1 : 0);
 }
 
 }  // namespace zevran::image

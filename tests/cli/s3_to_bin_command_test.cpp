@@ -198,6 +198,17 @@ TEST(S3ToBinCommand, MissingInputFailsNamingThePath)
 // 01 02 03 04 at 0x10 as S1 (2 address bytes): 07 + 00 + 10 + 0A = 21 -> DE.
 // 05 06 07 08 at 0x20 as S2 (3 address bytes): 08 + 20 + 1A = 42 -> BD.
 // 09 0A 0B 0C at 0x30 as S3 (4 address bytes): 09 + 30 + 2A = 63 -> 9C.
+TEST(S3ToBinCommand, InputFromAPipeIsReadAsAStream)
+{
+    // A regular file is mapped; a pipe cannot be, and is read as it comes.
+    TempFolder folder;
+    writeFile(folder.path("in.s3"), kTwoRecords);
+    const RunResult result = runProgram(
+        folder, "/bin/sh", {"-c", "cat in.s3 | " + shellQuoted(ZEVRAN_CLI) + " s3-to-bin /dev/stdin -o out.bin"});
+    ASSERT_TRUE(succeeded(result));
+    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
+}
+
 TEST(S3ToBinAnyRecords, S1S2AndS3RecordsArePlacedAtTheirAddresses)
 {
     TempFolder folder;
@@ -215,6 +226,25 @@ TEST(S3ToBinAnyRecords, HeaderCountAndTrailerRecordsCarryNoData)
                              "S804000000FB\r\nS9030000FC\r\n";
     ASSERT_TRUE(succeeded(convert(folder, text, {"--any-records"})));
     EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
+}
+
+TEST(S3ToBinAnyRecords, LinesNotStartingWithSAreSkippedAndCounted)
+{
+    TempFolder folder;
+    const std::string text = "# written by a tool\n" + kRecordAt10 + "\n; between\n" + kRecordAt20 + "\n";
+    const RunResult result = convert(folder, text, {"--any-records", "--data-only"});
+    ASSERT_EQ(result.exitCode, 0);
+    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(result.err, "zevran-cli: in.s3: skipped 2 lines that do not start with \"S\"\n");
+}
+
+TEST(S3ToBinAnyRecords, OneSkippedLineIsSaidInTheSingular)
+{
+    TempFolder folder;
+    const RunResult result = convert(folder, kRecordAt10 + "\n* end\n", {"--any-records", "--data-only"});
+    ASSERT_EQ(result.exitCode, 0);
+    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(result.err, "zevran-cli: in.s3: skipped 1 line that does not start with \"S\"\n");
 }
 
 TEST(S3ToBinAnyRecords, BadChecksumFailsNamingTheLine)

@@ -3,6 +3,7 @@
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/srecord.hpp"
+#include "support/temp_folder.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <sstream>
 
 using namespace zevran::image;
+using zevran::test::TempFolder;
 
 namespace {
 
@@ -194,6 +196,91 @@ TEST(SRecordToBinary, AnyRecordsRefusesAWrongChecksum)
 {
     S3ToBinOptions options{S3ToBinMode::DataOnly, 0xFF, true};
     EXPECT_THROW(toBinary("S1050002AABB00\n", options), SRecordError);
+}
+
+TEST(SRecordToBinary, AnyRecordsSkipsAndCountsLinesNotStartingWithS)
+{
+    // 09 + 10 + 0A = 23 -> DC; a comment before, between and after the records, a blank line.
+    const std::string text = "# made by a tool\nS3090000001001020304DC\n; note\r\n\r\n s3 indented\r"
+                             "S3090000001405060708C8\n//end";
+    for (std::size_t readBlock : {std::size_t{1} << 20, std::size_t{5}}) {
+        S3ToBinOptions options{S3ToBinMode::DataOnly, 0xFF, true};
+        options.readBlock = readBlock;
+        std::istringstream in(text);
+        std::ostringstream out;
+        SRecordToBinary converter(in, out, options);
+        converter.convertAll();
+        EXPECT_EQ(out.str(), std::string("\x01\x02\x03\x04\x05\x06\x07\x08"));
+        EXPECT_EQ(converter.skippedLines(), 4u);
+        EXPECT_EQ(converter.linesRead(), 7u);
+    }
+}
+
+TEST(SRecordToBinary, HandsetReadingSkipsNothingAndReadsACommentAsARecord)
+{
+    std::istringstream in("; -- made by a tool\n");
+    std::ostringstream out;
+    SRecordToBinary converter(in, out, dataOnly());
+    // Its count field "--" reads as 0, below 5.
+    EXPECT_THROW(converter.convertAll(), SRecordError);
+    EXPECT_EQ(converter.skippedLines(), 0u);
+}
+
+TEST(SRecordToBinary, TextFedInPiecesGivesTheBytesOfTheStream)
+{
+    const std::string text = kTwoRecords + "S3090000002405060708B8\r";
+    std::ostringstream out;
+    SRecordToBinary converter(out, fullAddress(0x00));
+    for (std::size_t at = 0; at < text.size(); at += 7) converter.feedText(std::string_view(text).substr(at, 7));
+    converter.endText();
+    const std::string bytes = out.str();
+    Bytes expected(16, 0);
+    expected.insert(expected.end(), {1, 2, 3, 4});
+    expected.insert(expected.end(), 12, 0);
+    expected.insert(expected.end(), {5, 6, 7, 8, 5, 6, 7, 8});
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), expected);
+    EXPECT_EQ(converter.linesRead(), 5u);
+    EXPECT_EQ(converter.inputBytesRead(), text.size());
+}
+
+TEST(SRecordToBinary, MappedFileReadInSlicesAcrossWindowsGivesTheBytesOfTheStream)
+{
+    TempFolder folder;
+    // Over two windows of 4 MiB of text, the last line without a line end, a CR LF
+    // at some window edge.
+    Bytes binary((std::size_t{3} << 20) + 9);
+    for (std::size_t i = 0; i < binary.size(); ++i) binary[i] = static_cast<std::uint8_t>(i * 31 + (i >> 12));
+    std::string text = std::string(S0Line) + sRecordRegionText(binary, 0x40);
+    text.resize(text.size() - 2);
+    const std::string path = folder.path("in.s3");
+    zevran::test::writeFile(path, text);
+    for (S3ToBinOptions options : {fullAddress(0x00), dataOnly(), S3ToBinOptions{S3ToBinMode::DataOnly, 0, true}}) {
+        const Bytes streamed = toBinary(text, options);
+        ASSERT_EQ(streamed.size(), binary.size() + (options.mode == S3ToBinMode::FullAddress ? 0x40 : 0));
+        for (std::size_t slice : {std::size_t{64} << 20, std::size_t{100003}}) {
+            MappedFile mapped(path);
+            std::ostringstream out;
+            SRecordToBinary converter(mapped, out, options);
+            while (converter.convertSome(slice)) {
+            }
+            const std::string bytes = out.str();
+            EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), streamed) << slice;
+            EXPECT_EQ(converter.inputBytesRead(), text.size());
+            EXPECT_EQ(converter.linesRead(), (binary.size() + 15) / 16 + 1);
+        }
+    }
+}
+
+TEST(SRecordToBinary, EmptyMappedFileGivesEmptyOutput)
+{
+    TempFolder folder;
+    zevran::test::writeFile(folder.path("empty.s3"), std::string());
+    MappedFile mapped(folder.path("empty.s3"));
+    std::ostringstream out;
+    SRecordToBinary converter(mapped, out, fullAddress());
+    converter.convertAll();
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(converter.linesRead(), 0u);
 }
 
 TEST(SRecordToBinary, FullDiskIsAFileError)

@@ -1,14 +1,17 @@
+#include "image/file_io.hpp"
 #include "image/image_diff.hpp"
 #include "image/srecord_reader.hpp"
 #include "support/temp_folder.hpp"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 using namespace zevran::image;
 using zevran::test::readText;
 using zevran::test::TempFolder;
+using zevran::test::writeFile;
 
 namespace {
 
@@ -123,6 +126,31 @@ TEST(ImageDiff, DifferencesAcrossBlockAndWordBoundariesOfALargeImage)
               (Ranges{{7, 8}, {65535, 65536}, {131071, 150099}, {200001, 200001}, {299999, 299999}}));
 }
 
+TEST(ImageDiff, EveryRunAgainstAByteByByteComparison)
+{
+    // Runs of every length from 1 to 70 at every offset of a 64-byte step, which the
+    // vector comparison takes 16 and 64 bytes at a time, against a plain byte loop.
+    for (std::size_t offset = 0; offset < 64; offset += 3) {
+        for (std::size_t length = 1; length <= 70; length += 1 + length / 8) {
+            Bytes older(512 + offset % 7);
+            for (std::size_t i = 0; i < older.size(); ++i) older[i] = static_cast<std::uint8_t>(i * 13);
+            Bytes newer = older;
+            for (std::size_t i = offset + 64; i < offset + 64 + length; ++i) newer[i] ^= 0x5A;
+            newer[offset + 64 + length + 1] ^= 0x01;
+            newer.back() ^= 0xFF;
+            Ranges expected;
+            for (std::size_t i = 0; i < older.size(); ++i) {
+                if (older[i] == newer[i]) continue;
+                if (!expected.empty() && static_cast<std::size_t>(expected.back().last) + 1 == i)
+                    expected.back().last = static_cast<std::int32_t>(i);
+                else
+                    expected.push_back({static_cast<std::int32_t>(i), static_cast<std::int32_t>(i)});
+            }
+            EXPECT_EQ(compareImages(older, newer), expected) << offset << " " << length;
+        }
+    }
+}
+
 TEST(ImageDiff, ComparisonGivesUpPastTheGivenNumberOfRegions)
 {
     //                        0123456789
@@ -218,4 +246,89 @@ TEST(ImageDiff, PatchLaidOverTheFirstImageGivesTheSecond)
         applySRecordPatch(patched, patch);
         EXPECT_EQ(patched, newer) << "gap " << gap;
     }
+}
+
+TEST(ImageDiffFiles, FilesGiveTheRegionsOfTheirBytesAcrossWindowEdges)
+{
+    TempFolder folder;
+    // Past two windows of 4 MiB, with runs ending at, starting at and spanning both edges.
+    constexpr std::size_t kWindow = std::size_t{4} << 20;
+    Bytes older(2 * kWindow + 5000);
+    for (std::size_t i = 0; i < older.size(); ++i) older[i] = static_cast<std::uint8_t>(i * 7 % 253);
+    Bytes newer = flipped(older, {0, 5, kWindow - 2, kWindow - 1, kWindow + 3, 2 * kWindow - 1, 2 * kWindow,
+                                  2 * kWindow + 1, 2 * kWindow + 4999});
+    newer.insert(newer.end(), {0xAA, 0xBB});
+    writeFile(folder.path("old.bin"), older);
+    writeFile(folder.path("new.bin"), newer);
+    for (std::size_t gap : {0, 3, 16}) {
+        const Ranges ranges = compareImageFiles(folder.path("old.bin"), folder.path("new.bin"), gap);
+        EXPECT_EQ(ranges, compareImages(older, newer, gap)) << "gap " << gap;
+    }
+    EXPECT_EQ(compareImageFiles(folder.path("old.bin"), folder.path("new.bin")),
+              (Ranges{{0, 0},
+                      {5, 5},
+                      {kWindow - 2, kWindow - 1},
+                      {kWindow + 3, kWindow + 3},
+                      {2 * kWindow - 1, 2 * kWindow + 1},
+                      {2 * kWindow + 4999, 2 * kWindow + 5001}}));
+}
+
+TEST(ImageDiffFiles, EqualAndEmptyFilesHaveNoRegion)
+{
+    TempFolder folder;
+    writeFile(folder.path("a.bin"), text("ABCD"));
+    writeFile(folder.path("b.bin"), text("ABCD"));
+    writeFile(folder.path("empty.bin"), Bytes{});
+    EXPECT_EQ(compareImageFiles(folder.path("a.bin"), folder.path("b.bin")), Ranges{});
+    EXPECT_EQ(compareImageFiles(folder.path("empty.bin"), folder.path("empty.bin")), Ranges{});
+    EXPECT_EQ(compareImageFiles(folder.path("empty.bin"), folder.path("a.bin")), (Ranges{{0, 3}}));
+}
+
+TEST(ImageDiffFiles, ShorterSecondFileIsRefusedWithBothLengths)
+{
+    TempFolder folder;
+    writeFile(folder.path("a.bin"), text("ABCDEFGHIJ"));
+    writeFile(folder.path("b.bin"), text("ABCDEFG"));
+    try {
+        compareImageFiles(folder.path("a.bin"), folder.path("b.bin"));
+        FAIL() << "no ShorterImage";
+    } catch (const ShorterImage& error) {
+        EXPECT_EQ(error.olderLength(), 10u);
+        EXPECT_EQ(error.newerLength(), 7u);
+    }
+}
+
+TEST(ImageDiffFiles, MissingFileOrFolderIsAFileErrorNamingIt)
+{
+    TempFolder folder;
+    writeFile(folder.path("a.bin"), text("ABCD"));
+    EXPECT_THROW(compareImageFiles(folder.path("a.bin"), folder.path("absent.bin")), FileError);
+    try {
+        compareImageFiles(folder.path("a.bin"), folder.path(""));
+        FAIL() << "no FileError";
+    } catch (const FileError& error) {
+        EXPECT_NE(std::string(error.what()).find("is a folder, not a file"), std::string::npos);
+    }
+}
+
+TEST(ImageDiffFiles, PatchFromTheFileIsThePatchFromMemory)
+{
+    TempFolder folder;
+    // A range of more than a MiB is written in pieces, which must give the same lines.
+    Bytes older((std::size_t{3} << 20) + 77);
+    for (std::size_t i = 0; i < older.size(); ++i) older[i] = static_cast<std::uint8_t>(i % 251);
+    Bytes newer = older;
+    for (std::size_t i = 100; i < (std::size_t{5} << 19) + 3; ++i) newer[i] = static_cast<std::uint8_t>(~newer[i]);
+    newer = flipped(newer, {0, older.size() - 1});
+    writeFile(folder.path("new.bin"), newer);
+    const Ranges ranges = compareImages(older, newer, 0);
+    ASSERT_EQ(ranges.size(), 3u);
+    ASSERT_TRUE(writeDiffPatch(folder.path("memory.s3"), newer, ranges));
+    ASSERT_TRUE(writeDiffPatchFromFile(folder.path("file.s3"), folder.path("new.bin"), ranges));
+    EXPECT_EQ(readText(folder.path("file.s3")), readText(folder.path("memory.s3")));
+    EXPECT_FALSE(writeDiffPatchFromFile(folder.path("none.s3"), folder.path("new.bin"), Ranges{}));
+    EXPECT_FALSE(std::filesystem::exists(folder.path("none.s3")));
+    EXPECT_THROW(writeDiffPatchFromFile(folder.path("bad.s3"), folder.path("new.bin"), Ranges{{0, 0}, {5, 1 << 30}}),
+                 std::out_of_range);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("bad.s3")));
 }

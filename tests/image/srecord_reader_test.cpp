@@ -150,6 +150,31 @@ TEST(SRecordReadStrict, MalformedLinesFail)
         EXPECT_THROW(strict(line), SRecordError) << line;
 }
 
+TEST(SRecordReadStrict, ForeignLinesAreThoseNeitherBlankNorStartingWithS)
+{
+    for (std::string_view line : {"# comment", ";", "s315", " S3090000001001020304DC", "\tX", "0"})
+        EXPECT_TRUE(isForeignLine(line)) << line;
+    for (std::string_view line : {"", " ", " \t ", "S", "S3090000001001020304DC", "Sx"})
+        EXPECT_FALSE(isForeignLine(line)) << line;
+}
+
+TEST(LineSplitter, FeedFirstLineTakesOneLineAndLeavesTheSplitterEmpty)
+{
+    LineSplitter splitter;
+    std::vector<std::string> lines;
+    auto collect = [&](std::string_view line) { lines.emplace_back(line); };
+    // The first piece ends in CR: its LF may follow in the next.
+    EXPECT_EQ(splitter.feedFirstLine("S3AB\r", collect), 5u);
+    EXPECT_FALSE(splitter.idle());
+    EXPECT_EQ(splitter.feedFirstLine("\nS3CD\rS3EF\n", collect), 6u);
+    EXPECT_TRUE(splitter.idle());
+    EXPECT_EQ(splitter.feedFirstLine("S3EF\n", collect), 5u);
+    EXPECT_EQ(splitter.feedFirstLine("S3G", collect), 3u);
+    EXPECT_EQ(splitter.feedFirstLine("H\r\nS3", collect), 3u);
+    EXPECT_TRUE(splitter.idle());
+    EXPECT_EQ(lines, (std::vector<std::string>{"S3AB", "S3CD", "S3EF", "S3GH"}));
+}
+
 TEST(LineSplitter, AllThreeLineEndsEndALine)
 {
     EXPECT_EQ(split({"a\r\nb\rc\nd"}), (std::vector<std::string>{"a", "b", "c", "d"}));
