@@ -72,7 +72,7 @@ void SRecordToBinary::flush()
     m_outputWritten += m_outSize;
     m_outSize = 0;
     m_out.flush();
-    if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
+    if (!m_out) throw OutputWriteError(Reason::BinaryOutputNotWritten);
 }
 
 // Room for `count` more bytes: the buffer grows while it is below a block, and is
@@ -99,7 +99,7 @@ void SRecordToBinary::writeOut(const std::uint8_t* bytes, std::size_t count)
         flush();
         m_out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
         m_outputWritten += count;
-        if (!m_out) throw OutputWriteError("the binary output could not be written (disk full?)");
+        if (!m_out) throw OutputWriteError(Reason::BinaryOutputNotWritten);
         return;
     }
     makeRoom(count);
@@ -165,9 +165,8 @@ void SRecordToBinary::takeLine(std::string_view line)
     m_address = m_record.address;
     if (m_options.mode == S3ToBinMode::FullAddress) {
         if (m_record.address < m_expected)
-            throw SRecordError(m_lineNumber, "record at 0x" + HexPad(m_record.address, 8) +
-                                                 " lies below the address expected next, 0x" +
-                                                 HexPad(static_cast<std::uint32_t>(m_expected), 8));
+            throw SRecordError(m_lineNumber, Reason::RecordBelowExpected,
+                               {HexPad(m_record.address, 8), HexPad(static_cast<std::uint32_t>(m_expected), 8)});
         writeFill(m_record.address - m_expected);
         m_expected = std::uint64_t{m_record.address} + m_record.bytes.size();
     }
@@ -218,7 +217,7 @@ bool SRecordToBinary::convertSome(std::size_t workBytes)
         work += got;
         feedText(std::string_view(m_inBuffer.get(), got));
         if (got == 0 || !*m_in) {
-            if (m_in->bad()) keepingOutputOnError([] { throw FileError("the S-record input could not be read"); });
+            if (m_in->bad()) keepingOutputOnError([] { throw FileError(Reason::SRecordInputNotRead); });
             endText();
         }
     }
@@ -271,7 +270,7 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
             const auto n = static_cast<std::size_t>(binary->gcount());
             got += n;
             if (n == 0 || !*binary) {
-                if (binary->bad()) throw FileError("the binary input could not be read");
+                if (binary->bad()) throw FileError(Reason::BinaryInputNotRead);
                 fileLeft = false;
             }
         }
@@ -279,22 +278,22 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
         text.clear();
         appendSRecordLines(text, std::span<const std::uint8_t>(block.data(), piece), address);
         out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        if (!out) throw OutputWriteError("the S-record output could not be written (disk full?)");
+        if (!out) throw OutputWriteError(Reason::SRecordOutputNotWritten);
         address += static_cast<std::uint32_t>(piece);
         remaining -= piece;
     }
     out.write(S7Line.data(), static_cast<std::streamsize>(S7Line.size()));
     out.flush();
-    if (!out) throw OutputWriteError("the S-record output could not be written (disk full?)");
+    if (!out) throw OutputWriteError(Reason::SRecordOutputNotWritten);
 }
 
 std::uint32_t wholeFileLastAddress(const std::string& path)
 {
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
-    if (error) throw FileError(describeErrno(path, error.value()));
-    if (size == 0) throw FileError(path + ": the file is empty, there is nothing to convert");
-    if (size > 0x80000000u) throw FileError(path + ": the file reaches past the highest address 7FFFFFFF");
+    if (error) throw fileSystemError(path, error.value());
+    if (size == 0) throw FileError(Reason::NothingToConvert, {path});
+    if (size > 0x80000000u) throw FileError(Reason::PastHighestAddress, {path});
     return static_cast<std::uint32_t>(size - 1);
 }
 

@@ -36,7 +36,7 @@ void withOutputName(const std::string& output, Job&& job)
     try {
         job();
     } catch (const OutputWriteError& error) {
-        throw FileError(output + ": " + error.what());
+        throw FileError(Reason::OnFile, {output}, error.failure());
     }
 }
 

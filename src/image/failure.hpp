@@ -74,6 +74,27 @@ enum class Reason {
     StringPastImage,  // image bytes
     CodePageUnknown,  // code page
     NotInCodePage,    // character, code page
+    // S-records
+    CountBelowFive,   // count field, the line shown
+    NotAnSRecord,     // the line shown
+    S4NotMotorola,
+    CountNotHex,      // count field
+    CountLengthMismatch,  // count field, characters asked for, characters there
+    CountTooSmall,    // count field, record type
+    DigitNotHex,      // the two digits, character position
+    ChecksumMismatch,  // checksum, the sum expected
+    RecordGrowsTooFar,  // address, bytes
+    RecordPastImageEnd,  // address, bytes, image bytes
+    RecordBelowExpected,  // address, address expected
+    // conversions
+    OnFile,           // path; the cause
+    BinaryOutputNotWritten,
+    SRecordOutputNotWritten,
+    SRecordInputNotRead,
+    BinaryInputNotRead,
+    NothingToConvert,  // path
+    PastHighestAddress,  // path
+    NotRegularFile,   // path
     HexTooLarge,      // hex text
 };
 

@@ -30,16 +30,16 @@ MappedFile::MappedFile(const std::string& path)
 {
     requireRegularFile(path);
     m_fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (m_fd < 0) throw FileError(describeErrno(path, errno));
+    if (m_fd < 0) throw fileSystemError(path, errno);
     struct stat info {};
     if (::fstat(m_fd, &info) != 0) {
         const int error = errno;
         ::close(m_fd);
-        throw FileError(describeErrno(path, error));
+        throw fileSystemError(path, error);
     }
     if (!S_ISREG(info.st_mode)) {
         ::close(m_fd);
-        throw FileError(path + ": is not a regular file");
+        throw FileError(Reason::NotRegularFile, {path});
     }
     m_size = static_cast<std::uint64_t>(info.st_size);
     if (m_size == 0) return;
@@ -47,7 +47,7 @@ MappedFile::MappedFile(const std::string& path)
     if (base == MAP_FAILED) {
         const int error = errno;
         ::close(m_fd);
-        throw FileError(describeErrno(path, error));
+        throw fileSystemError(path, error);
     }
     m_base = static_cast<std::uint8_t*>(base);
     ::madvise(base, m_size, MADV_SEQUENTIAL);

@@ -56,16 +56,13 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch, Pa
         const std::uint64_t end = std::uint64_t{record.address} + record.bytes.size();
         if (growth == PatchGrowth::GrowWithFF && end > image.size()) {
             if (end > kLargestGrownImage)
-                throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
-                                                   std::to_string(record.bytes.size()) +
-                                                   " bytes would grow the image to 2 GiB or more");
+                throw SRecordError(lineNumber, Reason::RecordGrowsTooFar,
+                                   {HexPad(record.address, 8), std::to_string(record.bytes.size())});
             image.resize(static_cast<std::size_t>(end), 0xFF);
         }
         if (end > image.size())
-            throw SRecordError(lineNumber, "the record at 0x" + HexPad(record.address, 8) + " of " +
-                                               std::to_string(record.bytes.size()) +
-                                               " bytes reaches past the image's end (" + std::to_string(image.size()) +
-                                               " bytes)");
+            throw SRecordError(lineNumber, Reason::RecordPastImageEnd,
+                               {HexPad(record.address, 8), std::to_string(record.bytes.size()), std::to_string(image.size())});
         std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
     };
     // Patches are small; reading them in 64 KiB pieces costs nothing, and the block

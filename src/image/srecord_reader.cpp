@@ -39,10 +39,12 @@ std::string quoted(std::string_view text)
 
 }  // namespace
 
-SRecordError::SRecordError(std::uint64_t line, const std::string& what)
-    : std::runtime_error("line " + std::to_string(line) + ": " + what), m_line(line)
+SRecordError::SRecordError(std::uint64_t line, Reason reason, std::vector<std::string> values)
+    : WorkshopError(Reason::OnLine, {std::to_string(line)}, Failure{reason, std::move(values), nullptr}), m_line(line)
 {
 }
+
+SRecordError::SRecordError(std::uint64_t line, const std::string& what) : SRecordError(line, Reason::Text, {what}) {}
 
 void LineSplitter::keep(std::string_view piece)
 {
@@ -58,8 +60,8 @@ void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     if (!record.isData) return;
     const std::uint32_t countField = tolerantHex(line, 2, 2);
     if (countField < 5)
-        throw SRecordError(lineNumber, "count field \"" + std::string(line.substr(std::min<std::size_t>(2, line.size()), 2)) +
-                                           "\" is below 5 in " + quoted(line));
+        throw SRecordError(lineNumber, Reason::CountBelowFive,
+                           {std::string(line.substr(std::min<std::size_t>(2, line.size()), 2)), quoted(line)});
     record.address = tolerantHex(line, 4, 8);
     const std::size_t count = countField - 5;
     const std::size_t dataEnd = 12 + 2 * count;
@@ -87,28 +89,26 @@ void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     while (!line.empty() && (line.back() == ' ' || line.back() == '\t')) line.remove_suffix(1);
     if (line.empty()) return;
     if (line.size() < 4 || line[0] != 'S' || line[1] < '0' || line[1] > '9')
-        throw SRecordError(lineNumber, quoted(line) + " is not an S-record");
+        throw SRecordError(lineNumber, Reason::NotAnSRecord, {quoted(line)});
     const int type = line[1] - '0';
-    if (type == 4) throw SRecordError(lineNumber, "S4 is not a Motorola record type");
+    if (type == 4) throw SRecordError(lineNumber, Reason::S4NotMotorola);
     const int count = strictByte(line, 2);
-    if (count < 0) throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " is not hex");
+    if (count < 0) throw SRecordError(lineNumber, Reason::CountNotHex, {std::string(line.substr(2, 2))});
     const std::size_t expectedLength = 4 + 2 * static_cast<std::size_t>(count);
     if (line.size() != expectedLength)
-        throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " asks for " +
-                                           std::to_string(expectedLength) + " characters, the line has " +
-                                           std::to_string(line.size()));
+        throw SRecordError(lineNumber, Reason::CountLengthMismatch,
+                           {std::string(line.substr(2, 2)), std::to_string(expectedLength), std::to_string(line.size())});
     const int addressBytes = type == 2 || type == 8 ? 3 : type == 3 || type == 7 ? 4 : 2;
     if (count < addressBytes + 1)
-        throw SRecordError(lineNumber, "count " + std::string(line.substr(2, 2)) + " is too small for S" +
-                                           std::to_string(type));
+        throw SRecordError(lineNumber, Reason::CountTooSmall, {std::string(line.substr(2, 2)), std::to_string(type)});
     unsigned sum = static_cast<unsigned>(count);
     std::uint32_t address = 0;
     record.bytes.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count - 1; ++i) {
         int value = strictByte(line, 4 + 2 * static_cast<std::size_t>(i));
         if (value < 0)
-            throw SRecordError(lineNumber, "\"" + std::string(line.substr(4 + 2 * static_cast<std::size_t>(i), 2)) +
-                                               "\" at character " + std::to_string(5 + 2 * i) + " is not hex");
+            throw SRecordError(lineNumber, Reason::DigitNotHex,
+                               {std::string(line.substr(4 + 2 * static_cast<std::size_t>(i), 2)), std::to_string(5 + 2 * i)});
         sum += static_cast<unsigned>(value);
         if (i < addressBytes) address = (address << 8) | static_cast<std::uint32_t>(value);
         else record.bytes.push_back(static_cast<std::uint8_t>(value));
@@ -116,8 +116,7 @@ void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     const int checksum = strictByte(line, line.size() - 2);
     const unsigned expected = 255 - (sum & 0xFF);
     if (checksum < 0 || static_cast<unsigned>(checksum) != expected)
-        throw SRecordError(lineNumber, "checksum " + std::string(line.substr(line.size() - 2)) + " does not match " +
-                                           HexPad(expected, 2));
+        throw SRecordError(lineNumber, Reason::ChecksumMismatch, {std::string(line.substr(line.size() - 2)), HexPad(expected, 2)});
     record.address = address;
     record.isData = type >= 1 && type <= 3;
     if (!record.isData) record.bytes.clear();

@@ -3,6 +3,8 @@
 // checksums unread, bad digits as 0) and a strict reading of any Motorola file.
 #pragma once
 
+#include "failure.hpp"
+
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -12,8 +14,10 @@
 namespace zevran::image {
 
 // An S-record line that cannot be converted; the message starts "line N: ".
-class SRecordError : public std::runtime_error {
+// A record that cannot be read: its line, and why.
+class SRecordError : public WorkshopError {
 public:
+    SRecordError(std::uint64_t line, Reason reason, std::vector<std::string> values = {});
     SRecordError(std::uint64_t line, const std::string& what);
     std::uint64_t line() const { return m_line; }
 

@@ -2,6 +2,7 @@
 // failure a row wraps, and the shipped language files that give every reason's text.
 #include "image/failure.hpp"
 #include "image/file_io.hpp"
+#include "image/srecord_reader.hpp"
 
 #include "app/profile_file.hpp"
 
@@ -68,5 +69,22 @@ TEST(Failure, BothShippedLanguagesGiveEveryReason)
         const std::string translated = chinese.read("Zevran", key).value_or("");
         EXPECT_FALSE(translated.empty()) << key;
         EXPECT_NE(translated, failureEnglish(reason)) << key;
+    }
+}
+
+TEST(Failure, SRecordLineFailureNamesTheLineAndItsReason)
+{
+    zevran::image::SRecordData record;
+    try {
+        zevran::image::readStrictRecord("S30700000020DEAD00", 4, record);
+        FAIL() << "no error";
+    } catch (const std::exception& error) {
+        const Failure failure = failureOf(error);
+        EXPECT_EQ(failure.reason, Reason::OnLine);
+        EXPECT_EQ(failure.values, std::vector<std::string>{"4"});
+        ASSERT_TRUE(failure.cause);
+        EXPECT_EQ(failure.cause->reason, Reason::ChecksumMismatch);
+        EXPECT_EQ(failure.cause->values, (std::vector<std::string>{"00", "4D"}));
+        EXPECT_STREQ(error.what(), "line 4: checksum 00 does not match 4D");
     }
 }
