@@ -63,7 +63,8 @@ const std::uint32_t* LaneScanner::pixels(std::int64_t from, std::int64_t to)
     if (from < m_loadedFrom || to > m_loadedTo) {
         const std::int64_t step = m_lane.pixelStep();
         m_loadedFrom = from >= 0 ? from / step * step : -((-from + step - 1) / step * step);
-        m_loadedTo = std::max(to, m_loadedFrom + kSortBlock * kScanWindow);
+        // A block at a time, but no further past the lane's end than asked.
+        m_loadedTo = std::max(to, std::min(m_loadedFrom + kSortBlock * kScanWindow, m_pixelCount));
         m_loadedTo += (m_loadedTo - m_loadedFrom) % step;
         const ViewGeometry line{m_lane.byteOf(m_loadedFrom), m_lane.depth,
                                 static_cast<std::int32_t>(m_loadedTo - m_loadedFrom), 1};
@@ -90,13 +91,15 @@ LaneScanner::Kind LaneScanner::kindOf(std::int64_t window)
     const std::uint32_t* line = pixels(window * kScanWindow, end * kScanWindow);
     for (std::int64_t w = window; w < end; ++w) {
         const std::uint32_t* p = line + (w - window) * kScanWindow;
+        // Most windows are rough, and tell so within a few pixels.
+        constexpr int kLimit = static_cast<int>(kSmoothLimit * (kScanWindow - 1));
         int total = 0;
         bool flat = p[0] != kNoDataPixel;
-        for (std::int64_t i = 1; i < kScanWindow; ++i) {
+        for (std::int64_t i = 1; i < kScanWindow && total <= kLimit; ++i) {
             total += distance(p[i - 1], p[i]);
             flat = flat && p[i] == p[0];
         }
-        slot(w) = flat ? Flat : total <= kSmoothLimit * (kScanWindow - 1) ? Smooth : Rough;
+        slot(w) = flat ? Flat : total <= kLimit ? Smooth : Rough;
     }
     return static_cast<Kind>(slot(window));
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr std::int64_t kSample = 512;
 // The first look at every width takes every this many pairs; this many widths are then
 // measured on all of them.
-constexpr std::int64_t kCoarseStride = 4;
+constexpr std::int64_t kCoarseStride = 8;
 constexpr std::size_t kShortlist = 6;
 constexpr double kStepWeight = 0.5;
 // Runs of this many rows or more have their width checked over all of them, against
@@ -27,7 +27,7 @@ constexpr int kMostPlainRows = 64;
 // No picture is taller than this many rows: a longer run is fill or a pattern.
 constexpr std::int64_t kMostRows = 4096;
 // A region that shows no width is tried again this many pixels on.
-constexpr std::int64_t kRetryStep = 4 * kScanWindow;
+constexpr std::int64_t kRetryStep = 8 * kScanWindow;
 constexpr double kLeastScore = 0.4;
 // The phase check reads at most this many pixels of a picture.
 constexpr std::int64_t kProbePixels = 4096;
@@ -90,7 +90,7 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
     const auto sampled = [&](std::int64_t lag, std::int64_t stride) { return meanDistance(at, lag, pairsFor(lag), stride); };
     guess.horizontal = sampled(1, 1);
     double shortest = 765;
-    for (std::int64_t lag = 2; lag < kScanLeastWidth; ++lag) shortest = std::min(shortest, sampled(lag, 1));
+    for (std::int64_t lag = 2; lag < kScanLeastWidth; ++lag) shortest = std::min(shortest, sampled(lag, 2));
     if (guess.horizontal > kLeastReference && shortest < 0.5 * guess.horizontal) return false;
     // Every width on a sparse sample first; the likeliest few then on the whole sample.
     std::vector<std::pair<double, std::int64_t>> coarse;
