@@ -15,6 +15,8 @@ constexpr std::int64_t kSample = 512;
 // measured on all of them.
 constexpr std::int64_t kCoarseStride = 8;
 constexpr std::size_t kShortlist = 6;
+// A width's rows must be at least this much likelier than the next width's either side.
+constexpr double kLeastDip = 0.9;
 constexpr double kStepWeight = 0.5;
 // Runs of this many rows or more have their width checked over all of them, against
 // widths up to this many pixel steps off.
@@ -115,6 +117,10 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
             best /= parts;
             break;
         }
+    // The pixel below is likelier than those beside it; smooth stretches with no
+    // width of their own are alike at every short distance, growing with it.
+    const double dip = measured(best);
+    if (!(dip < kLeastDip * std::min(measured(best - step), measured(best + step)))) return false;
     guess.width = static_cast<std::int32_t>(best);
     guess.vertical = sampled(best, 1);
     return guess.vertical <= 0.4 * guess.reference && guess.horizontal <= 0.6 * guess.reference;
