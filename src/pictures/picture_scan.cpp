@@ -37,8 +37,7 @@ std::int64_t overlap(const PictureCandidate& a, const PictureCandidate& b)
     return std::max<std::int64_t>(0, to - from);
 }
 
-// The likeliest reading of each stretch: candidates by score, each kept unless it
-// shares much of itself with one kept before. Returned in address order.
+// Whether the two share more than kMostShared of either's bytes.
 bool sharesMuch(const PictureCandidate& a, const PictureCandidate& b)
 {
     const auto shared = static_cast<double>(overlap(a, b));

@@ -177,7 +177,8 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
     for (std::int64_t rows = 0; start - width >= floor && rows < kMostRows; ++rows) {
         if (rowLikeness(start - width, width, alike, plain) >= kAlikeRow) {
             start -= width;
-        } else if (start - 2 * width >= floor && rowLikeness(start - 2 * width, width, alike, plain) >= kAlikeRow) {
+        } else if (start - 2 * width >= floor && rowLikeness(start - 2 * width, width, alike, plain) >= kAlikeRow &&
+                   !plain) {
             belowEdge = start;
             start -= 2 * width;
         } else {
@@ -203,10 +204,13 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
     bool plain = false;
     for (std::int64_t row = start; row + 2 * width <= m_pixelCount && run.rows < kMostRows; row += width) {
         const double likeness = rowLikeness(row, width, alike, plain);
-        bool nextPlain = false;
-        if (likeness < kAlikeRow && rowLikeness(row + width, width, alike, nextPlain) < kAlikeRow &&
-            rowLikeness(row + 2 * width, width, alike, nextPlain) < kAlikeRow)
-            break;
+        // Past an unlike row the picture goes on only where rows with something in them
+        // are alike again: plain rows there are fill or the next picture's background.
+        const auto goesOn = [&](std::int64_t at) {
+            bool nextPlain = false;
+            return rowLikeness(at, width, alike, nextPlain) >= kAlikeRow && !nextPlain;
+        };
+        if (likeness < kAlikeRow && !goesOn(row + width) && !goesOn(row + 2 * width)) break;
         if (likeness < kAlikeRow) atEdge = run;
         else if (!plain) atEdge.rows = -1;
         ++run.rows;
