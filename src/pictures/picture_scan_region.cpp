@@ -166,29 +166,35 @@ std::int64_t LaneScanner::refineStart(std::int64_t start, std::int32_t width, in
     return first / m_lane.pixelStep() * m_lane.pixelStep();
 }
 
+// The colour a row starts and ends with, where both ends agree: the picture's
+// background; kNoDataPixel, which no plain row has, where they differ.
+std::uint32_t LaneScanner::backgroundOf(std::int64_t rowStart, std::int32_t width)
+{
+    const std::uint32_t* p = pixels(rowStart, rowStart + width);
+    return p[0] == p[width - 1] ? p[0] : kNoDataPixel;
+}
+
 // Whole rows back from `at` while each is like the row below (over one unlike row
 // between alike ones), then pixel by pixel to the picture's first; never before
 // `floor`. More than kMostPlainRows plain rows on top are fill.
 std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alike, std::int64_t floor)
 {
     std::int64_t start = at, plainRows = 0;
-    std::int64_t belowEdge = -1;  // the start before the last unlike row passed, while only plain rows follow
     bool plain = false;
     for (std::int64_t rows = 0; start - width >= floor && rows < kMostRows; ++rows) {
         if (rowLikeness(start - width, width, alike, plain) >= kAlikeRow) {
             start -= width;
-        } else if (start - 2 * width >= floor && rowLikeness(start - 2 * width, width, alike, plain) >= kAlikeRow &&
-                   !plain) {
-            belowEdge = start;
-            start -= 2 * width;
-        } else {
-            break;
+            plainRows = plain ? plainRows + 1 : 0;
+            continue;
         }
+        // Over an unlike row, plain rows only in the picture's background colour.
+        const std::uint32_t background = backgroundOf(start, width);
+        if (start - 2 * width < floor || rowLikeness(start - 2 * width, width, alike, plain) < kAlikeRow ||
+            (plain && *pixels(start - 2 * width, start - 2 * width + 1) != background))
+            break;
+        start -= 2 * width;
         plainRows = plain ? plainRows + 1 : 0;
-        if (!plain) belowEdge = -1;
     }
-    // Only plain rows past an unlike one: fill, not the picture's plain top.
-    if (belowEdge >= 0) return std::max(floor, refineStart(belowEdge, width, alike));
     if (plainRows > kMostPlainRows) return start + (plainRows - kMostPlainRows) * width;
     return std::max(floor, refineStart(start, width, alike));
 }
@@ -199,26 +205,23 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
 LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width, int alike)
 {
     RowRun run;
-    RowRun atEdge{-1, 0};  // the run up to the last unlike row passed, while only plain rows follow
     std::int64_t plainRun = 0;
     bool plain = false;
     for (std::int64_t row = start; row + 2 * width <= m_pixelCount && run.rows < kMostRows; row += width) {
         const double likeness = rowLikeness(row, width, alike, plain);
-        // Past an unlike row the picture goes on only where rows with something in them
-        // are alike again: plain rows there are fill or the next picture's background.
+        // Past an unlike row the picture goes on where rows are alike again: plain ones
+        // only in the colour its rows start with (its background), not fill's or the
+        // next picture's.
+        const std::uint32_t background = backgroundOf(row, width);
         const auto goesOn = [&](std::int64_t at) {
             bool nextPlain = false;
-            return rowLikeness(at, width, alike, nextPlain) >= kAlikeRow && !nextPlain;
+            return rowLikeness(at, width, alike, nextPlain) >= kAlikeRow && (!nextPlain || *pixels(at, at + 1) == background);
         };
         if (likeness < kAlikeRow && !goesOn(row + width) && !goesOn(row + 2 * width)) break;
-        if (likeness < kAlikeRow) atEdge = run;
-        else if (!plain) atEdge.rows = -1;
         ++run.rows;
         run.likeness += std::min(1.0, likeness);
         plainRun = plain ? plainRun + 1 : 0;
     }
-    // Only plain rows past an unlike one: fill, not the picture's plain bottom.
-    if (atEdge.rows >= 0 && plainRun > 0) return atEdge;
     if (plainRun > kMostPlainRows) {
         run.rows -= plainRun - kMostPlainRows;
         run.likeness -= static_cast<double>(plainRun - kMostPlainRows);
