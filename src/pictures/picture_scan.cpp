@@ -60,7 +60,7 @@ bool coarserReading(const PictureCandidate& candidate, const std::vector<Picture
 
 // The rows of `candidate` that do not reach into `other`, a likelier picture: rows
 // are cut from its end when the other starts later, from its start when it starts
-// earlier. False when too little is left, or the other lies inside it.
+// earlier, and around it when it lies inside. False when too little is left.
 bool trimAgainst(PictureCandidate& candidate, const PictureCandidate& other)
 {
     if (overlap(candidate, other) == 0) return true;
@@ -73,8 +73,15 @@ bool trimAgainst(PictureCandidate& candidate, const PictureCandidate& other)
     } else if (other.address <= candidate.address && otherEnd < end) {
         first = (otherEnd - candidate.address + rowBytes - 1) / rowBytes;
         rows -= first;
+    } else if (static_cast<double>(overlap(candidate, other)) <= kMostShared * static_cast<double>(candidateBytes(candidate))) {
+        return true;
     } else {
-        return static_cast<double>(overlap(candidate, other)) <= kMostShared * static_cast<double>(candidateBytes(candidate));
+        // The other lies inside: the larger part beside it stays (a picture that ran on
+        // into the next of a block keeps its own rows).
+        const std::int64_t head = (other.address - candidate.address) / rowBytes;
+        const std::int64_t tailFirst = (otherEnd - candidate.address + rowBytes - 1) / rowBytes;
+        if (head >= candidate.height - tailFirst) rows = head;
+        else first = tailFirst, rows -= tailFirst;
     }
     if (rows < kScanLeastHeight || rows * candidate.width < kScanLeastPixels) return false;
     candidate.address += first * rowBytes;

@@ -113,7 +113,8 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
             best = coarse[i].second, bestMeasure = m;
     // Two or three rows on are alike too: the smallest width about as alike is the row.
     for (std::int64_t parts : {3, 2})
-        if (best % (parts * step) == 0 && best / parts >= kScanLeastWidth && measured(best / parts) <= 1.05 * bestMeasure + 1) {
+        if (best % (parts * step) == 0 && best / parts >= kScanLeastWidth &&
+            measured(best / parts) <= 1.2 * bestMeasure + 2) {
             best /= parts;
             break;
         }
