@@ -17,7 +17,7 @@ constexpr std::int64_t kCoarseStride = 8;
 constexpr std::size_t kShortlist = 6;
 // A width's rows must be at least this much likelier than the next width's either side.
 constexpr double kLeastDip = 0.9;
-constexpr double kStepWeight = 0.5;
+constexpr double kStepWeight = 0.25;
 // Runs of this many rows or more have their width checked over all of them, against
 // widths up to this many pixel steps off.
 constexpr std::int64_t kLeastRowsToRefine = 4;
