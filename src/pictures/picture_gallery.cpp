@@ -179,6 +179,8 @@ void PictureGallery::retranslate()
     setWindowTitle(text("GalleryTitle"));
     stopButton->setText(text("GalleryStop"));
     addButton->setText(text("GalleryAdd"));
+    // The captions under the thumbnails are read from the texts as they are drawn.
+    list->viewport()->update();
 }
 
 void PictureGallery::startScan(std::vector<PictureEntry> rows)

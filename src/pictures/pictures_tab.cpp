@@ -6,6 +6,7 @@
 #include "image/tab_host.hpp"
 #include "image/widget_helpers.hpp"
 #include "picture_finder_pane.hpp"
+#include "picture_gallery.hpp"
 #include "picture_frames.hpp"
 #include "picture_table.hpp"
 #include "pixel_decode.hpp"
@@ -486,6 +487,7 @@ void PicturesTab::applyTexts()
     importpic->setText(m_host->text("importpic"));
     importallpic->setText(m_host->text("importallpic"));
     if (m_finder) m_finder->retranslate();
+    if (m_gallery) m_gallery->retranslate();
     // A frame on show keeps its count, now in the new language.
     if (QTreeWidgetItem* item = selectedRow(); item && !FrameCount->text().isEmpty()) {
         try {
