@@ -6,6 +6,7 @@
 #include "picture_scan_lane.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <thread>
 
@@ -47,14 +48,18 @@ bool sharesMuch(const PictureCandidate& a, const PictureCandidate& b)
 
 // Finer pixels read coarser still look like a picture (plain parts stay plain, edges
 // blur), coarser ones read finer do not: of two readings whose rows are the same
-// bytes (or two to four of the finer one's rows), the finer depth is the picture's.
+// bytes (or two to four of the finer one's rows, to within a coarse pixel), the finer
+// depth is the picture's.
 bool coarserReading(const PictureCandidate& candidate, const std::vector<PictureCandidate>& found)
 {
     return std::any_of(found.begin(), found.end(), [&](const PictureCandidate& other) {
         const std::int64_t rowBits = std::int64_t{candidate.width} * candidate.depth;
         const std::int64_t otherRowBits = std::int64_t{other.width} * other.depth;
-        return other.depth < candidate.depth && rowBits % otherRowBits == 0 && rowBits / otherRowBits <= 4 &&
-               sharesMuch(candidate, other);
+        // Rows a coarse pixel off whole rows of the finer reading: a coarse pixel cannot
+        // fall on the finer rows' bytes, and the reading is sheared, but still plain.
+        const std::int64_t rows = (rowBits + otherRowBits / 2) / otherRowBits;
+        return other.depth < candidate.depth && rows >= 1 && rows <= 4 &&
+               std::abs(rowBits - rows * otherRowBits) < candidate.depth && sharesMuch(candidate, other);
     });
 }
 
