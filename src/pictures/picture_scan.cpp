@@ -19,6 +19,8 @@ constexpr std::int64_t kPieceBytes = std::int64_t{1} << 20;
 // A candidate that shares more than this part of its bytes with a likelier one is
 // the same picture read another way.
 constexpr double kMostShared = 0.25;
+// Two candidates this many rows apart or less, alike in depth and width, are one picture.
+constexpr std::int64_t kMostEdgeRows = 4;
 
 std::optional<ScanFailure> refusal(std::int64_t size, const ScanRequest& request, std::int64_t last)
 {
@@ -94,6 +96,32 @@ bool trimAgainst(PictureCandidate& candidate, const PictureCandidate& other)
     return true;
 }
 
+// Candidates in address order with those joined that continue one another: the same
+// depth and width, the second starting at most kMostEdgeRows rows after the first's
+// end. A picture whose rows were parted by a few unlike ones (a
+// straight edge across it, an outline) is one picture.
+std::vector<PictureCandidate> joinedAcrossEdges(std::vector<PictureCandidate> sorted)
+{
+    std::vector<PictureCandidate> joined;
+    for (const PictureCandidate& next : sorted) {
+        if (!joined.empty()) {
+            PictureCandidate& last = joined.back();
+            const std::int64_t rowBytes = std::max<std::int64_t>(1, foundFrameSize(last.width, 1, last.depth));
+            const std::int64_t gap = next.address - (last.address + candidateBytes(last));
+            if (next.depth == last.depth && next.width == last.width && gap >= -rowBytes && gap <= kMostEdgeRows * rowBytes) {
+                // The first part's rows set the place of the whole: the second part may
+                // have started part way along one.
+                const std::int64_t rows = (next.address + candidateBytes(next) - last.address + rowBytes / 2) / rowBytes;
+                last.score = (last.score * last.height + next.score * next.height) / static_cast<double>(last.height + next.height);
+                last.height = static_cast<std::int32_t>(std::min<std::int64_t>(rows, 0x7FFFFFFF));
+                continue;
+            }
+        }
+        joined.push_back(next);
+    }
+    return joined;
+}
+
 // The likeliest reading of each stretch: candidates by score, each cut back to the
 // rows that no likelier one holds. Returned in address order.
 std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found)
@@ -119,7 +147,7 @@ std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found)
     std::sort(kept.begin(), kept.end(), [](const PictureCandidate& a, const PictureCandidate& b) {
         return a.address != b.address ? a.address < b.address : a.depth < b.depth;
     });
-    return kept;
+    return joinedAcrossEdges(std::move(kept));
 }
 
 }  // namespace

@@ -100,7 +100,7 @@ TEST(PictureScan, FirmwareLikeImageGivesMostPicturesAndFewFalseCandidates)
     const ScanResult result = scanPictures(made.image, requestWithColours());
     const auto tally = zevran::test::tallyScan(made, result.candidates);
     ASSERT_GE(tally.pictures, 200u);
-    EXPECT_GE(tally.found * 100, tally.pictures * 75) << tally.found << " of " << tally.pictures;
+    EXPECT_GE(tally.found * 100, tally.pictures * 80) << tally.found << " of " << tally.pictures;
     EXPECT_LE(tally.falseCandidates, 2u * 8) << "false candidates in 8 MiB";
 }
 
