@@ -30,7 +30,7 @@ constexpr int kMostPlainRows = 64;
 constexpr std::int64_t kMostRows = 4096;
 // A region that shows no width is tried again this many pixels on.
 constexpr std::int64_t kRetryStep = 8 * kScanWindow;
-constexpr double kLeastScore = 0.4;
+constexpr double kLeastScore = 0.5;
 // The phase check reads at most this many pixels of a picture.
 constexpr std::int64_t kProbePixels = 4096;
 // Two pixels are alike within this distance (grain and shading stay below it; two

@@ -79,7 +79,7 @@ TEST_P(PictureScanDepth, PlantedPictureIsFoundWithItsGeometry)
     EXPECT_LE(std::abs(found.address - 0x6000), row) << found.address;
     EXPECT_LE(std::abs(found.height - c.height), 1) << found.height;
     EXPECT_GE(coveredBytes(found, planted.picture) * 10, candidateBytes(planted.picture) * 9);
-    EXPECT_GE(found.score, 0.4);
+    EXPECT_GE(found.score, 0.5);
     EXPECT_LE(found.score, 1.0);
     EXPECT_FALSE(found.known);
 }
