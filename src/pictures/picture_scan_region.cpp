@@ -111,8 +111,8 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
     for (std::size_t i = 0; i < shortlist; ++i)
         if (const double m = measured(coarse[i].second); best == 0 || m < bestMeasure || (m == bestMeasure && coarse[i].second < best))
             best = coarse[i].second, bestMeasure = m;
-    // Two or three rows on are alike too: the smallest width about as alike is the row.
-    for (std::int64_t parts : {3, 2})
+    // Two to five rows on are alike too: the smallest width about as alike is the row.
+    for (std::int64_t parts : {5, 4, 3, 2})
         if (best % (parts * step) == 0 && best / parts >= kScanLeastWidth &&
             measured(best / parts) <= 1.2 * bestMeasure + 2) {
             best /= parts;
