@@ -20,7 +20,7 @@ for tool in srec_cat objcopy cmp; do
   command -v "$tool" >/dev/null || { echo "bench: $tool is missing ('make deps' installs it)" >&2; exit 1; }
 done
 [[ -x /usr/bin/time ]] || { echo "bench: /usr/bin/time is missing (package time)" >&2; exit 1; }
-for program in "$CLI" "$BIN/zevran-bench" "$BIN/zevran-bench-data" "$BIN/zevran-bench-changed"; do
+for program in "$CLI" "$BIN/zevran-bench" "$BIN/zevran-bench-data" "$BIN/zevran-bench-changed" "$BIN/zevran-bench-scan"; do
   [[ -x $program ]] || { echo "bench: $program is not built" >&2; exit 1; }
 done
 
@@ -199,6 +199,22 @@ if [[ -x $BIN/zevran-bytes-bench ]]; then
     verdict "byte view find $way over 256 MiB, GB/s" "$bytes_rate" ">=" 3
     printf '  find %-9s %12s GB/s  %s (target >= 3, as FindHexInImage)\n' "$way" "$bytes_rate" "$VERDICT"
   done
+fi
+
+# --- the picture scan: the bench image, and an 8 MiB firmware-like image with planted pictures ---
+if [[ -x $BIN/zevran-bench-scan ]]; then
+  echo
+  echo "Picture scan (all depths, both cores): the 64 MiB bench image, and an 8 MiB firmware-like image"
+  "$BIN/zevran-bench-scan" >"$DATA/scan.txt" 2>>"$LOG"
+  scan_value() { awk -v key="$1" '$1 == key { print $2 }' "$DATA/scan.txt"; }
+  verdict "picture scan of the 64 MiB bench image, s (median of 3)" "$(scan_value scan_64mib_s)" "<=" 5
+  echo "  64 MiB bench image: $(scan_value scan_64mib_s) s, $(scan_value scan_64mib_candidates) candidates  $VERDICT (target <= 5)"
+  verdict "picture scan of an 8 MiB firmware-like image, s (median of 5)" "$(scan_value scan_8mib_s)" "<=" 1
+  echo "  8 MiB firmware-like image: $(scan_value scan_8mib_s) s  $VERDICT (target <= 1)"
+  verdict "planted pictures of 16x16 or more found with depth and width, %" "$(scan_value scan_found_percent)" ">=" 90
+  echo "  found $(scan_value scan_found) of $(scan_value scan_pictures) planted pictures: $(scan_value scan_found_percent) %  $VERDICT (target >= 90)"
+  verdict "candidates covering no picture, per MiB" "$(scan_value scan_false_per_mib)" "<=" 2
+  echo "  $(scan_value scan_false) candidates cover no picture: $(scan_value scan_false_per_mib) per MiB  $VERDICT (target <= 2)"
 fi
 
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---

@@ -8,8 +8,8 @@ build_dir=${1:?usage: fuzz/run.sh BUILD_DIR [SECONDS]}
 seconds=${2:-60}
 source_dir=$(cd "$(dirname "$0")" && pwd)
 targets=(srecord_fuzz srecord_roundtrip_fuzz apply_patch_fuzz profile_fuzz tone_table_fuzz tone_check_fuzz picture_table_fuzz
-         picture_finder_fuzz picture_encode_fuzz image_search_fuzz image_diff_fuzz translation_po_fuzz translation_xliff_fuzz
-         translation_csv_fuzz)
+         picture_finder_fuzz picture_scan_fuzz picture_encode_fuzz image_search_fuzz image_diff_fuzz translation_po_fuzz
+         translation_xliff_fuzz translation_csv_fuzz)
 
 work=$(cd "$build_dir" && pwd)/fuzz
 failed=()

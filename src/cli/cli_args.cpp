@@ -7,10 +7,19 @@ namespace zevran::cli {
 
 Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
                      const std::set<std::string>& flags)
+    : Arguments(words, valued, flags, {})
+{
+}
+
+Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
+                     const std::set<std::string>& flags, const std::set<std::string>& repeatable)
 {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
-        if (valued.count(word)) {
+        if (repeatable.count(word)) {
+            if (i + 1 >= words.size()) throw UsageError(word + " needs a value");
+            m_repeated[word].push_back(words[++i]);
+        } else if (valued.count(word)) {
             if (i + 1 >= words.size()) throw UsageError(word + " needs a value");
             if (m_values.count(word)) throw UsageError(word + " is given twice");
             m_values[word] = words[++i];
@@ -31,7 +40,16 @@ std::optional<std::string> Arguments::value(const std::string& name) const
     return it->second;
 }
 
-bool Arguments::has(const std::string& name) const { return m_flags.count(name) > 0 || m_values.count(name) > 0; }
+std::vector<std::string> Arguments::values(const std::string& name) const
+{
+    const auto it = m_repeated.find(name);
+    return it == m_repeated.end() ? std::vector<std::string>{} : it->second;
+}
+
+bool Arguments::has(const std::string& name) const
+{
+    return m_flags.count(name) > 0 || m_values.count(name) > 0 || m_repeated.count(name) > 0;
+}
 
 void Arguments::expectPositional(std::size_t count, const std::string& usage) const
 {

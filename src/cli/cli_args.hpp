@@ -21,15 +21,21 @@ public:
     // `valued` names the options that take a value, `flags` those that do not.
     Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
               const std::set<std::string>& flags);
+    // The same, with options in `repeatable` given any number of times (see values()).
+    Arguments(const std::vector<std::string>& words, const std::set<std::string>& valued,
+              const std::set<std::string>& flags, const std::set<std::string>& repeatable);
 
     const std::vector<std::string>& positional() const { return m_positional; }
     std::optional<std::string> value(const std::string& name) const;
+    // Every value of a repeatable option, in the order given.
+    std::vector<std::string> values(const std::string& name) const;
     bool has(const std::string& name) const;
     void expectPositional(std::size_t count, const std::string& usage) const;
 
 private:
     std::vector<std::string> m_positional;
     std::map<std::string, std::string> m_values;
+    std::map<std::string, std::vector<std::string>> m_repeated;
     std::set<std::string> m_flags;
 };
 

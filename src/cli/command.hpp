@@ -25,6 +25,7 @@ std::vector<Command> stringCommands();
 std::vector<Command> translateCommands();
 std::vector<Command> pictureCommands();
 std::vector<Command> finderCommands();
+std::vector<Command> scanCommands();
 std::vector<Command> importCommands();  // where Qt's image readers are built in
 std::vector<Command> demoCommands();
 std::vector<Command> diffCommands();

@@ -22,6 +22,7 @@ std::vector<Command> allCommands()
     for (auto& command : zevran::cli::translateCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::pictureCommands()) commands.push_back(command);
     for (auto& command : zevran::cli::finderCommands()) commands.push_back(command);
+    for (auto& command : zevran::cli::scanCommands()) commands.push_back(command);
 #ifdef ZEVRAN_PICTURE_IMPORT
     for (auto& command : zevran::cli::importCommands()) commands.push_back(command);
 #endif

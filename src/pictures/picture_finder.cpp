@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace zevran::pictures {
 
@@ -38,9 +37,7 @@ std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::in
             const std::uint32_t a = pixels[static_cast<std::size_t>(p)];
             const std::uint32_t b = pixels[static_cast<std::size_t>(p + width)];
             if (a == kNoDataPixel || b == kNoDataPixel) continue;
-            total += std::abs(static_cast<int>((a >> 16) & 0xFF) - static_cast<int>((b >> 16) & 0xFF)) +
-                     std::abs(static_cast<int>((a >> 8) & 0xFF) - static_cast<int>((b >> 8) & 0xFF)) +
-                     std::abs(static_cast<int>(a & 0xFF) - static_cast<int>(b & 0xFF));
+            total += colourDistance(a, b);
             ++pairs;
         }
         if (pairs > 0) scores.push_back({width, static_cast<double>(total) / static_cast<double>(pairs)});

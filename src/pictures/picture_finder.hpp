@@ -19,6 +19,17 @@ namespace zevran::pictures {
 
 // --- width guess ---
 
+// How unlike two drawn pixels (0xAARRGGBB) look: |red| + |green| + |blue|, 0 to 765.
+// The width guess and the picture scan both measure likeness by it.
+inline int colourDistance(std::uint32_t a, std::uint32_t b)
+{
+    const auto channel = [](std::uint32_t x, std::uint32_t y, int shift) {
+        const int d = static_cast<int>((x >> shift) & 0xFF) - static_cast<int>((y >> shift) & 0xFF);
+        return d < 0 ? -d : d;
+    };
+    return channel(a, b, 16) + channel(a, b, 8) + channel(a, b, 0);
+}
+
 inline constexpr std::int32_t kLeastGuessWidth = 8;
 inline constexpr std::int32_t kMostGuessWidth = 320;
 // Above this the guess would read too much to answer at once; it is refused.

@@ -130,6 +130,8 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
     nextWidths->setMaximumWidth(160);
     nameEdit = new QLineEdit(this);
     addButton = new QPushButton(this);
+    scanButton = new QPushButton(this);
+    scanButton->setObjectName("FinderScanPictures");
     statusLine = new QLabel(this);
     statusLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
@@ -165,6 +167,7 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
     side->addWidget(nextWidths);
     side->addWidget(nameEdit);
     side->addWidget(addButton);
+    side->addWidget(scanButton);
     auto* middle = new QHBoxLayout;
     middle->addWidget(canvas, 1);
     middle->addLayout(side);
@@ -195,6 +198,7 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
     connect(nextWidths, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* item) { widthBox->setValue(item->data(Qt::UserRole).toInt()); });
     connect(addButton, &QPushButton::clicked, this, &PictureFinderPane::addToTable);
+    connect(scanButton, &QPushButton::clicked, this, &PictureFinderPane::scanRequested);
 
     // Return belongs to the address field: no button is the dialog's default.
     for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
@@ -224,6 +228,7 @@ void PictureFinderPane::retranslate()
     guessButton->setText(text("FinderGuessWidth"));
     nameEdit->setPlaceholderText(text("FinderName"));
     addButton->setText(text("FinderAddToTable"));
+    scanButton->setText(text("ScanPictures"));
 }
 
 int PictureFinderPane::depth() const { return depthBox->currentData().toInt(); }

@@ -93,9 +93,11 @@ public:
     QListWidget* nextWidths;  // the runners-up of the last guess; a click applies one
     QLineEdit* nameEdit;
     QPushButton* addButton;
+    QPushButton* scanButton;  // the picture scan over the whole image, in the gallery
     QLabel* statusLine;
 
 signals:
+    void scanRequested();
     // "Add to table" with a name the table can carry.
     void addToTableRequested(const zevran::pictures::FoundPicture& picture, const QString& name);
 

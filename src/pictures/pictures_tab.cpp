@@ -6,6 +6,7 @@
 #include "image/tab_host.hpp"
 #include "image/widget_helpers.hpp"
 #include "picture_finder_pane.hpp"
+#include "picture_gallery.hpp"
 #include "picture_frames.hpp"
 #include "picture_table.hpp"
 #include "pixel_decode.hpp"
@@ -43,6 +44,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
     FindPictures = named(new QPushButton(table), "FindPictures");
+    ScanPictures = named(new QPushButton(table), "ScanPictures");
     Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
     Text21 = named(new QLineEdit(table), "Text21");
     // Wide enough for a whole address, so "1000" never shows as "000".
@@ -53,6 +55,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
     tableButtons->addWidget(FindPictures);
+    tableButtons->addWidget(ScanPictures);
     tableButtons->addWidget(Check1);
     tableButtons->addStretch();
     // The offset has a line of its own, so the buttons and it never squeeze each other.
@@ -217,6 +220,7 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     connect(outputpicall, &QAction::triggered, this, &PicturesTab::outputpicall_Click);
     connect(outputpics3, &QAction::triggered, this, &PicturesTab::outputpics3_Click);
     connect(FindPictures, &QPushButton::clicked, this, &PicturesTab::FindPictures_Click);
+    connect(ScanPictures, &QPushButton::clicked, this, &PicturesTab::ScanPictures_Click);
     connect(ShowInFinder, &QAction::triggered, this, &PicturesTab::ShowInFinder_Click);
     connect(importpic, &QAction::triggered, this, &PicturesTab::importpic_Click);
     connect(importallpic, &QAction::triggered, this, &PicturesTab::importallpic_Click);
@@ -495,10 +499,12 @@ void PicturesTab::applyTexts()
     SpeedLabel->setText(m_host->text("SpeedLabel"));
     Slider1->setToolTip(m_host->text("Slider1"));
     FindPictures->setText(m_host->text("FindPictures"));
+    ScanPictures->setText(m_host->text("ScanPictures"));
     ShowInFinder->setText(m_host->text("ShowInFinder"));
     importpic->setText(m_host->text("importpic"));
     importallpic->setText(m_host->text("importallpic"));
     if (m_finder) m_finder->retranslate();
+    if (m_gallery) m_gallery->retranslate();
     // A frame on show keeps its count, now in the new language.
     if (QTreeWidgetItem* item = selectedRow(); item && !FrameCount->text().isEmpty()) {
         try {

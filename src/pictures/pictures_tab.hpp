@@ -30,6 +30,7 @@ namespace zevran::image { class TabHost; }
 namespace zevran::pictures {
 
 class PictureFinderPane;
+class PictureGallery;
 
 class PicturesTab : public QWidget {
     Q_OBJECT
@@ -89,6 +90,11 @@ public:
         return rowsWhere([](const QTreeWidgetItem*) { return true; });
     }
 
+    // The picture scan over the whole image, its candidates in the gallery
+    // (pictures_tab_gallery.cpp).
+    void ScanPictures_Click();
+    PictureGallery* gallery() const { return m_gallery; }
+
     // Shut-down: the animation stops and the paused flag clears.
     void shutDown();
 
@@ -101,6 +107,7 @@ public:
     QPushButton* OpenPicTable;
     QPushButton* SavePicTable;
     QPushButton* FindPictures;
+    QPushButton* ScanPictures;
     QCheckBox* Check1;      // recompute frame sizes when loading
     QCheckBox* RepeatPlay;
     QLineEdit* Text21;      // address offset added when saving
@@ -176,6 +183,7 @@ private:
     QImage m_preview;
     int m_zoom = 1;
     PictureFinderPane* m_finder = nullptr;
+    PictureGallery* m_gallery = nullptr;
 };
 
 }  // namespace zevran::pictures

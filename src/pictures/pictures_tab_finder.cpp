@@ -19,6 +19,7 @@ PictureFinderPane* PicturesTab::openFinder()
         m_finder = new PictureFinderPane(*m_host, this);
         m_finder->setWindowFlag(Qt::Window);
         connect(m_finder, &PictureFinderPane::addToTableRequested, this, &PicturesTab::addFoundPicture);
+        connect(m_finder, &PictureFinderPane::scanRequested, this, &PicturesTab::ScanPictures_Click);
     }
     m_finder->retranslate();
     m_finder->show();
