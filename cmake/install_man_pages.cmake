@@ -8,6 +8,7 @@
 #                           installed-NAME.gz beside the built pages
 #   ZEVRAN_MAN_INSTALL_DIR  where the pages go, relative to the prefix or absolute
 #   ZEVRAN_MAN_DATA_DIR     the shipped data folder, relative to the prefix or absolute
+#   ZEVRAN_MAN_READER_DIR   the picture reader's folder, relative to the prefix or absolute
 function(zevran_under_prefix path result)
   if(IS_ABSOLUTE "${path}")
     set(${result} "${path}" PARENT_SCOPE)
@@ -17,6 +18,7 @@ function(zevran_under_prefix path result)
 endfunction()
 
 zevran_under_prefix("${ZEVRAN_MAN_DATA_DIR}" zevran_data_dir)
+zevran_under_prefix("${ZEVRAN_MAN_READER_DIR}" zevran_reader_dir)
 zevran_under_prefix("${ZEVRAN_MAN_INSTALL_DIR}" zevran_man_dir)
 foreach(page IN LISTS ZEVRAN_MAN_PAGES)
   get_filename_component(name "${page}" NAME)
@@ -24,6 +26,7 @@ foreach(page IN LISTS ZEVRAN_MAN_PAGES)
   file(REMOVE "${staged}" "${staged}.gz")
   file(READ "${page}" text)
   string(REPLACE "@ZEVRAN_DATA_DIR@" "${zevran_data_dir}" text "${text}")
+  string(REPLACE "@ZEVRAN_READER_DIR@" "${zevran_reader_dir}" text "${text}")
   file(WRITE "${staged}" "${text}")
   execute_process(COMMAND gzip -n -9 -f "${staged}" RESULT_VARIABLE status)
   if(NOT status EQUAL 0)

@@ -36,7 +36,7 @@ expect $'--help\n-o' apply-patch -
 expect $'--help\n--home\n--version' --
 expect '' s3-to-bin in.s3 --fill F
 expect $'handset' export-strings phone.bin --codes h
-expect $'--in-place\n--partial\n--report' import-strings phone.bin zh.po --
+expect $'--help\n--in-place\n--partial\n--report' import-strings phone.bin zh.po --
 # Every command of the help is offered for an empty word.
 commands=$("$cli" --help | sed -n 's/^  \([a-z0-9][-a-z0-9]*\)\( .*\)\{0,1\}$/\1/p' | sort)
 [[ $(wc -l <<<"$commands") -ge 10 ]] || { echo "too few commands in --help: $commands"; failures=$((failures + 1)); }
