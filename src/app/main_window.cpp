@@ -323,30 +323,6 @@ void Form1::languagNum_Click(int index)
     for (QAction* item : m_languageItems) item->setChecked(item->data().toInt() == index);
 }
 
-void Form1::ShowMessage(int code) { showMessageWith(code, QString()); }
-
-void Form1::showMessageWith(int code, const QString& detail)
-{
-    const auto style = image::messageStyle(code);
-    if (!style) return;
-    const MessageKind kind = style->icon == image::MessageIcon::Stop        ? MessageKind::Critical
-                             : style->icon == image::MessageIcon::Exclamation ? MessageKind::Warning
-                                                                              : MessageKind::Information;
-    QString text = m_texts.MsgStr[static_cast<std::size_t>(code)];
-    if (!detail.isEmpty()) text += (text.isEmpty() ? "" : "\n") + detail;
-    m_dialogs->message(code, kind, m_texts.MsgTitle[static_cast<std::size_t>(style->titleNumber)], text);
-}
-
-QString Form1::failureText(const std::exception& error) const { return app::failureText(m_workshopTexts, error); }
-
-void Form1::showError(const QString& text) { m_dialogs->message(0, MessageKind::Critical, m_texts.MsgTitle[1], text); }
-
-void Form1::showInformation(const QString& text)
-{
-    const auto style = image::messageStyle(10);
-    m_dialogs->message(0, MessageKind::Information, m_texts.MsgTitle[static_cast<std::size_t>(style ? style->titleNumber : 2)], text);
-}
-
 void Form1::menuopen_Click()
 {
     const QString path = m_dialogs->openFile(m_settings.MobileFilePath, filter(5), 2);
@@ -434,68 +410,6 @@ void Form1::enableOutputsForKind()
     m_tonesTab->enableOutputsForKind();
     // The string outputs also wait for a checked row of their list.
     m_stringsTab->updateListMenu();
-}
-
-bool Form1::Saveaxf(bool showDone)
-{
-    try {
-        BusyPointer busy;
-        image::Saveaxf(m_image);
-    } catch (const std::exception& error) {
-        // The phone file is untouched and Save stays enabled, so the save can be tried again.
-        showError(failureText(error));
-        return false;
-    }
-    m_editor->history().saved();
-    if (showDone) ShowMessage(21);
-    return true;
-}
-
-void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
-{
-    if (!takesSRecordPatch() || regions.empty()) return;
-    const QString path = chooseSRecordPatchPath();
-    if (!path.isEmpty()) writeSRecordPatchTo(path, regions);
-}
-
-QString Form1::chooseSRecordPatchPath()
-{
-    const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
-    if (!path.isEmpty()) m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
-    return path;
-}
-
-bool Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions)
-{
-    if (!takesSRecordPatch() || regions.empty()) return false;
-    try {
-        BusyPointer busy;
-        image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
-        image::writeSRecordPatch(path.toStdString(), regions);
-    } catch (const std::exception& error) {
-        showError(failureText(error));
-        return false;
-    }
-    ShowMessage(10);
-    return true;
-}
-
-void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDone)
-{
-    if (!takesInImagePatch()) return;
-    bool whole = true;
-    try {
-        // One undo step; Save follows from it, even for a region cut at the image's end.
-        whole = m_editor->history().patch(regions);
-    } catch (const std::exception& error) {
-        showError(failureText(error));
-        return;
-    }
-    if (!whole) {
-        showError(text("PatchPastEnd").arg(m_image.FirmwareImage.size()));
-        return;
-    }
-    if (showDone) ShowMessage(13);
 }
 
 QString Form1::BrowseForFolder()

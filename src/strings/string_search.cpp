@@ -1,4 +1,5 @@
 #include "string_search.hpp"
+#include "utf8_text.hpp"
 
 #include "image/hex_text.hpp"
 
@@ -51,28 +52,6 @@ std::optional<StringHit> findNextString(ImageState& state, std::string_view hexP
     }
 }
 
-namespace {
-
-void appendUtf8(std::string& out, char32_t cp)
-{
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
-
-}  // namespace
 
 std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes, std::string_view codePage)
 {

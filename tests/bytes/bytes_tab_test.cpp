@@ -349,6 +349,26 @@ private slots:
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
     }
 
+    void openingAnotherFileWithUnwrittenBinEditsAsksFirst()
+    {
+        open("phone.bin");
+        const QString first = path("phone.bin");
+        m_tab->view->setCursor(0x20);
+        QTest::keyClicks(m_tab->view, "C3");
+        writeBytes(path("other.bin"), QByteArray(64, '\x11'));
+        m_dialogs->asked.clear();
+        m_dialogs->answers = {Answer::Cancel};
+        m_window->openPhoneFile(path("other.bin"));
+        QCOMPARE(m_dialogs->asked.filter("question").size(), 1);
+        QVERIFY(m_dialogs->asked.last().contains("not yet written as a patch"));
+        QCOMPARE(QString::fromStdString(m_window->imageState().FirmwarePath), first);
+        QCOMPARE(m_window->imageState().FirmwareImage[0x20], std::uint8_t(0xC3));
+        m_dialogs->answers = {Answer::No};
+        m_window->openPhoneFile(path("other.bin"));
+        QCOMPARE(QString::fromStdString(m_window->imageState().FirmwarePath), path("other.bin"));
+        QCOMPARE(readBytes(first), phoneImage());
+    }
+
     void closingAfterNoDropsTheBinEdits()
     {
         open("phone.bin");

@@ -1,0 +1,233 @@
+// The picture tab's files: picture tables opened and saved, the chosen rows' frames
+// exported as BMP files, and the checked rows written as an S-record patch.
+#include "pictures_tab.hpp"
+#include "pictures_tab_cells.hpp"
+#include "pictures_tab_work.hpp"
+
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "image/tab_host.hpp"
+#include "image/widget_helpers.hpp"
+#include "picture_finder_pane.hpp"
+#include "picture_gallery.hpp"
+#include "picture_frames.hpp"
+#include "picture_table.hpp"
+#include "pixel_decode.hpp"
+#include "strings/code_page.hpp"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFile>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QPixmap>
+#include <QSlider>
+#include <QSplitter>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace zevran::pictures {
+
+using namespace zevran::image;
+
+// ---- Picture tables ----
+
+void PicturesTab::OpenPicTable_Click()
+{
+    m_frame = 0;  // also when the dialog is then cancelled
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().openFile(settings.TableSavePath, m_host->filter(2), 2);
+    if (path.isEmpty()) return;
+    settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
+    // The list is replaced, so an animation of one of its rows ends here.
+    stopPlayer();
+    ListView5->clear();
+    std::vector<PictureEntry> rows;
+    std::vector<TableFieldWarning> warnings;
+    try {
+        const auto bytes = readWholeFile(path.toStdString());
+        const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage());
+        rows = readPictureTable(text, Check1->isChecked());
+        warnings = pictureTableWarnings(text);
+    } catch (const std::exception& error) {
+        for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
+        // Message 38 has no text of its own: what failed and where goes under it, and
+        // the preview of a row no longer listed is cleared with the list.
+        m_preview = QImage();
+        scalePreview();
+        Text15->clear();
+        Text16->clear();
+        FrameCount->clear();
+        m_host->showMessageWith(kMessageBadPictureTable, path + ": " + m_host->failureText(error));
+        return;
+    }
+    for (const PictureEntry& row : rows) addListRow(row);
+    for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
+    // The rows load as they always did, but a field that can name no picture is said now,
+    // not later as a wrong picture format.
+    if (!warnings.empty()) m_host->showMessageWith(kMessageBadPictureTable, path + ":\n" + tableWarningText(*m_host, warnings));
+}
+
+void PicturesTab::addListRow(const PictureEntry& row)
+{
+    auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address), fromUtf8(row.frames),
+                                                 fromUtf8(row.frameSize), fromUtf8(row.dimensions), fromUtf8(row.depth)});
+    item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+    item->setCheckState(0, Qt::Unchecked);
+}
+
+void PicturesTab::SavePicTable_Click()
+{
+    if (ListView5->topLevelItemCount() == 0) {
+        m_host->ShowMessage(4);
+        return;
+    }
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().saveFile(settings.TableSavePath, m_host->filter(2), 2);
+    if (path.isEmpty()) return;
+    settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
+    const std::vector<PictureEntry> rows = rowsWhere([](const QTreeWidgetItem*) { return true; });
+    // The frame, size, dimension and depth columns are labelled with their headers as shown.
+    std::array<std::string, 4> headers;
+    for (int column = 3; column <= 6; ++column)
+        headers[static_cast<std::size_t>(column - 3)] = ListView5->headerItem()->text(column).toStdString();
+    try {
+        const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
+        const std::string bytes = strings::encodeText(text, m_host->codePage());
+        refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
+        saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+    } catch (const std::exception& error) {
+        m_host->showError(path + ": " + m_host->failureText(error));
+        return;
+    }
+    m_host->ShowMessage(16);
+}
+
+void PicturesTab::ListView5_MouseUp(const QPoint& position)
+{
+    if (m_working) return;
+    enablePictureMenu();
+    menufile5->popup(ListView5->viewport()->mapToGlobal(position));
+}
+
+void PicturesTab::enablePictureMenu()
+{
+    const bool rows = ListView5->topLevelItemCount() > 0;
+    outputpic->setEnabled(rows);
+    outputpicall->setEnabled(rows);
+    outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
+    ShowInFinder->setEnabled(selectedRow() != nullptr);
+    const bool importable = selectedRow() && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
+    importpic->setEnabled(importable);
+    importallpic->setEnabled(importable);
+}
+
+void PicturesTab::outputpic_Click() { exportPictures(true); }
+
+void PicturesTab::outputpicall_Click() { exportPictures(false); }
+
+// Every frame of the chosen rows as FOLDER/NAME-NN.bmp. The selected rows' export
+// advances the progress bar frame by frame within each row; the export of all rows
+// advances it row by row.
+void PicturesTab::exportPictures(bool selectedOnly)
+{
+    if (m_working) return;
+    const QString folder = m_host->BrowseForFolder();
+    m_host->settings().PictureSavePath = folder;  // a cancel is remembered too
+    if (folder.isEmpty()) return;
+    Timer2->stop();
+    // The rows are read once: the list may change while pending events run.
+    const std::vector<PictureEntry> rows =
+        rowsWhere([selectedOnly](const QTreeWidgetItem* item) { return !selectedOnly || item->isSelected(); });
+    const std::string target = folder.toStdString();
+    QString failure;
+    int written = 0;
+    QStringList skipped;  // rows whose depth cannot be written as BMP
+    {
+        Work work(*this);
+        if (!selectedOnly) {
+            ProgressBar2->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
+            ProgressBar2->setVisible(true);
+        }
+        for (std::size_t r = 0; r < rows.size() && failure.isEmpty(); ++r) {
+            const PictureEntry& row = rows[r];
+            try {
+                const FrameGeometry geometry = pictures::frameGeometry(row);
+                if (selectedOnly) {
+                    ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, geometry.frames)));
+                    ProgressBar2->setVisible(true);
+                }
+                for (std::int64_t j = 0; j < geometry.frames; ++j) {
+                    const std::string framePath = pictureFramePath(target, row.name, j);
+                    refusePhoneFile(m_host->imageState().FirmwarePath, framePath);
+                    // Fetched each frame: a phone file opened meanwhile replaces the image.
+                    // Each frame as the preview and zevran-cli's picture write it: mono
+                    // pictures too, so every export can be imported again.
+                    if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, frameAddress(geometry, j),
+                                            framePath, colourTablePath())) {
+                        showWrongFormat();
+                        if (!skipped.contains(fromUtf8(row.number))) skipped << fromUtf8(row.number);
+                    } else {
+                        ++written;
+                    }
+                    if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
+                    QApplication::processEvents();
+                }
+            } catch (const std::exception& error) {
+                failure = onRow(*m_host, row, error);
+            }
+            if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(r + 1));
+        }
+    }
+    ProgressBar2->setVisible(false);
+    ProgressBar2->reset();
+    QString counted = m_host->text("FilesWritten").arg(written);
+    if (!skipped.isEmpty()) counted += "\n" + m_host->text("RowsSkipped").arg(skipped.join(", "));
+    if (!failure.isEmpty()) m_host->showError(failure + "\n" + counted);
+    else m_host->showMessageWith(18, counted);
+}
+
+// The bytes of every checked row, all frames together, as one S-record patch file at
+// the rows' own addresses. Offered for "bin" phone files only: an "asf" image would
+// take back the very bytes it holds.
+void PicturesTab::outputpics3_Click()
+{
+    if (m_working || m_host->imageState().FileKind != "bin") return;
+    ShellSettings& settings = m_host->settings();
+    const QString path = m_host->dialogs().saveFile(settings.S3SavePath, m_host->filter(1), 2);
+    if (path.isEmpty()) return;
+    settings.S3SavePath = fromUtf8(FolderOf(path.toStdString()));
+    Timer2->stop();
+    const std::vector<PictureEntry> checked =
+        rowsWhere([](const QTreeWidgetItem* item) { return item->checkState(0) == Qt::Checked; });
+    std::vector<Region> regions;
+    QString failure;
+    {
+        Work work(*this);
+        try {
+            for (const PictureEntry& row : checked) {
+                std::optional<Region> region;
+                try {
+                    region = picturePatchRegion(m_host->imageState(), row);
+                } catch (const HexOverflow& error) {
+                    throw std::runtime_error(onRow(*m_host, row, error).toStdString());
+                }
+                // A row of no bytes is reported and left out, so the file still ends in its S7 line.
+                if (region) regions.push_back(std::move(*region));
+                else m_host->ShowMessage(kMessageEmptyRegion);
+                QApplication::processEvents();
+            }
+            refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
+            if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
+        } catch (const std::exception& error) {
+            failure = m_host->failureText(error);
+        }
+    }
+    if (!failure.isEmpty()) m_host->showError(failure);
+    else if (!regions.empty()) m_host->ShowMessage(10);
+}
+
+}  // namespace zevran::pictures
