@@ -74,10 +74,6 @@ FileError fileSystemError(const std::string& path, int errorNumber)
     return FileError(Reason::SystemError, {path, std::to_string(errorNumber)});
 }
 
-std::string describeErrno(const std::string& path, int errorNumber)
-{
-    return path + ": " + std::strerror(errorNumber);
-}
 
 void requireRegularFile(const std::string& path)
 {

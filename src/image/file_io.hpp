@@ -49,7 +49,4 @@ void closeOutputFile(std::ofstream& out, const std::string& path);
 // before it reads the input.
 void refuseSameFile(const std::string& input, const std::string& output);
 
-// "path: cause" with the cause of the last failed C library call.
-std::string describeErrno(const std::string& path, int errorNumber);
-
 }  // namespace zevran::image
