@@ -1,5 +1,7 @@
 #include "tone_title.hpp"
 
+#include "strings/utf8_text.hpp"
+
 #include <algorithm>
 #include <cerrno>
 #include <iconv.h>
@@ -113,6 +115,13 @@ bool isTwoByteCodeType(std::uint8_t codeType)
 
 std::string decodeToneTitle(std::string_view stored, std::uint8_t codeType)
 {
+    // iconv passes UTF-8 to UTF-8 through unchecked: each byte that starts no
+    // well-formed character is marked here instead.
+    if (codeType == static_cast<std::uint8_t>(ToneCodeType::Utf8)) {
+        std::string out;
+        for (std::size_t pos = 0; pos < stored.size();) strings::appendUtf8(out, strings::nextCodePoint(stored, pos));
+        return out;
+    }
     const std::size_t unit = isTwoByteCodeType(codeType) ? 2 : 1;
     if (codeType == static_cast<std::uint8_t>(ToneCodeType::HzGb2312))
         return decodeMarking(hzAsEucCn(stored), iconvName(codeType), unit);

@@ -141,3 +141,11 @@ TEST(ToneTitle, OptionalDataItemRunningPastItsChunkGivesNoTitle)
     optional[8 + 3] = 0x40;  // the item's size now reaches past the chunk
     EXPECT_EQ(checkTone(toneWith(0x01, {}, optional)).title, "");
 }
+
+TEST(ToneTitle, Utf8TitleWithBytesThatStartNoCharacterIsMarkedNotPassedThrough)
+{
+    // FB starts no UTF-8 character, 8C continues none, ED A0 80 would be a surrogate.
+    EXPECT_EQ(decodeToneTitle("A\xFB\x8C" "B\xED\xA0\x80", 0x23),
+              "A\xEF\xBF\xBD\xEF\xBF\xBD" "B\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(decodeToneTitle("\xE6\xB5\x8B", 0x23), "\xE6\xB5\x8B");
+}
