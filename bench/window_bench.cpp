@@ -7,11 +7,11 @@
 //        zevran-window-bench --preview  (times showing 128*160 frames of 16 bits)
 //        zevran-window-bench --finder  (times the picture finder's 512*1024 view at each depth)
 #include "app/main_window.hpp"
-#include "image/converter_tab.hpp"
-#include "pictures/picture_finder_pane.hpp"
-#include "pictures/pictures_tab.hpp"
-#include "strings/strings_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "image/ui/converter_tab.hpp"
+#include "pictures/ui/picture_finder_pane.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QApplication>
 #include <QComboBox>

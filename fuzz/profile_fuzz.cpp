@@ -2,7 +2,7 @@
 // NUL bytes into text, section, key and value (missing parts are empty). Reading
 // must survive any text. A write of a value the file can hold must read back as
 // written, and every other section and key named in the text must read as before.
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 
 #include <algorithm>
 #include <cstdint>

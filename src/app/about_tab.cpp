@@ -1,7 +1,7 @@
 #include "about_tab.hpp"
 
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QEvent>
 #include <QTimer>

@@ -2,9 +2,9 @@
 
 #include "bytes/owner_rows.hpp"
 #include "bytes/ui/bytes_tab.hpp"
-#include "pictures/pictures_tab.hpp"
-#include "strings/strings_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QMenu>

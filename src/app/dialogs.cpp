@@ -1,6 +1,6 @@
 #include "dialogs.hpp"
 
-#include "save_name.hpp"
+#include "settings/save_name.hpp"
 
 #include <QFileDialog>
 #include <QMessageBox>

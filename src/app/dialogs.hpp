@@ -1,7 +1,7 @@
 // The Qt dialogs behind the workshop's dialog interface, and the filters they take.
 #pragma once
 
-#include "image/window_dialogs.hpp"
+#include "window/window_dialogs.hpp"
 
 #include <QString>
 

@@ -4,7 +4,7 @@
 
 #include "image/hex_text.hpp"
 #include "image/phone_file.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QAction>
 #include <QFileInfo>

@@ -7,7 +7,7 @@
 #include "image_history.hpp"
 #include "recent_files_menu.hpp"
 
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 
 #include <QObject>
 #include <QString>

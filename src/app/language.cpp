@@ -1,7 +1,7 @@
 #include "language.hpp"
 
 #include "image/file_io.hpp"
-#include "profile_file.hpp"
+#include "settings/profile_file.hpp"
 #include "strings/code_page.hpp"
 
 #include <QAbstractButton>

@@ -2,7 +2,7 @@
 // the window comes from one of them, read with private-profile semantics.
 #pragma once
 
-#include "image/interface_texts.hpp"
+#include "window/interface_texts.hpp"
 
 #include <QString>
 #include <string>

@@ -1,6 +1,6 @@
 // zevran: the workshop window. `zevran [--home DIR] [FILE]`.
 #include "main_window.hpp"
-#include "program_folder.hpp"
+#include "settings/program_folder.hpp"
 #include "screenshots.hpp"
 #include "single_instance.hpp"
 #include "termination_signal.hpp"

@@ -6,18 +6,18 @@
 #include "editor_commands.hpp"
 #include "failure_texts.hpp"
 #include "language.hpp"
-#include "profile_file.hpp"
+#include "settings/profile_file.hpp"
 
-#include "image/converter_tab.hpp"
+#include "image/ui/converter_tab.hpp"
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/messages.hpp"
 #include "image/phone_file.hpp"
-#include "image/widget_helpers.hpp"
-#include "pictures/pictures_tab.hpp"
+#include "window/widget_helpers.hpp"
+#include "pictures/ui/pictures_tab.hpp"
 #include "strings/code_page.hpp"
-#include "strings/strings_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QCloseEvent>
 #include <QDir>

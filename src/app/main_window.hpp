@@ -5,13 +5,13 @@
 #pragma once
 
 #include "dialogs.hpp"
-#include "program_folder.hpp"
+#include "settings/program_folder.hpp"
 #include "shell_settings.hpp"
 #include "workshop_texts.hpp"
 
 #include "image/firmware_image.hpp"
 #include "image/patch_writer.hpp"
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 
 #include <QMainWindow>
 #include <array>

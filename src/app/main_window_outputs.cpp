@@ -10,7 +10,7 @@
 #include "image/hex_text.hpp"
 #include "image/messages.hpp"
 #include "image/phone_file.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 namespace zevran::app {
 

@@ -1,6 +1,6 @@
 #include "recent_files_menu.hpp"
 
-#include "profile_file.hpp"
+#include "settings/profile_file.hpp"
 
 #include <QAction>
 #include <QDir>

@@ -2,7 +2,7 @@
 // settings file. A file that is gone is shown disabled until it is removed.
 #pragma once
 
-#include "image/recent_files.hpp"
+#include "settings/recent_files.hpp"
 
 #include <QObject>
 #include <QString>

@@ -1,8 +1,8 @@
 #include "shell_settings.hpp"
 
-#include "profile_file.hpp"
+#include "settings/profile_file.hpp"
 
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 namespace zevran::app {
 

@@ -1,7 +1,7 @@
 // Reading and writing the folders and language the workshop remembers in zevran.ini.
 #pragma once
 
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 #include "workshop_texts.hpp"
 
 #include "language.hpp"
-#include "profile_file.hpp"
+#include "settings/profile_file.hpp"
 
 #include "image/file_io.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 namespace zevran::app {
 

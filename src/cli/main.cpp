@@ -3,7 +3,7 @@
 #include "cli_args.hpp"
 #include "command.hpp"
 
-#include "app/program_folder.hpp"
+#include "settings/program_folder.hpp"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,7 +3,7 @@
 #include "command.hpp"
 #include "output_file.hpp"
 
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 #include "image/phone_file.hpp"
 #include "strings/code_page.hpp"
 

@@ -4,10 +4,10 @@
 #include "test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "image/converter_tab.hpp"
-#include "pictures/pictures_tab.hpp"
-#include "strings/strings_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "image/ui/converter_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QCheckBox>

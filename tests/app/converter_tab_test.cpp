@@ -4,7 +4,7 @@
 #include "test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "image/converter_tab.hpp"
+#include "image/ui/converter_tab.hpp"
 
 #include <QDir>
 #include <QFile>

@@ -6,7 +6,7 @@
 
 #include "app/compare_dialog.hpp"
 #include "app/main_window.hpp"
-#include "strings/strings_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
 
 #include <QAction>
 #include <QCheckBox>

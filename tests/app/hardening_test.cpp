@@ -5,7 +5,7 @@
 #include "test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "tones/tones_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QDir>

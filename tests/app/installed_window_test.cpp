@@ -7,7 +7,7 @@
 
 #include "app/help_viewer.hpp"
 #include "app/main_window.hpp"
-#include "app/program_folder.hpp"
+#include "settings/program_folder.hpp"
 
 #include <QAction>
 #include <QCloseEvent>

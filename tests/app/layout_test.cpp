@@ -5,8 +5,8 @@
 #include "test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "pictures/pictures_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QCloseEvent>

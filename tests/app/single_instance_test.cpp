@@ -3,7 +3,7 @@
 // the first) start is the real program in a process of its own.
 #include "qt_files.hpp"
 
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 #include "app/single_instance.hpp"
 
 #include <QDialog>

@@ -9,9 +9,9 @@
 #include "bytes/ui/bytes_tab.hpp"
 #include "bytes/ui/bytes_view.hpp"
 #include "image/patch_writer.hpp"
-#include "pictures/pictures_tab.hpp"
-#include "strings/strings_tab.hpp"
-#include "tones/tones_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QComboBox>

@@ -4,7 +4,7 @@
 #include "image/file_io.hpp"
 #include "image/srecord_reader.hpp"
 
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 
 #include <gtest/gtest.h>
 

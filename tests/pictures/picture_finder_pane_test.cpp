@@ -3,7 +3,7 @@
 // keys, the pointer's address, a click, the width guess and "Add to table".
 #include "pictures_tab_fixture.hpp"
 
-#include "pictures/picture_finder_pane.hpp"
+#include "pictures/ui/picture_finder_pane.hpp"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -3,8 +3,8 @@
 // a double-click opens the finder on a candidate; the chosen ones become table rows.
 #include "pictures_tab_fixture.hpp"
 
-#include "pictures/picture_finder_pane.hpp"
-#include "pictures/picture_gallery.hpp"
+#include "pictures/ui/picture_finder_pane.hpp"
+#include "pictures/ui/picture_gallery.hpp"
 #include "pictures/pixel_decode.hpp"
 #include "support/firmware_like.hpp"
 #include "support/noise_bytes.hpp"

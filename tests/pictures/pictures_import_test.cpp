@@ -3,7 +3,7 @@
 // a "bin" and an "asf" phone file.
 #include "pictures_tab_fixture.hpp"
 
-#include "pictures/picture_import_view.hpp"
+#include "pictures/ui/picture_import_view.hpp"
 
 #include <QLineEdit>
 #include <QTimer>

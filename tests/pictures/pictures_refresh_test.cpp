@@ -3,8 +3,8 @@
 // runtime folder; undo and redo draw the preview and the finder again.
 #include "pictures_tab_fixture.hpp"
 
-#include "pictures/picture_finder_pane.hpp"
-#include "pictures/picture_import_view.hpp"
+#include "pictures/ui/picture_finder_pane.hpp"
+#include "pictures/ui/picture_import_view.hpp"
 
 #include <QLineEdit>
 #include <QTimer>

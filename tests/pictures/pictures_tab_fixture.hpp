@@ -6,7 +6,7 @@
 #include "app/test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "pictures/pictures_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
 
 #include <QAction>
 #include <QCheckBox>

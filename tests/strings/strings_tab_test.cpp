@@ -4,7 +4,7 @@
 #include "app/test_window.hpp"
 
 #include "app/main_window.hpp"
-#include "strings/strings_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
 
 #include <QAction>
 #include <QCheckBox>

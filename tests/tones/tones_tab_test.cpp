@@ -6,7 +6,7 @@
 #include "app/main_window.hpp"
 #include "image/srecord.hpp"
 #include "tones/tone_check.hpp"
-#include "tones/tones_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QDir>

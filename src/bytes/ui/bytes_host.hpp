@@ -5,7 +5,7 @@
 
 #include "image/byte_edits.hpp"
 #include "image/byte_owners.hpp"
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
 #include "bytes_inspector.hpp"
 
 #include "bytes/byte_values.hpp"
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 
 #include <QGridLayout>
 #include <QGroupBox>

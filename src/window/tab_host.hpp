@@ -5,9 +5,9 @@
 #pragma once
 
 #include "image/firmware_image.hpp"
-#include "image/interface_texts.hpp"
+#include "window/interface_texts.hpp"
 #include "image/patch_writer.hpp"
-#include "image/window_dialogs.hpp"
+#include "window/window_dialogs.hpp"
 
 #include <QString>
 #include <exception>

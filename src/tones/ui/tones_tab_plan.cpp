@@ -1,10 +1,10 @@
 // The ring-tone tab's file browser and replacement plan: the cells of ListView1,
 // ListView4 and ListView3 go through the plan logic and come back as rows.
-#include "tone_patch.hpp"
+#include "tones/tone_patch.hpp"
 #include "tones_tab.hpp"
 
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QDir>
 #include <QFileInfo>

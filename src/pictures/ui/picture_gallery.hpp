@@ -3,9 +3,9 @@
 // double-click opens the finder on one; the chosen ones become picture-list rows.
 #pragma once
 
-#include "picture_finder.hpp"
-#include "picture_scan.hpp"
-#include "picture_view.hpp"
+#include "pictures/picture_finder.hpp"
+#include "pictures/picture_scan.hpp"
+#include "pictures/picture_view.hpp"
 
 #include <QAbstractListModel>
 #include <QDialog>

@@ -3,8 +3,8 @@
 // table", which hands the picture found to the picture list.
 #pragma once
 
-#include "picture_finder.hpp"
-#include "picture_view.hpp"
+#include "pictures/picture_finder.hpp"
+#include "pictures/picture_view.hpp"
 
 #include <QDialog>
 #include <QImage>

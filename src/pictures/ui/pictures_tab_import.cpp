@@ -6,11 +6,11 @@
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
-#include "picture_encode.hpp"
-#include "picture_file.hpp"
-#include "picture_import.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
+#include "pictures/picture_encode.hpp"
+#include "pictures/picture_file.hpp"
+#include "pictures/picture_import.hpp"
 #include "picture_import_view.hpp"
 
 #include <QTimer>

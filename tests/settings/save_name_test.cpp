@@ -1,5 +1,5 @@
 // The extension a save dialog adds from the chosen filter when the name has none.
-#include "app/save_name.hpp"
+#include "settings/save_name.hpp"
 
 #include <gtest/gtest.h>
 

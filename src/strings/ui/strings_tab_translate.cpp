@@ -5,14 +5,14 @@
 // translation_import; this file only asks, calls and shows.
 #include "strings_tab.hpp"
 
-#include "string_extract.hpp"
-#include "translation_files.hpp"
+#include "strings/string_extract.hpp"
+#include "strings/translation_files.hpp"
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
-#include "image/tab_host.hpp"
+#include "window/tab_host.hpp"
 #include "image/temporary_output.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QApplication>
 #include <QGroupBox>

@@ -1,9 +1,9 @@
 // The picture tab: picture tables, the preview with its player, export and patches.
 #pragma once
 
-#include "picture_finder.hpp"
-#include "picture_player.hpp"
-#include "picture_table.hpp"
+#include "pictures/picture_finder.hpp"
+#include "pictures/picture_player.hpp"
+#include "pictures/picture_table.hpp"
 
 #include <QImage>
 #include <QWidget>

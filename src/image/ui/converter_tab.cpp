@@ -1,11 +1,11 @@
 #include "converter_tab.hpp"
 
-#include "converter.hpp"
-#include "file_io.hpp"
-#include "hex_text.hpp"
-#include "tab_host.hpp"
-#include "temporary_output.hpp"
-#include "widget_helpers.hpp"
+#include "image/converter.hpp"
+#include "image/file_io.hpp"
+#include "image/hex_text.hpp"
+#include "window/tab_host.hpp"
+#include "image/temporary_output.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QApplication>
 #include <QButtonGroup>

@@ -1,6 +1,6 @@
 #include "picture_import_view.hpp"
 
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>

@@ -1,9 +1,9 @@
 #include "strings_tab.hpp"
 
-#include "string_search.hpp"
+#include "strings/string_search.hpp"
 
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QAction>
 #include <QButtonGroup>

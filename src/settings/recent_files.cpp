@@ -1,6 +1,6 @@
 #include "recent_files.hpp"
 
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 #include "image/file_io.hpp"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "pictures_tab.hpp"
 #include "pictures_tab_cells.hpp"
 
-#include "image/widget_helpers.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QPushButton>
 #include <QTreeWidget>

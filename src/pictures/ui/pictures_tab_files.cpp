@@ -6,13 +6,13 @@
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 #include "picture_finder_pane.hpp"
 #include "picture_gallery.hpp"
-#include "picture_frames.hpp"
-#include "picture_table.hpp"
-#include "pixel_decode.hpp"
+#include "pictures/picture_frames.hpp"
+#include "pictures/picture_table.hpp"
+#include "pictures/pixel_decode.hpp"
 #include "strings/code_page.hpp"
 
 #include <QApplication>

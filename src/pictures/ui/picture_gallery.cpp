@@ -1,8 +1,8 @@
 #include "picture_gallery.hpp"
 
 #include "image/hex_text.hpp"
-#include "image/tab_host.hpp"
-#include "picture_player.hpp"
+#include "window/tab_host.hpp"
+#include "pictures/picture_player.hpp"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -2,9 +2,9 @@
 // replacement plan between them.
 #pragma once
 
-#include "tone_plan.hpp"
+#include "tones/tone_plan.hpp"
 #include "image/patch_writer.hpp"
-#include "tone_scan.hpp"
+#include "tones/tone_scan.hpp"
 
 #include <QHash>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "app/program_folder.hpp"
+#include "settings/program_folder.hpp"
 
 #include "support/temp_folder.hpp"
 

@@ -1,13 +1,13 @@
 #include "tones_tab.hpp"
 
-#include "tone_check.hpp"
-#include "tone_export.hpp"
-#include "tone_table.hpp"
+#include "tones/tone_check.hpp"
+#include "tones/tone_export.hpp"
+#include "tones/tone_table.hpp"
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 #include "strings/code_page.hpp"
 
 #include <QDesktopServices>

@@ -5,8 +5,8 @@
 
 #include "pictures_tab.hpp"
 
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 
 namespace zevran::pictures {
 

@@ -1,6 +1,6 @@
-#include "image/recent_files.hpp"
+#include "settings/recent_files.hpp"
 
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 #include "support/temp_folder.hpp"
 
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 // about. Shared by the tab's files (list and preview, import, finder).
 #pragma once
 
-#include "picture_table.hpp"
+#include "pictures/picture_table.hpp"
 
-#include "image/tab_host.hpp"
-#include "image/widget_helpers.hpp"
+#include "window/tab_host.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QStringList>
 #include <QTreeWidgetItem>

@@ -1,4 +1,4 @@
-#include "app/profile_file.hpp"
+#include "settings/profile_file.hpp"
 
 #include "support/temp_folder.hpp"
 

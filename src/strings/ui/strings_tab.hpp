@@ -1,8 +1,8 @@
 // The text-string tab: search the image for a text and plan same-length replacements.
 #pragma once
 
-#include "string_edit.hpp"
-#include "translation_import.hpp"
+#include "strings/string_edit.hpp"
+#include "strings/translation_import.hpp"
 
 #include <QWidget>
 #include <vector>
