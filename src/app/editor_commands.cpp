@@ -21,7 +21,7 @@ constexpr const char* kProductTitle = "Zevran Handset Workshop V1.11";
 }  // namespace
 
 EditorCommands::EditorCommands(image::TabHost& host, QMainWindow* window, const QString& settingsPath)
-    : QObject(window), m_host(host), m_window(window), m_history(new ImageHistory(host.imageState(), this))
+    : QObject(window), m_host(host), m_window(window), m_history(new ImageHistory(host.document(), this))
 {
     m_recentMenu = new QMenu(window);
     m_recentMenu->setObjectName("menurecent");

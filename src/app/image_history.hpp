@@ -1,12 +1,10 @@
-// Edit > Undo and Redo over every change the window makes to the image in memory, and
-// the unsaved-changes state that follows from them: the image differs from its phone
-// file exactly when the history is away from the step of the last open or save.
+// Edit > Undo and Redo over the document's changes, and the signals the window's parts
+// follow: the image changed, was replaced, or now differs from its phone file or no
+// longer does. The history itself is the document's.
 #pragma once
 
-#include "image/byte_edits.hpp"
-#include "image/firmware_image.hpp"
 #include "image/patch_writer.hpp"
-#include "image/undo_history.hpp"
+#include "image/phone_document.hpp"
 
 #include <QObject>
 #include <vector>
@@ -18,16 +16,17 @@ namespace zevran::app {
 class ImageHistory : public QObject {
     Q_OBJECT
 public:
-    ImageHistory(image::ImageState& image, QObject* parent);
+    ImageHistory(image::PhoneDocument& document, QObject* parent);
 
     // Ctrl+Z and Ctrl+Shift+Z; enabled while there is a step to undo or redo.
     QAction* undoAction() const { return m_undo; }
     QAction* redoAction() const { return m_redo; }
 
-    // A phone file was opened: no steps, nothing unsaved.
+    // A phone file was opened into the document: no steps, nothing unsaved.
     void opened();
-    // The image was written over its phone file.
-    void saved();
+    // Writes the image over its "asf" phone file (PhoneDocument::save, which throws when
+    // it cannot); then nothing is unsaved.
+    void save();
     // Every change of a "bin" image was written as a patch: nothing is left unwritten,
     // but the bytes still differ from the phone file, which is never changed.
     void patchWritten();
@@ -38,14 +37,11 @@ public:
     void undo();
     void redo();
 
-    bool modified() const { return !m_history.isClean(); }
-    // The changes that closing or opening another file would lose unless saved (an
-    // "asf" image) or written as a patch (a "bin" image): the may-close question's state.
-    bool unwrittenChanges() const { return modified(); }
-
-    // The phone file's bytes wherever the image has been written since it was opened
-    // or saved: what differs from the file, and the patch of every change.
-    const image::OriginalBytes& originals() const { return m_originals; }
+    bool modified() const { return m_document.modified(); }
+    // The changes that closing or opening another file would lose: the may-close
+    // question's state.
+    bool unwrittenChanges() const { return m_document.unwrittenChanges(); }
+    const image::OriginalBytes& originals() const { return m_document.originals(); }
 
 signals:
     // The image now differs from its phone file, or no longer does.
@@ -57,11 +53,8 @@ signals:
 
 private:
     void update();
-    void rememberOriginals(const image::UndoStep* step);
 
-    image::ImageState& m_image;
-    image::UndoHistory m_history;
-    image::OriginalBytes m_originals;
+    image::PhoneDocument& m_document;
     QAction* m_undo;
     QAction* m_redo;
     bool m_modified = false;

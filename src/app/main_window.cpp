@@ -347,38 +347,14 @@ void Form1::openPhoneFile(const QString& path)
     if (!mayReplaceImage()) return;
     const std::string file = path.toStdString();
     m_settings.MobileFilePath = fromUtf8(image::FolderOf(file));
-    setBusy(true);
-    std::vector<std::uint8_t> bytes;
-    try {
-        BusyPointer busy;
-        bytes = image::readPhoneFile(file);
-    } catch (const std::exception& error) {
-        // The image and its path stay as they were, so a later save cannot land elsewhere.
-        setBusy(false);
-        showError(failureText(error));
-        return;
-    }
-    setBusy(false);
-    m_image.FirmwarePath = file;
-    if (bytes.empty()) {
-        ShowMessage(1);
-        return;
-    }
-    try {
-        image::setImage(m_image, file, std::move(bytes));
-    } catch (const std::exception& error) {
-        showError(failureText(error));
-        return;
-    }
+    if (!readPhoneFile(file)) return;
     m_editor->imageReplaced(path);
     QString version;
     try {
         version = versionText();
     } catch (const image::VersionOutOfImage& error) {
-        // The new bytes are in, but the open did not finish: nothing may be written
-        // out as if the file were of the kind that was open before.
-        m_image.FileKind = "other";
-        m_image.ImageLoaded = false;
+        // The new bytes are in, but the open did not finish: the document is of kind
+        // "other", so nothing is written out as if it were the file open before.
         enableOutputsForKind();
         m_save->setEnabled(false);
         showError(path + ": " + failureText(error));
@@ -390,17 +366,35 @@ void Form1::openPhoneFile(const QString& path)
     m_statusPanels[3]->setText(m_openVersion);
     m_tabs->setTabEnabled(1, true);
     m_tabs->setTabEnabled(2, true);
-    m_image.FileKind = image::classifyPhoneFile(file);
     enableOutputsForKind();
     m_save->setEnabled(false);
-    m_image.ImageLoaded = m_image.FileKind != "other";
-    if (m_image.ImageLoaded) m_editor->fileOpened(path);
+    if (m_document.loaded()) m_editor->fileOpened(path);
     else ShowMessage(2);
+}
+
+bool Form1::readPhoneFile(const std::string& file)
+{
+    setBusy(true);
+    try {
+        BusyPointer busy;
+        m_document.open(file);
+    } catch (const image::EmptyPhoneFile&) {
+        setBusy(false);
+        ShowMessage(1);
+        return false;
+    } catch (const std::exception& error) {
+        // The image and its path stay as they were, so a later save cannot land elsewhere.
+        setBusy(false);
+        showError(failureText(error));
+        return false;
+    }
+    setBusy(false);
+    return true;
 }
 
 QString Form1::versionText()
 {
-    const auto version = image::findVersionText(m_image);
+    const auto version = m_document.readVersion();
     if (!version) return m_texts.StatusBar1Str3;
     return decodeLanguageValue(*version, false, m_codePage);
 }
@@ -447,7 +441,7 @@ void Form1::homepage_Click()
 
 bool Form1::mayLeaveImage()
 {
-    if (!m_editor->history().unwrittenChanges()) return true;
+    if (m_document.mayReplaceWithoutAsking()) return true;
     const bool bin = takesSRecordPatch();
     const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], bin ? text("BytesUnwrittenQuestion") : m_texts.MsgStr[35]);
     if (answer != Answer::Yes) return answer == Answer::No;

@@ -60,9 +60,11 @@ public:
     // that are neither saved ("asf") nor written as a patch ("bin"): Yes saves or writes
     // them, No drops them. False when the user stays (Cancel, or the save failed).
     bool mayLeaveImage();
+    // Opens `file` into the document; false (the failure shown) when it was not read.
+    bool readPhoneFile(const std::string& file);
 
     // What the tabs see of the window (image/tab_host.hpp).
-    image::ImageState& imageState() override { return m_image; }
+    image::PhoneDocument& document() override { return m_document; }
     ShellSettings& settings() override { return m_settings; }
     Dialogs& dialogs() override { return *m_dialogs; }
     const QString& dataFolder() const override { return m_dataFolder; }
@@ -87,8 +89,6 @@ public:
     QString chooseSRecordPatchPath() override;
     bool writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions) override;
     void patchInImage(const std::vector<image::Region>& regions, bool showDone = true) override;
-    bool takesSRecordPatch() const override { return m_image.FileKind == "bin"; }
-    bool takesInImagePatch() const override { return m_image.FileKind == "asf"; }
 
     // Waits while the window goes on handling its events.
     void Delay(double seconds);
@@ -125,7 +125,7 @@ private:
     ProgramFolders m_folders;
     QString m_dataFolder;
     std::unique_ptr<Dialogs> m_dialogs;
-    image::ImageState m_image;
+    image::PhoneDocument m_document;
     image::InterfaceTexts m_texts;
     WorkshopTexts m_workshopTexts;
     ShellSettings m_settings;

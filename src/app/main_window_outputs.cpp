@@ -9,6 +9,7 @@
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
 #include "image/messages.hpp"
+#include "image/output_file.hpp"
 #include "image/phone_file.hpp"
 #include "window/widget_helpers.hpp"
 
@@ -45,13 +46,12 @@ bool Form1::Saveaxf(bool showDone)
 {
     try {
         BusyPointer busy;
-        image::Saveaxf(m_image);
+        m_editor->history().save();
     } catch (const std::exception& error) {
         // The phone file is untouched and Save stays enabled, so the save can be tried again.
         showError(failureText(error));
         return false;
     }
-    m_editor->history().saved();
     if (showDone) ShowMessage(21);
     return true;
 }
@@ -75,8 +75,7 @@ bool Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Re
     if (!takesSRecordPatch() || regions.empty()) return false;
     try {
         BusyPointer busy;
-        image::refusePhoneFile(m_image.FirmwarePath, path.toStdString());
-        image::writeSRecordPatch(path.toStdString(), regions);
+        image::writeEditsAsPatch(m_document, path.toStdString(), regions);
     } catch (const std::exception& error) {
         showError(failureText(error));
         return false;
@@ -97,7 +96,7 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
         return;
     }
     if (!whole) {
-        showError(text("PatchPastEnd").arg(m_image.FirmwareImage.size()));
+        showError(text("PatchPastEnd").arg(m_document.bytes().size()));
         return;
     }
     if (showDone) ShowMessage(13);

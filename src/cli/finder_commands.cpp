@@ -55,7 +55,8 @@ int runRender(const std::vector<std::string>& words, const Context& context)
     geometry.frameSize = foundFrameSize(geometry.width, geometry.height, geometry.depth);
     const std::string out = required(args, "-o", "render");
     const std::string& file = args.positional()[0];
-    const ImageState state = openPhoneFile(file);
+    const image::PhoneDocument document = openPhoneFile(file);
+    const image::ImageState& state = document.state();
     try {
         // The very frame `picture` shows for a row of this address, size and depth.
         writeOutputFile(out, [&](const std::string& path) {
@@ -79,7 +80,8 @@ int runGuessWidth(const std::vector<std::string>& words, const Context& context)
     if (least < 1 || most < least || most > kWidestGuess)
         throw UsageError("--min and --max must satisfy 1 <= min <= max <= " + std::to_string(kWidestGuess));
     const std::string& file = args.positional()[0];
-    const ImageState state = openPhoneFile(file);
+    const image::PhoneDocument document = openPhoneFile(file);
+    const image::ImageState& state = document.state();
     std::vector<WidthScore> scores;
     try {
         scores = guessWidths(state.FirmwareImage, address, depth, static_cast<std::int32_t>(least),

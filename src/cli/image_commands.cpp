@@ -55,7 +55,8 @@ int runInfo(const std::vector<std::string>& words, const Context&)
     Arguments args(words, {}, {});
     args.expectPositional(1, "info FILE");
     const std::string& path = args.positional()[0];
-    ImageState state = openPhoneFile(path);
+    image::PhoneDocument document = openPhoneFile(path);
+    image::ImageState& state = document.state();
     std::optional<std::string> version;
     try {
         version = findVersionText(state);

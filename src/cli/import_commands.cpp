@@ -67,7 +67,9 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     const long rowNumber = numberArgument(args.positional()[2], "ROW");
     const std::int64_t frameNumber = frameNumberArgument(args);
 
-    ImageState state = openPhoneFile(phonePath);
+    image::PhoneDocument document = openPhoneFile(phonePath);
+
+    image::ImageState& state = document.state();
     if (args.has("--in-place") && state.FileKind != "asf")
         throw std::runtime_error(phonePath + ": only an \"asf\" phone file is changed in place; this one is \"" +
                                  state.FileKind + "\" (write a patch with -o)");
@@ -109,7 +111,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     }
 
     const std::vector<Region> regions = import.regions();
-    writeEdits(args, state, regions);
+    writeEdits(args, document, regions);
     return 0;
 }
 

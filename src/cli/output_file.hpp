@@ -10,11 +10,7 @@
 
 namespace zevran::cli {
 
-// Runs `write` with the path it is to write (a temporary beside `output`), then renames
-// that file over `output`. A failure of `write` or of the rename removes the temporary
-// and is thrown again with "nothing was written to OUTPUT" added; a usage error passes
-// as it is. A device or pipe named as the output (/dev/null, a fifo) cannot be renamed
-// over and is written where it is.
+// image::writeThroughTemporary, except that a usage error passes as it is.
 void writeOutputFile(const std::string& output, const std::function<void(const std::string& path)>& write);
 
 }  // namespace zevran::cli

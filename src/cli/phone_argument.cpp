@@ -1,7 +1,7 @@
 #include "phone_argument.hpp"
 
 #include "command.hpp"
-#include "output_file.hpp"
+#include "image/output_file.hpp"
 
 #include "settings/profile_file.hpp"
 #include "image/phone_file.hpp"
@@ -11,15 +11,15 @@
 
 namespace zevran::cli {
 
-image::ImageState openPhoneFile(const std::string& path)
+image::PhoneDocument openPhoneFile(const std::string& path)
 {
-    image::ImageState state;
+    image::PhoneDocument document;
     try {
-        image::loadPhoneFile(state, path);
+        document.open(path);
     } catch (const image::EmptyPhoneFile&) {
         throw std::runtime_error(path + ": the file is empty (0 bytes)");
     }
-    return state;
+    return document;
 }
 
 void requireOutputForKind(const Arguments& args, const image::ImageState& state, const std::string& phonePath)
@@ -39,15 +39,13 @@ std::string codePageOf(const Context& context)
     return named && !named->empty() ? *named : std::string(strings::kDefaultCodePage);
 }
 
-void writeEdits(const Arguments& args, image::ImageState& state, const std::vector<image::Region>& regions)
+void writeEdits(const Arguments& args, image::PhoneDocument& document, const std::vector<image::Region>& regions)
 {
     if (args.has("-o")) {
-        // No regions write no patch, as before.
-        if (!regions.empty())
-            writeOutputFile(*args.value("-o"), [&](const std::string& path) { image::writeSRecordPatch(path, regions); });
+        image::writeEditsAsPatch(document, *args.value("-o"), regions);
     } else {
-        image::patchImage(state, regions);
-        image::Saveaxf(state);
+        document.patch(regions);
+        document.save();
     }
 }
 

@@ -6,14 +6,16 @@
 
 #include "image/firmware_image.hpp"
 #include "image/patch_writer.hpp"
+#include "image/phone_document.hpp"
 
 #include <string>
 #include <vector>
 
 namespace zevran::cli {
 
-// Throws with a message naming the path when the file cannot be read or is empty.
-image::ImageState openPhoneFile(const std::string& path);
+// The phone file opened as the window opens it. Throws with a message naming the path
+// when the file cannot be read or is empty.
+image::PhoneDocument openPhoneFile(const std::string& path);
 
 // Refuses an output that does not fit the phone file's kind: -o (an S-record patch)
 // only for a "bin" file, --in-place only for an "asf" file.
@@ -23,8 +25,9 @@ void requireOutputForKind(const Arguments& args, const image::ImageState& state,
 // zevran.ini, GBK when it names none.
 std::string codePageOf(const Context& context);
 
-// The edits leave the way the command was told: an S-record patch file (-o), or laid
-// into the image and saved over the phone file through a temporary file (--in-place).
-void writeEdits(const Arguments& args, image::ImageState& state, const std::vector<image::Region>& regions);
+// The edits leave the way the command was told, as the window's do: an S-record patch
+// file (-o, never over the phone file), or laid into the image and saved over the
+// phone file through a temporary file (--in-place).
+void writeEdits(const Arguments& args, image::PhoneDocument& document, const std::vector<image::Region>& regions);
 
 }  // namespace zevran::cli

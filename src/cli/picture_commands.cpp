@@ -52,7 +52,8 @@ int runPicture(const std::vector<std::string>& words, const Context& context)
     args.expectPositional(3, "picture FILE TABLE ROW [--frame K] [--recompute-size] -o OUT.bmp");
     if (!args.has("-o")) throw UsageError("picture needs -o OUT.bmp");
     const std::int64_t frameNumber = frameNumberArgument(args);
-    const ImageState state = openPhoneFile(args.positional()[0]);
+    const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
+    const image::ImageState& state = document.state();
     const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const PictureEntry& row = pictureRow(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
     const std::int64_t index = frameIndexOfRow(frameNumber, row, frameGeometry(row).frames);
@@ -67,7 +68,8 @@ int runExportPictures(const std::vector<std::string>& words, const Context& cont
     if (!args.has("--to")) throw UsageError("export-pictures needs --to DIR");
     std::string folder = *args.value("--to");
     if (folder.empty() || folder.back() != '/') folder += '/';
-    const ImageState state = openPhoneFile(args.positional()[0]);
+    const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
+    const image::ImageState& state = document.state();
     for (const PictureEntry& row : openPictureTable(args.positional()[1], args.has("--recompute-size"))) {
         const FrameGeometry geometry = frameGeometry(row);
         bool refused = false;
@@ -84,7 +86,8 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
     Arguments args(words, {"--rows", "-o"}, {"--recompute-size"});
     args.expectPositional(2, "picture-patch FILE TABLE --rows 001,003 -o OUT.s3");
     if (!args.has("--rows") || !args.has("-o")) throw UsageError("picture-patch needs --rows and -o");
-    const ImageState state = openPhoneFile(args.positional()[0]);
+    const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
+    const image::ImageState& state = document.state();
     const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const std::set<long> wanted = numberListArgument(*args.value("--rows"), "--rows");
     for (long number : wanted) pictureRow(rows, number, args.positional()[1]);

@@ -80,7 +80,8 @@ int runFindPictures(const std::vector<std::string>& words, const Context& contex
     if (args.has("--to")) request.last = rangeArgument(*args.value("--to"), "--to");
     request.colours = coloursForDepth(4, context.home + "/16.dat");
     const std::string& file = args.positional()[0];
-    const image::ImageState state = openPhoneFile(file);
+    const image::PhoneDocument document = openPhoneFile(file);
+    const image::ImageState& state = document.state();
     ScanResult result = scanPictures(state.FirmwareImage, request);
     if (result.failure) throw std::runtime_error(file + ": " + failureText(*result.failure, state.FirmwareImage.size()));
     const bool withKnown = args.has("--table");

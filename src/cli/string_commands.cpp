@@ -26,7 +26,8 @@ int runFindText(const std::vector<std::string>& words, const Context& context)
     Arguments args(words, {}, {"--handset-codes", "--all"});
     args.expectPositional(2, "find-text FILE TEXT [--handset-codes] [--all]");
     if (args.positional()[1].empty()) throw UsageError("find-text needs a TEXT to look for");
-    ImageState state = openPhoneFile(args.positional()[0]);
+    image::PhoneDocument document = openPhoneFile(args.positional()[0]);
+    image::ImageState& state = document.state();
     const bool handsetCodes = args.has("--handset-codes");
     const std::string pattern = searchPattern(args.positional()[1], handsetCodes, codePageOf(context));
     int passCount = 0;
@@ -79,7 +80,8 @@ int runPatchStrings(const std::vector<std::string>& words, const Context& contex
     if (args.has("-o") == args.has("--in-place")) throw UsageError("patch-strings needs either -o OUT.s3 or --in-place");
     const std::string& phonePath = args.positional()[0];
     const std::string& planPath = args.positional()[1];
-    ImageState state = openPhoneFile(phonePath);
+    image::PhoneDocument document = openPhoneFile(phonePath);
+    image::ImageState& state = document.state();
     requireOutputForKind(args, state, phonePath);
     const bool handsetCodes = args.has("--handset-codes");
     const std::string codePage = codePageOf(context);
@@ -101,7 +103,7 @@ int runPatchStrings(const std::vector<std::string>& words, const Context& contex
         }
     }
     if (regions.empty()) throw std::runtime_error(planPath + ": the plan holds no replacement");
-    writeEdits(args, state, regions);
+    writeEdits(args, document, regions);
     return 0;
 }
 

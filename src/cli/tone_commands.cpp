@@ -54,8 +54,9 @@ int runTones(const std::vector<std::string>& words, const Context&)
     args.expectPositional(1, "tones FILE [--details]");
     const std::string& path = args.positional()[0];
     const bool details = args.has("--details");
-    ImageState state;
-    if (details) state = openPhoneFile(path);
+    image::PhoneDocument document;
+    if (details) document = openPhoneFile(path);
+    image::ImageState& state = document.state();
     std::string out;
     for (const ToneSlot& row : details ? scanTones(state) : streamedTones(path)) {
         out += row.number + " " + row.start + " " + row.end + " " + row.size;
@@ -71,7 +72,8 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
     Arguments args(words, {"--to", "--rows"}, {});
     args.expectPositional(1, "export-tones FILE --to PATH [--rows 001,004,...]");
     if (!args.has("--to")) throw UsageError("export-tones needs --to PATH");
-    ImageState state = openPhoneFile(args.positional()[0]);
+    image::PhoneDocument document = openPhoneFile(args.positional()[0]);
+    image::ImageState& state = document.state();
     const std::vector<ToneSlot> rows = scanTones(state);
     std::set<long> wanted;
     if (auto list = args.value("--rows")) {

@@ -46,7 +46,8 @@ int runExportStrings(const std::vector<std::string>& words, const Context& conte
         if (value < 1) throw UsageError("--min-bytes must be 1 or more");
         options.minBytes = static_cast<std::uint32_t>(value);
     }
-    const ImageState state = openPhoneFile(phonePath);
+    const image::PhoneDocument document = openPhoneFile(phonePath);
+    const image::ImageState& state = document.state();
     refusePhoneFile(phonePath, outPath);
     const ExtractResult result = extractStrings(state.FirmwareImage, options);
     writeTranslationFile(outPath, result.strings, FileNameOf(phonePath));
@@ -88,7 +89,8 @@ int runImportStrings(const std::vector<std::string>& words, const Context& conte
     const std::string& translationPath = args.positional()[1];
     if (!formatOfPath(translationPath))
         throw UsageError(translationPath + ": the name must end in .po, .xlf, .xliff or .csv");
-    ImageState state = openPhoneFile(phonePath);
+    image::PhoneDocument document = openPhoneFile(phonePath);
+    image::ImageState& state = document.state();
     requireOutputForKind(args, state, phonePath);
     for (const char* output : {"-o", "--report"})
         if (args.has(output)) refusePhoneFile(phonePath, *args.value(output));
@@ -104,7 +106,7 @@ int runImportStrings(const std::vector<std::string>& words, const Context& conte
         return 1;
     }
     const std::vector<Region> regions = fittingRegions(result);
-    if (!regions.empty()) writeEdits(args, state, regions);
+    if (!regions.empty()) writeEdits(args, document, regions);
     std::cout << result.fitting << " written, " << refused << " not written, " << result.untranslated
               << " untranslated\n";
     return 0;

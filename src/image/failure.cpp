@@ -27,6 +27,7 @@ constexpr ReasonText kReasons[] = {
     {Reason::OverwritesInput, "FailOverwritesInput", "%1: the output would overwrite the input %2"},
     {Reason::PatchNotWritten, "FailPatchNotWritten", "%1: the patch file could not be written (disk full or removed?)"},
     {Reason::PictureNotWritten, "FailPictureNotWritten", "%1: the picture could not be written"},
+    {Reason::NothingWrittenTo, "FailNothingWrittenTo", "%2; nothing was written to %1"},
     {Reason::EmptyFile, "FailEmptyFile", "%1: the file is empty"},
     {Reason::TooLargeToHold, "FailTooLargeToHold", "%1: a phone file of 2 GiB or more cannot be held"},
     {Reason::NotAsfFile, "FailNotAsfFile", "%1: is not an \"asf\" phone file, so it is never written"},

@@ -25,6 +25,7 @@ enum class Reason {
     OverwritesInput,  // output, input
     PatchNotWritten,  // path
     PictureNotWritten,  // path
+    NothingWrittenTo,  // output; the cause
     EmptyFile,        // path
     TooLargeToHold,   // path
     NotAsfFile,       // path

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "image/firmware_image.hpp"
+#include "image/phone_document.hpp"
 #include "window/interface_texts.hpp"
 #include "image/patch_writer.hpp"
 #include "window/window_dialogs.hpp"
@@ -32,7 +33,9 @@ class TabHost {
 public:
     virtual ~TabHost() = default;
 
-    virtual ImageState& imageState() = 0;
+    // The open phone file: its image, path and kind, and its changes since opened.
+    virtual PhoneDocument& document() = 0;
+    ImageState& imageState() { return document().state(); }
     virtual ShellSettings& settings() = 0;
     virtual Dialogs& dialogs() = 0;
     // The shipped data (16.dat, help, language files): the program folder when portable,
@@ -85,8 +88,8 @@ public:
     virtual void patchInImage(const std::vector<Region>& regions, bool showDone = true) = 0;
     // The output that fits the opened phone file: an S-record patch for "bin", the
     // image itself for "asf"; neither for "other" or before a file is opened.
-    virtual bool takesSRecordPatch() const = 0;
-    virtual bool takesInImagePatch() const = 0;
+    bool takesSRecordPatch() { return document().takesSRecordPatch(); }
+    bool takesInImagePatch() { return document().takesInImagePatch(); }
 };
 
 // Keeps the window from closing while a command runs, and restores the flag after.

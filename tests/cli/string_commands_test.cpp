@@ -169,6 +169,15 @@ TEST(PatchStringsCommand, HandsetCodesFillTheRangeWithA1Pairs)
     EXPECT_EQ(readText(folder.path("out.s3")), kHeader + "S30D00000004A148A169A120A12079\r\n" + kTrailer);
 }
 
+TEST(PatchStringsCommand, PatchOverThePhoneFileItselfIsRefusedAndChangesNothing)
+{
+    TempFolder folder;
+    writeFile(folder.path("image.bin"), counting(16));
+    EXPECT_TRUE(failedWith(patchStrings(folder, "image.bin", "00000002 00000003 A\n", {"-o", "image.bin"}),
+                           {"is the phone file open in the workshop"}));
+    EXPECT_EQ(readBytes(folder.path("image.bin")), counting(16));
+}
+
 TEST(PatchStringsCommand, InPlaceChangesExactlyTheRangeOfAnAsfFile)
 {
     TempFolder folder;
