@@ -10,7 +10,7 @@
 #include "image/patch_writer.hpp"
 #include "pictures/picture_file.hpp"
 #include "pictures/picture_frames.hpp"
-#include "pictures/picture_import.hpp"
+#include "pictures/picture_import_job.hpp"
 #include "pictures/picture_player.hpp"
 
 #include <iostream>
@@ -27,29 +27,35 @@ constexpr const char* kUsage =
     "import-picture FILE TABLE ROW (--from PICTURE [--frame K] | --from-folder DIR) [--recompute-size] "
     "(-o OUT.s3 | --in-place)";
 
-// One frame's picture read and encoded; every refusal names the row, frame and file,
-// and pixels the frame cannot hold are told on stderr while the import goes on.
-void importOne(RowImport& import, const PictureEntry& row, std::int64_t frame, const std::string& file,
-               const ColourTable& colours)
+// The import's stop in the command line's words: the row, the frame counted from 1,
+// the file, and why.
+std::runtime_error stopText(const PictureEntry& row, const RowImportError& error)
 {
-    const std::string where = placeOf(row) + ", frame " + std::to_string(frame + 1);
-    PictureGrid picture;
-    try {
-        picture = readPictureThroughReader(file, colours);
-    } catch (const PictureFileError& error) {
-        throw std::runtime_error(where + ": " + error.what());
+    const std::string frame = ", frame " + std::to_string(error.frame + 1);
+    switch (error.stop) {
+    case ImportStop::RowRefused: return std::runtime_error(placeOf(row) + ": " + error.what());
+    case ImportStop::NoFrames:
+        return std::runtime_error(placeOf(row) + ": the row has " + std::to_string(error.frames) +
+                                  " frames; there is nothing to import");
+    case ImportStop::PictureMissing:
+    case ImportStop::Unreadable: return std::runtime_error(placeOf(row) + frame + ": " + error.what());
+    case ImportStop::NoSuchFrame:
+    case ImportStop::Refused: return std::runtime_error(placeOf(row) + frame + ", " + error.file + ": " + error.what());
     }
-    std::int64_t unstored = 0;
-    try {
-        unstored = import.importFrame(frame, picture);
-    } catch (const PictureImportError& error) {
-        throw std::runtime_error(where + ", " + file + ": " + error.what());
-    }
-    if (unstored > 0)
-        std::cerr << "zevran-cli: " << where << ", " << file << ": " << unstored
-                  << (unstored == 1 ? " pixel" : " pixels")
+    return std::runtime_error(error.what());
+}
+
+// Pixels a frame cannot hold are told, frame by frame, while the import goes on.
+void tellUnstoredPixels(const PictureEntry& row, const std::vector<FramePicture>& pictures,
+                        const std::vector<std::int64_t>& unstored)
+{
+    for (std::size_t k = 0; k < pictures.size() && k < unstored.size(); ++k) {
+        if (unstored[k] <= 0) continue;
+        std::cerr << "zevran-cli: " << placeOf(row) << ", frame " << pictures[k].frame + 1 << ", " << pictures[k].file
+                  << ": " << unstored[k] << (unstored[k] == 1 ? " pixel" : " pixels")
                   << " of the last column cannot be stored (a 4-bit row of odd width keeps no nibble for "
-                  << (unstored == 1 ? "it" : "them") << "); the import goes on\n";
+                  << (unstored[k] == 1 ? "it" : "them") << "); the import goes on\n";
+    }
 }
 
 int runImportPicture(const std::vector<std::string>& words, const Context& context)
@@ -75,42 +81,20 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
                                  state.FileKind + "\" (write a patch with -o)");
     if (args.has("-o")) refusePhoneFile(phonePath, *args.value("-o"));
     const auto rows = openPictureTable(tablePath, args.has("--recompute-size"));
-    const PictureEntry& row = pictureRow(rows, rowNumber, tablePath);
+    const PictureEntry& entry = pictureRow(rows, rowNumber, tablePath);
 
-    FrameGeometry geometry;
+    RowImportResult result;
     try {
-        geometry = frameGeometry(row);
-    } catch (const std::exception& error) {
-        throw std::runtime_error(placeOf(row) + ": " + error.what());
+        const ImportableRow row = importableRow(entry, context.home + "/16.dat");
+        const std::vector<FramePicture> pictures = args.has("--from")
+                                                       ? onePicture(row, frameNumber - 1, *args.value("--from"))
+                                                       : folderPictures(row, *args.value("--from-folder"));
+        result = importPictures(state.FirmwareImage, row, pictures, readPictureThroughReader);
+        tellUnstoredPixels(entry, pictures, result.unstoredPixels);
+    } catch (const RowImportError& error) {
+        throw stopText(entry, error);
     }
-    const ColourTable colours = coloursForDepth(geometry.depth, context.home + "/16.dat");
-    RowImport import(state.FirmwareImage, geometry, colours);
-    try {
-        // The row's depth and size are refused before any file is looked for.
-        shownImageBytes(import.layoutOf(0));
-    } catch (const PictureImportError& error) {
-        throw std::runtime_error(placeOf(row) + ": " + error.what());
-    }
-
-    if (args.has("--from")) {
-        importOne(import, row, frameNumber - 1, *args.value("--from"), colours);
-    } else {
-        std::string folder = *args.value("--from-folder");
-        if (folder.empty() || folder.back() != '/') folder += '/';
-        if (geometry.frames <= 0)
-            throw std::runtime_error(placeOf(row) + ": the row has " + std::to_string(geometry.frames) +
-                                     " frames; there is nothing to import");
-        // Every frame's picture must be there and fit, or nothing is written.
-        for (std::int64_t frame = 0; frame < geometry.frames; ++frame) {
-            const auto file = exportedFramePicture(folder, row.name, frame);
-            if (!file)
-                throw std::runtime_error(placeOf(row) + ", frame " + std::to_string(frame + 1) + ": " +
-                                         pictureFramePath(folder, row.name, frame) + " (or .png) is missing");
-            importOne(import, row, frame, *file, colours);
-        }
-    }
-
-    const std::vector<Region> regions = import.regions();
+    const std::vector<Region>& regions = result.regions;
     writeEdits(args, document, regions);
     return 0;
 }

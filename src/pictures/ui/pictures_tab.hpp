@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pictures/picture_finder.hpp"
+#include "pictures/picture_import_job.hpp"
 #include "pictures/picture_player.hpp"
 #include "pictures/picture_table.hpp"
 
@@ -9,6 +10,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -159,19 +161,10 @@ private:
     void addListRow(const PictureEntry& row);
     PictureFinderPane* openFinder();
     // The import's steps (pictures_tab_import.cpp).
-    struct FramePicture {
-        std::int64_t frame;
-        std::string file;
-    };
-    struct RowToImport {
-        PictureEntry entry;
-        FrameGeometry geometry;
-        ColourTable colours{};
-    };
-    bool importableRow(RowToImport& row);
-    void importFrames(const RowToImport& row, const std::vector<FramePicture>& frames);
-    bool confirmImport(const FrameGeometry& geometry, const std::vector<image::Region>& regions,
-                       const std::vector<std::int64_t>& frames, std::int64_t unstoredPixels);
+    std::optional<ImportableRow> importableRow();
+    void importFrames(const ImportableRow& row, const std::vector<FramePicture>& pictures);
+    bool confirmImport(const ImportableRow& row, const std::vector<FramePicture>& pictures, const RowImportResult& result);
+    void showImportStop(const PictureEntry& row, const RowImportError& error);
     QString importText(const char* key) const;
 
     image::TabHost* m_host = nullptr;

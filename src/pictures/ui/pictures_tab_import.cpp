@@ -60,141 +60,111 @@ QImage framePicture(std::span<const std::uint8_t> bytes, std::int64_t base, cons
     return picture;
 }
 
-// Image bytes that the regions change, each address counted once.
-qint64 changedBytes(std::span<const std::uint8_t> image, std::vector<Region> regions)
-{
-    std::sort(regions.begin(), regions.end(), [](const Region& a, const Region& b) { return a.first < b.first; });
-    qint64 changed = 0;
-    std::int64_t counted = -1;  // the last address counted
-    for (const Region& region : regions)
-        for (std::int64_t at = std::max<std::int64_t>(region.first, counted + 1); at <= region.last; ++at) {
-            if (region.bytes[static_cast<std::size_t>(at - region.first)] != image[static_cast<std::size_t>(at)]) ++changed;
-            counted = at;
-        }
-    return changed;
-}
-
 }  // namespace
 
 QString PicturesTab::importText(const char* key) const { return m_host->text(key); }
 
 void PicturesTab::importpic_Click()
 {
-    RowToImport row;
-    if (m_working || !importableRow(row)) return;
-    // The player may stand past the last frame to look; a picture goes only into a frame.
+    if (m_working) return;
+    const std::optional<ImportableRow> row = importableRow();
+    if (!row) return;
+    std::vector<FramePicture> pictures;
     try {
-        requireFrameOfRow(row.geometry, m_frame);
-    } catch (const PictureImportError& error) {
-        QString reason = importText(reasonKey(error.reason()));
-        for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
-        m_host->showError(importText("PictureImportRowRefused").arg(fromUtf8(row.entry.number), reason));
+        // The player may stand past the last frame to look; a picture goes only into a frame.
+        pictures = onePicture(*row, m_frame, "");
+    } catch (const RowImportError& error) {
+        showImportStop(row->entry, error);
         return;
     }
     ShellSettings& settings = m_host->settings();
     const QString path = m_host->dialogs().openFile(settings.PictureSavePath, importText("PictureImportFilter"), 2);
     if (path.isEmpty()) return;
     settings.PictureSavePath = fromUtf8(FolderOf(path.toStdString()));
-    importFrames(row, {{m_frame, path.toStdString()}});
+    pictures.front().file = path.toStdString();
+    importFrames(*row, pictures);
 }
 
 void PicturesTab::importallpic_Click()
 {
-    RowToImport row;
-    if (m_working || !importableRow(row)) return;
-    if (row.geometry.frames <= 0) {
-        m_host->showError(importText("PictureImportNoFrames").arg(fromUtf8(row.entry.number)));
+    if (m_working) return;
+    const std::optional<ImportableRow> row = importableRow();
+    if (!row) return;
+    if (row->geometry.frames <= 0) {
+        m_host->showError(importText("PictureImportNoFrames").arg(fromUtf8(row->entry.number)));
         return;
     }
     const QString folder = m_host->BrowseForFolder();
     if (folder.isEmpty()) return;
     m_host->settings().PictureSavePath = folder;
-    // Every frame's picture must be there before any is read.
-    std::vector<FramePicture> frames;
-    for (std::int64_t frame = 0; frame < row.geometry.frames; ++frame) {
-        const auto file = exportedFramePicture(folder.toStdString(), row.entry.name, frame);
-        if (!file) {
-            m_host->showError(importText("PictureImportMissing")
-                                  .arg(fromUtf8(row.entry.number))
-                                  .arg(frame + 1)
-                                  .arg(fromUtf8(pictureFramePath(folder.toStdString(), row.entry.name, frame))));
-            return;
-        }
-        frames.push_back({frame, *file});
+    std::vector<FramePicture> pictures;
+    try {
+        // Every frame's picture must be there before any is read.
+        pictures = folderPictures(*row, folder.toStdString());
+    } catch (const RowImportError& error) {
+        showImportStop(row->entry, error);
+        return;
     }
-    importFrames(row, frames);
+    importFrames(*row, pictures);
+}
+
+// Where and why an import stopped, in the window's language.
+void PicturesTab::showImportStop(const PictureEntry& row, const RowImportError& error)
+{
+    const QString number = fromUtf8(row.number);
+    QString reason = m_host->failureText(error);
+    if (error.refusal) {
+        reason = importText(reasonKey(error.refusal->reason()));
+        for (const std::string& value : error.refusal->values()) reason = reason.arg(fromUtf8(value));
+    }
+    const QString ordinal = QString::number(error.frame + 1);
+    const QString file = fromUtf8(error.file);
+    switch (error.stop) {
+    case ImportStop::RowRefused:
+    case ImportStop::NoSuchFrame: m_host->showError(importText("PictureImportRowRefused").arg(number, reason)); return;
+    case ImportStop::NoFrames: m_host->showError(importText("PictureImportNoFrames").arg(number)); return;
+    case ImportStop::PictureMissing:
+        m_host->showError(importText("PictureImportMissing").arg(number).arg(error.frame + 1).arg(file));
+        return;
+    case ImportStop::Unreadable: m_host->showError(importText("PictureImportUnreadable").arg(number, ordinal, file)); return;
+    case ImportStop::Refused: m_host->showError(importText("PictureImportRefused").arg(number, ordinal, file, reason)); return;
+    }
 }
 
 // The chosen row read as numbers, refused (with its message) when its depth or size
 // cannot be imported, before any file is asked for.
-bool PicturesTab::importableRow(RowToImport& row)
+std::optional<ImportableRow> PicturesTab::importableRow()
 {
     QTreeWidgetItem* item = selectedRow();
-    if (!item || !(m_host->takesSRecordPatch() || m_host->takesInImagePatch())) return false;
-    row.entry = entryOf(item);
-    const QString number = fromUtf8(row.entry.number);
+    if (!item || !(m_host->takesSRecordPatch() || m_host->takesInImagePatch())) return std::nullopt;
+    const PictureEntry entry = entryOf(item);
     try {
-        row.geometry = pictures::frameGeometry(row.entry);
-        row.colours = coloursForDepth(row.geometry.depth, colourTablePath());
-        shownImageBytes({frameAddress(row.geometry, 0), row.geometry.width, row.geometry.height, row.geometry.depth});
-    } catch (const PictureImportError& error) {
-        QString reason = importText(reasonKey(error.reason()));
-        for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
-        m_host->showError(importText("PictureImportRowRefused").arg(number, reason));
-        return false;
-    } catch (const std::exception& error) {
-        m_host->showError(importText("PictureImportRowRefused").arg(number, m_host->failureText(error)));
-        return false;
+        return pictures::importableRow(entry, colourTablePath());
+    } catch (const RowImportError& error) {
+        showImportStop(entry, error);
+        return std::nullopt;
     }
-    return true;
 }
 
 // Reads and encodes every frame's picture; the first that cannot be read or does not
 // fit stops the import with its reason, and nothing is written.
-void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePicture>& frames)
+void PicturesTab::importFrames(const ImportableRow& row, const std::vector<FramePicture>& pictures)
 {
     Timer2->stop();
-    const QString rowNumber = fromUtf8(row.entry.number);
-    const FrameGeometry& geometry = row.geometry;
-    const ColourTable& colours = row.colours;
-    // The image as it is when the import starts; nothing changes it until the user confirms.
-    RowImport import(m_host->imageState().FirmwareImage, geometry, colours);
-    QString failure;
-    {
+    RowImportResult result;
+    try {
+        // The image as it is when the import starts; nothing changes it until the user confirms.
         BusyPointer busy;
-        for (const FramePicture& frame : frames) {
-            const QString file = fromUtf8(frame.file);
-            // Frames count from 1, as the player and the export's file names count them.
-            const QString ordinal = QString::number(frame.frame + 1);
-            PictureGrid picture;
-            try {
-                picture = readPictureFile(frame.file, colours);
-            } catch (const std::exception&) {
-                failure = importText("PictureImportUnreadable").arg(rowNumber, ordinal, file);
-                break;
-            }
-            try {
-                import.importFrame(frame.frame, picture);
-            } catch (const PictureImportError& error) {
-                QString reason = importText(reasonKey(error.reason()));
-                for (const std::string& value : error.values()) reason = reason.arg(fromUtf8(value));
-                failure = importText("PictureImportRefused").arg(rowNumber, ordinal, file, reason);
-                break;
-            }
-        }
-    }
-    if (!failure.isEmpty()) {
-        m_host->showError(failure);
+        result = importPictures(m_host->imageState().FirmwareImage, row, pictures, readPictureFile);
+    } catch (const RowImportError& error) {
+        showImportStop(row.entry, error);
         return;
     }
-    const std::vector<Region> regions = import.regions();
-    std::vector<std::int64_t> imported;
-    for (const FramePicture& frame : frames) imported.push_back(frame.frame);
-    if (!confirmImport(geometry, regions, imported, import.unstoredPixels())) return;
+    if (!confirmImport(row, pictures, result)) return;
     if (m_host->takesSRecordPatch()) {
-        m_host->writeSRecordPatch(regions);
+        m_host->writeSRecordPatch(result.regions);
     } else {
-        m_host->patchInImage(regions);
+        m_host->patchInImage(result.regions);
         // The preview shows the frame as the image now holds it.
         showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
     }
@@ -202,11 +172,13 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
 
 // The first frame the import changes (else the first imported), as it is and as it
 // will be, with the count of changed bytes of all frames; true when the user imports.
-bool PicturesTab::confirmImport(const FrameGeometry& geometry, const std::vector<Region>& regions,
-                                const std::vector<std::int64_t>& frames, std::int64_t unstoredPixels)
+bool PicturesTab::confirmImport(const ImportableRow& row, const std::vector<FramePicture>& pictures,
+                                const RowImportResult& result)
 {
     const auto& image = m_host->imageState().FirmwareImage;
-    const ColourTable colours = coloursForDepth(geometry.depth, colourTablePath());
+    const FrameGeometry& geometry = row.geometry;
+    const ColourTable& colours = row.colours;
+    const std::vector<Region>& regions = result.regions;
     if (regions.empty()) return false;
     std::size_t shown = 0;
     for (std::size_t i = 0; i < regions.size(); ++i)
@@ -215,7 +187,7 @@ bool PicturesTab::confirmImport(const FrameGeometry& geometry, const std::vector
             break;
         }
     const Region& region = regions[shown];
-    const FrameLayout frame{frameAddress(geometry, frames[shown]), geometry.width, geometry.height, geometry.depth};
+    const FrameLayout frame{frameAddress(geometry, pictures[shown].frame), geometry.width, geometry.height, geometry.depth};
     const QImage before = framePicture(image, 0, frame, colours);
     // The picture after: the region laid over a copy of the bytes it covers, from an even
     // address so the 4-bit rows round as they do in the image.
@@ -227,7 +199,9 @@ bool PicturesTab::confirmImport(const FrameGeometry& geometry, const std::vector
                                 importText("PictureImportAfter"),   importText("PictureImportChanged"),
                                 importText("PictureImportConfirm"), importText("PictureImportCancel"),
                                 importText("PictureImportUnstored")};
-    PictureImportView view(before, after, {changedBytes(image, regions), unstoredPixels}, texts, this);
+    std::int64_t unstored = 0;
+    for (const std::int64_t pixels : result.unstoredPixels) unstored += pixels;
+    PictureImportView view(before, after, {result.changedBytes, unstored}, texts, this);
     return view.exec() == QDialog::Accepted;
 }
 
