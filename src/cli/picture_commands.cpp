@@ -6,8 +6,10 @@
 #include "picture_rows.hpp"
 
 #include "image/file_io.hpp"
+#include "image/output_file.hpp"
 #include "image/patch_writer.hpp"
 #include "image/phone_file.hpp"
+#include "pictures/picture_export_job.hpp"
 #include "pictures/picture_frames.hpp"
 #include "pictures/picture_player.hpp"
 #include "pictures/picture_table.hpp"
@@ -31,21 +33,6 @@ std::string undrawableDepth(const PictureEntry& row)
     return placeOf(row) + ": depth " + row.depth + " cannot be drawn (depths 1, 4, 8, 12, 16 and 24 can)";
 }
 
-// Decodes frame `index` (from 0) as the preview does, depth 1 through the mono display
-// memory, into a file written through a temporary beside it; false for a depth that
-// cannot be drawn, and then nothing is written.
-bool writeFrame(const ImageState& state, const PictureEntry& row, std::int64_t index, const std::string& output,
-                const Context& context)
-{
-    const FrameGeometry geometry = frameGeometry(row);
-    const std::int64_t address = frameAddress(geometry, index);
-    if (bmpBitsPerPixel(geometry.depth) == 0) return false;
-    writeOutputFile(output, [&](const std::string& path) {
-        decodePreviewFrame(state.FirmwareImage, geometry, address, path, context.home + "/16.dat");
-    });
-    return true;
-}
-
 int runPicture(const std::vector<std::string>& words, const Context& context)
 {
     Arguments args(words, {"--frame", "-o"}, {"--recompute-size"});
@@ -53,11 +40,12 @@ int runPicture(const std::vector<std::string>& words, const Context& context)
     if (!args.has("-o")) throw UsageError("picture needs -o OUT.bmp");
     const std::int64_t frameNumber = frameNumberArgument(args);
     const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
-    const image::ImageState& state = document.state();
     const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const PictureEntry& row = pictureRow(rows, numberArgument(args.positional()[2], "ROW"), args.positional()[1]);
-    const std::int64_t index = frameIndexOfRow(frameNumber, row, frameGeometry(row).frames);
-    if (!writeFrame(state, row, index, *args.value("-o"), context)) throw std::runtime_error(undrawableDepth(row));
+    const FrameGeometry geometry = frameGeometry(row);
+    const std::int64_t index = frameIndexOfRow(frameNumber, row, geometry.frames);
+    if (exportFrame(document, geometry, index, *args.value("-o"), context.home + "/16.dat") != FrameExport::Written)
+        throw std::runtime_error(undrawableDepth(row));
     return 0;
 }
 
@@ -66,18 +54,13 @@ int runExportPictures(const std::vector<std::string>& words, const Context& cont
     Arguments args(words, {"--to"}, {"--recompute-size"});
     args.expectPositional(2, "export-pictures FILE TABLE --to DIR");
     if (!args.has("--to")) throw UsageError("export-pictures needs --to DIR");
-    std::string folder = *args.value("--to");
-    if (folder.empty() || folder.back() != '/') folder += '/';
     const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
-    const image::ImageState& state = document.state();
-    for (const PictureEntry& row : openPictureTable(args.positional()[1], args.has("--recompute-size"))) {
-        const FrameGeometry geometry = frameGeometry(row);
-        bool refused = false;
-        // Each frame as `picture` writes it, mono pictures too, so every export imports back.
-        for (std::int64_t j = 0; j < geometry.frames && !refused; ++j)
-            refused = !writeFrame(state, row, j, pictureFramePath(folder, row.name, j), context);
-        if (refused) std::cerr << "zevran-cli: " << undrawableDepth(row) << "; the row is not exported\n";
-    }
+    const std::vector<PictureEntry> rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
+    // Each frame as `picture` writes it, mono pictures too, so every export imports back.
+    const ExportTally tally = exportRows(document, rows, *args.value("--to"), context.home + "/16.dat");
+    for (const PictureEntry& row : rows)
+        if (std::find(tally.skippedRows.begin(), tally.skippedRows.end(), row.number) != tally.skippedRows.end())
+            std::cerr << "zevran-cli: " << undrawableDepth(row) << "; the row is not exported\n";
     return 0;
 }
 
@@ -87,19 +70,17 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
     args.expectPositional(2, "picture-patch FILE TABLE --rows 001,003 -o OUT.s3");
     if (!args.has("--rows") || !args.has("-o")) throw UsageError("picture-patch needs --rows and -o");
     const image::PhoneDocument document = openPhoneFile(args.positional()[0]);
-    const image::ImageState& state = document.state();
     const auto rows = openPictureTable(args.positional()[1], args.has("--recompute-size"));
     const std::set<long> wanted = numberListArgument(*args.value("--rows"), "--rows");
     for (long number : wanted) pictureRow(rows, number, args.positional()[1]);
-    std::vector<Region> regions;
-    for (long number : wanted) {
-        const PictureEntry& row = rows[static_cast<std::size_t>(number) - 1];
-        auto region = picturePatchRegion(state, row);
-        if (region) regions.push_back(std::move(*region));
-        else std::cerr << "zevran-cli: row " << row.number << " (" << row.name << ") holds no bytes and is skipped\n";
-    }
-    if (regions.empty()) throw std::runtime_error("none of the rows holds any bytes; no patch was written");
-    writeOutputFile(*args.value("-o"), [&](const std::string& path) { writeSRecordPatch(path, regions); });
+    std::vector<PictureEntry> chosen;
+    for (long number : wanted) chosen.push_back(rows[static_cast<std::size_t>(number) - 1]);
+    const RowsPatch patch = rowsPatch(document, chosen);
+    for (std::size_t empty : patch.emptyRows)
+        std::cerr << "zevran-cli: row " << chosen[empty].number << " (" << chosen[empty].name
+                  << ") holds no bytes and is skipped\n";
+    if (patch.regions.empty()) throw std::runtime_error("none of the rows holds any bytes; no patch was written");
+    writeEditsAsPatch(document, *args.value("-o"), patch.regions);
     return 0;
 }
 

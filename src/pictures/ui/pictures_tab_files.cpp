@@ -6,10 +6,12 @@
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
+#include "image/output_file.hpp"
 #include "window/tab_host.hpp"
 #include "window/widget_helpers.hpp"
 #include "picture_finder_pane.hpp"
 #include "picture_gallery.hpp"
+#include "pictures/picture_export_job.hpp"
 #include "pictures/picture_frames.hpp"
 #include "pictures/picture_table.hpp"
 #include "pictures/pixel_decode.hpp"
@@ -142,49 +144,40 @@ void PicturesTab::exportPictures(bool selectedOnly)
     // The rows are read once: the list may change while pending events run.
     const std::vector<PictureEntry> rows =
         rowsWhere([selectedOnly](const QTreeWidgetItem* item) { return !selectedOnly || item->isSelected(); });
-    const std::string target = folder.toStdString();
     QString failure;
-    int written = 0;
-    QStringList skipped;  // rows whose depth cannot be written as BMP
+    ExportTally tally;
     {
         Work work(*this);
+        ExportListener listener;
+        listener.rowStarted = [&](std::size_t, std::int64_t frames) {
+            if (!selectedOnly) return;
+            ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, frames)));
+            ProgressBar2->setVisible(true);
+        };
+        listener.frameDone = [&](std::size_t, std::int64_t frame, FrameExport outcome) {
+            if (outcome == FrameExport::DepthNotDrawable) showWrongFormat();
+            if (selectedOnly) ProgressBar2->setValue(static_cast<int>(frame));
+            QApplication::processEvents();
+        };
+        listener.rowDone = [&](std::size_t row) {
+            if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(row + 1));
+        };
         if (!selectedOnly) {
             ProgressBar2->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
             ProgressBar2->setVisible(true);
         }
-        for (std::size_t r = 0; r < rows.size() && failure.isEmpty(); ++r) {
-            const PictureEntry& row = rows[r];
-            try {
-                const FrameGeometry geometry = pictures::frameGeometry(row);
-                if (selectedOnly) {
-                    ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, geometry.frames)));
-                    ProgressBar2->setVisible(true);
-                }
-                for (std::int64_t j = 0; j < geometry.frames; ++j) {
-                    const std::string framePath = pictureFramePath(target, row.name, j);
-                    refusePhoneFile(m_host->imageState().FirmwarePath, framePath);
-                    // Fetched each frame: a phone file opened meanwhile replaces the image.
-                    // Each frame as the preview and zevran-cli's picture write it: mono
-                    // pictures too, so every export can be imported again.
-                    if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, frameAddress(geometry, j),
-                                            framePath, colourTablePath())) {
-                        showWrongFormat();
-                        if (!skipped.contains(fromUtf8(row.number))) skipped << fromUtf8(row.number);
-                    } else {
-                        ++written;
-                    }
-                    if (selectedOnly) ProgressBar2->setValue(static_cast<int>(j));
-                    QApplication::processEvents();
-                }
-            } catch (const std::exception& error) {
-                failure = onRow(*m_host, row, error);
-            }
-            if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(r + 1));
+        try {
+            tally = exportRows(m_host->document(), rows, folder.toStdString(), colourTablePath(), listener);
+        } catch (const RowExportError& error) {
+            failure = onRow(*m_host, rows[error.row], error);
+            tally = error.tally;
         }
     }
     ProgressBar2->setVisible(false);
     ProgressBar2->reset();
-    QString counted = m_host->text("FilesWritten").arg(written);
+    QString counted = m_host->text("FilesWritten").arg(tally.written);
+    QStringList skipped;  // rows whose depth cannot be written as BMP
+    for (const std::string& number : tally.skippedRows) skipped << fromUtf8(number);
     if (!skipped.isEmpty()) counted += "\n" + m_host->text("RowsSkipped").arg(skipped.join(", "));
     if (!failure.isEmpty()) m_host->showError(failure + "\n" + counted);
     else m_host->showMessageWith(18, counted);
@@ -203,31 +196,23 @@ void PicturesTab::outputpics3_Click()
     Timer2->stop();
     const std::vector<PictureEntry> checked =
         rowsWhere([](const QTreeWidgetItem* item) { return item->checkState(0) == Qt::Checked; });
-    std::vector<Region> regions;
+    RowsPatch patch;
     QString failure;
     {
         Work work(*this);
         try {
-            for (const PictureEntry& row : checked) {
-                std::optional<Region> region;
-                try {
-                    region = picturePatchRegion(m_host->imageState(), row);
-                } catch (const HexOverflow& error) {
-                    throw std::runtime_error(onRow(*m_host, row, error).toStdString());
-                }
-                // A row of no bytes is reported and left out, so the file still ends in its S7 line.
-                if (region) regions.push_back(std::move(*region));
-                else m_host->ShowMessage(kMessageEmptyRegion);
-                QApplication::processEvents();
-            }
-            refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
-            if (!regions.empty()) writeSRecordPatch(path.toStdString(), regions);
+            patch = rowsPatch(m_host->document(), checked);
+            // A row of no bytes is reported and left out, so the file still ends in its S7 line.
+            for (std::size_t k = 0; k < patch.emptyRows.size(); ++k) m_host->ShowMessage(kMessageEmptyRegion);
+            writeEditsAsPatch(m_host->document(), path.toStdString(), patch.regions);
+        } catch (const RowExportError& error) {
+            failure = onRow(*m_host, checked[error.row], error);
         } catch (const std::exception& error) {
             failure = m_host->failureText(error);
         }
     }
     if (!failure.isEmpty()) m_host->showError(failure);
-    else if (!regions.empty()) m_host->ShowMessage(10);
+    else if (!patch.regions.empty()) m_host->ShowMessage(10);
 }
 
 }  // namespace zevran::pictures
