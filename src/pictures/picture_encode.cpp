@@ -27,91 +27,100 @@ std::string addressText(std::int64_t address)
 // pixel's code from codeOf(pixel) puts `value` there. The codes per depth: 24 the
 // stored blue | green << 8 | red << 16, 16 the stored word, 12 R4 G4 B4, 8 the stored
 // byte, 4 the colour index, 1 all ones for white. Widths and heights are not negative.
+// Depths 24, 16 and 4: the rows as the preview's BMP copies them.
 template <typename CodeOf, typename Visit>
-void walkShownBits(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
+void walkCopiedRows(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
+{
+    const int bits = frame.depth;
+    const double bytesPerPixel = bits / 8.0;
+    const std::int64_t stride = bmpStride(frame.width, bits);
+    const std::int64_t count = copiedBytesPerRow(frame.width, bytesPerPixel, stride);
+    for (std::int64_t y = 0; y < frame.height; ++y) {
+        const double rowStart = copiedRowStart(bytesPerPixel, y, frame.width);
+        for (std::int64_t x = 0; x < frame.width; ++x) {
+            const std::int64_t pixel = y * frame.width + x;
+            const std::uint32_t code = codeOf(pixel);
+            if (bits == 4) {
+                // The first pixel of a BMP byte is its high nibble.
+                const std::int64_t i = x / 2;
+                if (i >= count) continue;
+                const bool high = x % 2 == 0;
+                visit(pixel, copiedByteIndex(rowStart, i, frame.address), static_cast<std::uint8_t>(high ? 0xF0u : 0x0Fu),
+                      static_cast<std::uint8_t>(high ? code << 4 : code));
+                continue;
+            }
+            const int bytes = bits / 8;
+            for (int k = 0; k < bytes; ++k) {
+                const std::int64_t i = x * bytes + k;
+                if (i >= count) break;
+                visit(pixel, copiedByteIndex(rowStart, i, frame.address), std::uint8_t{0xFF},
+                      static_cast<std::uint8_t>(code >> (8 * k)));
+            }
+        }
+    }
+}
+
+// Depth 12: pixel pairs in three bytes, the first pixel in the high 12 bits.
+template <typename CodeOf, typename Visit>
+void walkPixelPairs(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
+{
+    for (std::int64_t pixel = 0; pixel < std::int64_t{frame.width} * frame.height; ++pixel) {
+        const std::int64_t at = frame.address + pixel / 2 * 3;
+        const std::uint32_t code = codeOf(pixel);
+        if (pixel % 2 == 0) {
+            visit(pixel, at, std::uint8_t{0xFF}, static_cast<std::uint8_t>(code >> 4));
+            visit(pixel, at + 1, std::uint8_t{0xF0}, static_cast<std::uint8_t>(code << 4));
+        } else {
+            visit(pixel, at + 1, std::uint8_t{0x0F}, static_cast<std::uint8_t>(code >> 8));
+            visit(pixel, at + 2, std::uint8_t{0xFF}, static_cast<std::uint8_t>(code));
+        }
+    }
+}
+
+// Depth 1: the preview's BMP holds round(width x height / 8) bytes: the display memory
+// column by column, each column's pages from the bottom one up, then its rows turned
+// bottom-up. Assembled byte a is shown in row a / stride, and only where the turn
+// copied it (both it and its mirror lie in the data).
+template <typename CodeOf, typename Visit>
+void walkDisplayMemory(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
 {
     const std::int64_t width = frame.width;
     const std::int64_t height = frame.height;
-    const std::int64_t address = frame.address;
+    const auto size = std::max<std::int64_t>(
+        0, static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame.width) * frame.height / 8)));
+    const std::int64_t stride = bmpStride(frame.width, 1);
+    const std::int64_t shown = std::min(size, kMonoBytes);
+    for (std::int64_t y = 0; y < height && y * stride < shown; ++y) {
+        const std::int64_t from = y * stride;
+        const std::int64_t to = (height - 1 - y) * stride;
+        for (std::int64_t x = 0; x < width; ++x) {
+            const std::int64_t j = x / 8;
+            if (from + j >= shown) break;
+            if (to + j >= size) continue;
+            const std::int64_t pixel = y * width + x;
+            const std::int64_t a = from + j;
+            const std::int64_t column = a / 8;
+            const std::int64_t page = 7 - a % 8;
+            visit(pixel, frame.address + page * 96 + column, static_cast<std::uint8_t>(0x80u >> (x % 8)),
+                  static_cast<std::uint8_t>(codeOf(pixel)));
+        }
+    }
+}
+
+template <typename CodeOf, typename Visit>
+void walkShownBits(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
+{
     switch (frame.depth) {
     case 24:
     case 16:
-    case 4: {
-        const int bits = frame.depth;
-        const double bytesPerPixel = bits / 8.0;
-        const std::int64_t stride = bmpStride(frame.width, bits);
-        const std::int64_t count = copiedBytesPerRow(frame.width, bytesPerPixel, stride);
-        for (std::int64_t y = 0; y < height; ++y) {
-            const double rowStart = copiedRowStart(bytesPerPixel, y, frame.width);
-            for (std::int64_t x = 0; x < width; ++x) {
-                const std::int64_t pixel = y * width + x;
-                const std::uint32_t code = codeOf(pixel);
-                if (bits == 4) {
-                    // The first pixel of a BMP byte is its high nibble.
-                    const std::int64_t i = x / 2;
-                    if (i >= count) continue;
-                    const bool high = x % 2 == 0;
-                    visit(pixel, copiedByteIndex(rowStart, i, address), static_cast<std::uint8_t>(high ? 0xF0u : 0x0Fu),
-                          static_cast<std::uint8_t>(high ? code << 4 : code));
-                    continue;
-                }
-                const int bytes = bits / 8;
-                for (int k = 0; k < bytes; ++k) {
-                    const std::int64_t i = x * bytes + k;
-                    if (i >= count) break;
-                    visit(pixel, copiedByteIndex(rowStart, i, address), std::uint8_t{0xFF},
-                          static_cast<std::uint8_t>(code >> (8 * k)));
-                }
-            }
-        }
-        break;
-    }
+    case 4: walkCopiedRows(frame, codeOf, visit); break;
     case 8:
-        for (std::int64_t pixel = 0; pixel < width * height; ++pixel)
-            visit(pixel, address + pixel, std::uint8_t{0xFF}, static_cast<std::uint8_t>(codeOf(pixel)));
+        for (std::int64_t pixel = 0; pixel < std::int64_t{frame.width} * frame.height; ++pixel)
+            visit(pixel, frame.address + pixel, std::uint8_t{0xFF}, static_cast<std::uint8_t>(codeOf(pixel)));
         break;
-    case 12:
-        // Pixel pairs in three bytes, the first pixel in the high 12 bits.
-        for (std::int64_t pixel = 0; pixel < width * height; ++pixel) {
-            const std::int64_t at = address + pixel / 2 * 3;
-            const std::uint32_t code = codeOf(pixel);
-            if (pixel % 2 == 0) {
-                visit(pixel, at, std::uint8_t{0xFF}, static_cast<std::uint8_t>(code >> 4));
-                visit(pixel, at + 1, std::uint8_t{0xF0}, static_cast<std::uint8_t>(code << 4));
-            } else {
-                visit(pixel, at + 1, std::uint8_t{0x0F}, static_cast<std::uint8_t>(code >> 8));
-                visit(pixel, at + 2, std::uint8_t{0xFF}, static_cast<std::uint8_t>(code));
-            }
-        }
-        break;
-    case 1: {
-        // The preview's BMP holds round(width x height / 8) bytes: the display memory
-        // column by column, each column's pages from the bottom one up, then its rows
-        // turned bottom-up. Assembled byte a is shown in row a / stride, and only
-        // where the turn copied it (both it and its mirror lie in the data).
-        const auto size = std::max<std::int64_t>(
-            0, static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame.width) * frame.height / 8)));
-        const std::int64_t stride = bmpStride(frame.width, 1);
-        const std::int64_t shown = std::min(size, kMonoBytes);
-        for (std::int64_t y = 0; y < height && y * stride < shown; ++y) {
-            const std::int64_t from = y * stride;
-            const std::int64_t to = (height - 1 - y) * stride;
-            for (std::int64_t x = 0; x < width; ++x) {
-                const std::int64_t j = x / 8;
-                if (from + j >= shown) break;
-                if (to + j >= size) continue;
-                const std::int64_t pixel = y * width + x;
-                const std::int64_t a = from + j;
-                const std::int64_t column = a / 8;
-                const std::int64_t page = 7 - a % 8;
-                visit(pixel, address + page * 96 + column, static_cast<std::uint8_t>(0x80u >> (x % 8)),
-                      static_cast<std::uint8_t>(codeOf(pixel)));
-            }
-        }
-        break;
-    }
-    default:
-        break;
+    case 12: walkPixelPairs(frame, codeOf, visit); break;
+    case 1: walkDisplayMemory(frame, codeOf, visit); break;
+    default: break;
     }
 }
 
@@ -296,8 +305,10 @@ image::Region encodePictureFrame(const PictureGrid& picture, const FrameLayout& 
     return encodePictureFrameCounted(picture, frame, image, colours).region;
 }
 
-EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLayout& frame,
-                                       std::span<const std::uint8_t> image, const ColourTable& colours)
+namespace {
+
+// The image bytes the frame shows, once the picture is found to fit them.
+ShownBytes checkedRange(const PictureGrid& picture, const FrameLayout& frame, std::span<const std::uint8_t> image)
 {
     checkLayout(frame);
     if (picture.width != frame.width || picture.height != frame.height)
@@ -312,54 +323,79 @@ EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLa
     if (range->first < 0 || range->last >= imageSize || range->last > std::numeric_limits<std::int32_t>::max())
         throw PictureImportError(ImportRefusal::PastEnd,
                                  {addressText(range->first), addressText(range->last), std::to_string(imageSize)});
+    return *range;
+}
 
-    const std::uint8_t* rgb = picture.rgb.data();
-    const bool indexed = frame.depth == 4 && !picture.indices.empty();
-    // The last colour looked up, so a run of equal pixels costs one search.
-    std::uint32_t lastRgb = 0xFFFFFFFF;
-    std::uint8_t lastIndex = 0;
-    auto codeOf = [&](std::int64_t pixel) -> std::uint32_t {
-        const std::uint8_t* p = rgb + 3 * pixel;
+// Each pixel's code at the frame's depth (see walkShownBits).
+class PixelCodes {
+public:
+    PixelCodes(const PictureGrid& picture, int depth, const ColourTable& colours)
+        : m_picture(picture), m_depth(depth), m_colours(colours), m_indexed(depth == 4 && !picture.indices.empty())
+    {
+    }
+
+    std::uint32_t operator()(std::int64_t pixel)
+    {
+        const std::uint8_t* p = m_picture.rgb.data() + 3 * pixel;
         const std::uint8_t red = p[0], green = p[1], blue = p[2];
-        switch (frame.depth) {
+        switch (m_depth) {
         case 24: return std::uint32_t{blue} | std::uint32_t{green} << 8 | std::uint32_t{red} << 16;
         case 16: return depth16Word(red, green, blue);
         case 12: return depth12Value(red, green, blue);
         case 8: return depth8Byte(red, green, blue);
         case 4: {
-            if (indexed) return picture.indices[static_cast<std::size_t>(pixel)] & 0x0Fu;
+            if (m_indexed) return m_picture.indices[static_cast<std::size_t>(pixel)] & 0x0Fu;
+            // The last colour looked up, so a run of equal pixels costs one search.
             const std::uint32_t key = std::uint32_t{red} << 16 | std::uint32_t{green} << 8 | blue;
-            if (key != lastRgb) lastRgb = key, lastIndex = nearestColourIndex(colours, red, green, blue);
-            return lastIndex;
+            if (key != m_lastRgb) m_lastRgb = key, m_lastIndex = nearestColourIndex(m_colours, red, green, blue);
+            return m_lastIndex;
         }
         default: return monoWhite(red, green, blue) ? 0xFF : 0x00;
         }
-    };
+    }
 
-    const auto length = static_cast<std::size_t>(range->last - range->first + 1);
-    image::Region region{static_cast<std::int32_t>(range->first), static_cast<std::int32_t>(range->last),
-                         std::vector<std::uint8_t>(image.begin() + range->first, image.begin() + range->last + 1)};
-    // Depths 8, 12, 16 and 24 show each image bit at most once and in one run of bytes
-    // a row: written straight, no pixel can clash with another.
-    if (frame.depth != 4 && frame.depth != 1) {
-        writeWholeBytes(picture, frame, region);
-        return {std::move(region), 0};
-    }
-    // So does depth 4 at an even width: every byte holds two pixels of one row.
-    if (frame.depth == 4 && frame.width % 2 == 0) {
-        const std::int64_t half = frame.width / 2;
-        for (std::int64_t y = 0; y < frame.height; ++y) {
-            std::uint8_t* out = region.bytes.data() + (frame.address + y * half - range->first);
-            for (std::int64_t i = 0; i < half; ++i) {
-                const std::int64_t pixel = y * frame.width + 2 * i;
-                *out++ = static_cast<std::uint8_t>(codeOf(pixel) << 4 | codeOf(pixel + 1));
-            }
+private:
+    const PictureGrid& m_picture;
+    int m_depth;
+    const ColourTable& m_colours;
+    bool m_indexed;
+    std::uint32_t m_lastRgb = 0xFFFFFFFF;
+    std::uint8_t m_lastIndex = 0;
+};
+
+// Depth 4 at an even width: every byte holds two pixels of one row, written straight.
+void writeNibblePairs(const FrameLayout& frame, std::int64_t first, image::Region& region, PixelCodes& codeOf)
+{
+    const std::int64_t half = frame.width / 2;
+    for (std::int64_t y = 0; y < frame.height; ++y) {
+        std::uint8_t* out = region.bytes.data() + (frame.address + y * half - first);
+        for (std::int64_t i = 0; i < half; ++i) {
+            const std::int64_t pixel = y * frame.width + 2 * i;
+            *out++ = static_cast<std::uint8_t>(codeOf(pixel) << 4 | codeOf(pixel + 1));
         }
-        return {std::move(region), 0};
     }
-    std::vector<std::uint8_t> written(length, 0);
+}
+
+// Two pixels that want different values of one image bit: the one that set it first,
+// the one refused, and the byte.
+[[noreturn]] void refuseClash(const FrameLayout& frame, std::int64_t clashPixel, std::int64_t clashIndex,
+                              std::uint8_t clashMask)
+{
+    std::int64_t earlier = -1;
+    walkShownBits(frame, noCode, [&](std::int64_t pixel, std::int64_t index, std::uint8_t mask, std::uint8_t) {
+        if (earlier < 0 && index == clashIndex && (mask & clashMask)) earlier = pixel;
+    });
+    const std::int64_t w = frame.width;
+    auto place = [w](std::int64_t pixel) { return "(" + std::to_string(pixel % w) + ", " + std::to_string(pixel / w) + ")"; };
+    throw PictureImportError(ImportRefusal::Clash, {place(earlier), place(clashPixel), addressText(clashIndex)});
+}
+
+// Depth 1, and 4 at an odd width: bit by bit, refusing pixels that clash, counting the
+// pixels no bit holds.
+std::int64_t writeBitByBit(const FrameLayout& frame, std::int64_t first, image::Region& region, PixelCodes& codeOf)
+{
+    std::vector<std::uint8_t> written(region.bytes.size(), 0);
     std::vector<bool> stored(static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height), false);
-    const std::int64_t first = range->first;
     std::int64_t clashPixel = -1, clashIndex = 0;
     std::uint8_t clashMask = 0;
     walkShownBits(frame, codeOf, [&](std::int64_t pixel, std::int64_t index, std::uint8_t mask, std::uint8_t value) {
@@ -375,24 +411,36 @@ EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLa
         written[at] |= mask;
         stored[static_cast<std::size_t>(pixel)] = true;
     });
-    if (clashPixel >= 0) {
-        // The pixel that set those bits first.
-        std::int64_t earlier = -1;
-        walkShownBits(frame, noCode, [&](std::int64_t pixel, std::int64_t index, std::uint8_t mask, std::uint8_t) {
-            if (earlier < 0 && index == clashIndex && (mask & clashMask)) earlier = pixel;
-        });
-        const std::int64_t w = frame.width;
-        auto place = [w](std::int64_t pixel) {
-            return "(" + std::to_string(pixel % w) + ", " + std::to_string(pixel / w) + ")";
-        };
-        throw PictureImportError(ImportRefusal::Clash, {place(earlier), place(clashPixel), addressText(clashIndex)});
-    }
+    if (clashPixel >= 0) refuseClash(frame, clashPixel, clashIndex, clashMask);
     // A pixel no bit holds shows in colour 0 (the preview's zero padding); only one of
     // another colour is lost. The display memory holds every pixel of a mono picture.
     std::int64_t unstored = 0;
     if (frame.depth == 4)
         for (std::size_t pixel = 0; pixel < stored.size(); ++pixel)
             if (!stored[pixel] && codeOf(static_cast<std::int64_t>(pixel)) != 0) ++unstored;
+    return unstored;
+}
+
+}  // namespace
+
+EncodedFrame encodePictureFrameCounted(const PictureGrid& picture, const FrameLayout& frame,
+                                       std::span<const std::uint8_t> image, const ColourTable& colours)
+{
+    const ShownBytes range = checkedRange(picture, frame, image);
+    image::Region region{static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last),
+                         std::vector<std::uint8_t>(image.begin() + range.first, image.begin() + range.last + 1)};
+    // Depths 8, 12, 16 and 24 show each image bit at most once and in one run of bytes
+    // a row: written straight, no pixel can clash with another.
+    if (frame.depth != 4 && frame.depth != 1) {
+        writeWholeBytes(picture, frame, region);
+        return {std::move(region), 0};
+    }
+    PixelCodes codeOf(picture, frame.depth, colours);
+    if (frame.depth == 4 && frame.width % 2 == 0) {
+        writeNibblePairs(frame, range.first, region, codeOf);
+        return {std::move(region), 0};
+    }
+    const std::int64_t unstored = writeBitByBit(frame, range.first, region, codeOf);
     return {std::move(region), unstored};
 }
 

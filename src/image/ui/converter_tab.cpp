@@ -20,6 +20,14 @@ namespace zevran::image {
 ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("ConverterTab");
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(buildSRecordToBinaryFrame());
+    layout->addWidget(buildBinaryToSRecordFrame());
+    layout->addStretch();
+}
+
+QGroupBox* ConverterTab::buildSRecordToBinaryFrame()
+{
     auto* frame18 = named(new QGroupBox(this), "Frame18", tr("S-record to binary"));
     OpenS3File = named(new QPushButton(frame18), "OpenS3File", tr("S-record file..."));
     Text1 = named(new QLineEdit(frame18), "Text1");
@@ -48,7 +56,11 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     s3Layout->addWidget(Text2, 4, 0, 1, 3);
     s3Layout->addWidget(ComS3ToBin, 4, 3);
     s3Layout->addWidget(ProgressBar3, 5, 0, 1, 4);
+    return frame18;
+}
 
+QGroupBox* ConverterTab::buildBinaryToSRecordFrame()
+{
     auto* frame19 = named(new QGroupBox(this), "Frame19", tr("Binary to S-record"));
     OpenBinFile = named(new QPushButton(frame19), "OpenBinFile", tr("Binary file..."));
     Text19 = named(new QLineEdit(frame19), "Text19");
@@ -79,11 +91,7 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     binLayout->addWidget(named(new QLabel(frame19), "Label37", tr("Fill byte:")), 4, 1);
     binLayout->addWidget(Text20, 4, 2);
     binLayout->addWidget(ComBinToS3, 4, 3);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(frame18);
-    layout->addWidget(frame19);
-    layout->addStretch();
+    return frame19;
 }
 
 namespace {

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <string>
 
+class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -53,6 +54,8 @@ public:
     QPushButton* ComBinToS3;
 
 private:
+    QGroupBox* buildSRecordToBinaryFrame();
+    QGroupBox* buildBinaryToSRecordFrame();
     void updateEnabled();
     void convertS3ToBin();
     // True when `output` does not exist yet or the user agrees to replace it.

@@ -109,6 +109,28 @@ void FinderCanvas::keyPressEvent(QKeyEvent* event)
 PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QDialog(parent), m_host(host)
 {
     setObjectName("PictureFinder");
+    buildControls();
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(labelledFields());
+    layout->addLayout(moveButtons());
+    auto* side = new QVBoxLayout;
+    for (QWidget* control : std::initializer_list<QWidget*>{guessButton, nextWidths, nameEdit, addButton, scanButton})
+        side->addWidget(control);
+    auto* middle = new QHBoxLayout;
+    middle->addWidget(canvas, 1);
+    middle->addLayout(side);
+    layout->addLayout(middle, 1);
+    layout->addWidget(statusLine);
+    connectControls();
+    // Return belongs to the address field: no button is the dialog's default.
+    for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
+    resize(900, 700);
+    retranslate();
+    redraw();
+}
+
+void PictureFinderPane::buildControls()
+{
     addressEdit = new QLineEdit(this);
     addressEdit->setObjectName("FinderAddressEdit");
     depthBox = new QComboBox(this);
@@ -134,7 +156,11 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
     scanButton->setObjectName("FinderScanPictures");
     statusLine = new QLabel(this);
     statusLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
 
+// Each field with its label, whose text key the language gives.
+QHBoxLayout* PictureFinderPane::labelledFields()
+{
     auto* fields = new QHBoxLayout;
     const std::array<std::pair<std::string_view, QWidget*>, 6> labelled = {
         {{"FinderAddress", addressEdit}, {"FinderDepth", depthBox}, {"FinderWidth", widthBox},
@@ -147,7 +173,12 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
         fields->addWidget(field);
     }
     fields->addStretch();
+    return fields;
+}
 
+// The back and forward buttons of each step the view moves by, repeating while held.
+QHBoxLayout* PictureFinderPane::moveButtons()
+{
     auto* moves = new QHBoxLayout;
     for (std::size_t i = 0; i < kMoves.size(); ++i) {
         backButtons[i] = new QPushButton(this);
@@ -161,23 +192,11 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
         moves->addWidget(forwardButtons[i]);
     }
     moves->addStretch();
+    return moves;
+}
 
-    auto* side = new QVBoxLayout;
-    side->addWidget(guessButton);
-    side->addWidget(nextWidths);
-    side->addWidget(nameEdit);
-    side->addWidget(addButton);
-    side->addWidget(scanButton);
-    auto* middle = new QHBoxLayout;
-    middle->addWidget(canvas, 1);
-    middle->addLayout(side);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addLayout(moves);
-    layout->addLayout(middle, 1);
-    layout->addWidget(statusLine);
-
+void PictureFinderPane::connectControls()
+{
     // Return applies a typed address. (Not a focus change: that comes also while the
     // window is being torn down.)
     connect(addressEdit, &QLineEdit::returnPressed, this, &PictureFinderPane::readAddress);
@@ -199,12 +218,6 @@ PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QD
             [this](QListWidgetItem* item) { widthBox->setValue(item->data(Qt::UserRole).toInt()); });
     connect(addButton, &QPushButton::clicked, this, &PictureFinderPane::addToTable);
     connect(scanButton, &QPushButton::clicked, this, &PictureFinderPane::scanRequested);
-
-    // Return belongs to the address field: no button is the dialog's default.
-    for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
-    resize(900, 700);
-    retranslate();
-    redraw();
 }
 
 // Children outlive this part of the window: none may call back into it now.

@@ -13,6 +13,7 @@
 #include <string_view>
 
 class QComboBox;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -102,6 +103,10 @@ signals:
     void addToTableRequested(const zevran::pictures::FoundPicture& picture, const QString& name);
 
 private:
+    void buildControls();
+    QHBoxLayout* labelledFields();
+    QHBoxLayout* moveButtons();
+    void connectControls();
     QString text(std::string_view key) const;
     void showPointer(int x, int y);
     void showStatus(const QString& message);

@@ -35,9 +35,24 @@ using image::named;
 PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("PicturesTab");
+    QWidget* table = buildTablePane();
+    QGroupBox* frame16 = buildPreviewPane();
+    // The list and the preview share the width as the user drags their splitter.
+    auto* panes = named(new QSplitter(Qt::Horizontal, this), "PicturesSplitter");
+    panes->addWidget(table);
+    panes->addWidget(frame16);
+    panes->setStretchFactor(0, 3);
+    panes->setStretchFactor(1, 2);
+    panes->setSizes({3000, 2000});  // three fifths for the list, until the user drags
+    panes->setChildrenCollapsible(false);
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(panes);
+}
+
+// The picture table's list, its buttons, the address offset and the progress bar.
+QWidget* PicturesTab::buildTablePane()
+{
     auto* table = new QWidget(this);
-    auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
-    m_frame16 = frame16;
     ListView5 = image::reportList("ListView5",
                                 {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
                                 table);
@@ -70,7 +85,14 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     tableLayout->addLayout(offset);
     tableLayout->addWidget(ListView5, 1);
     tableLayout->addWidget(ProgressBar2);
+    return table;
+}
 
+// The preview of a frame, its address and number, and the player's controls.
+QGroupBox* PicturesTab::buildPreviewPane()
+{
+    auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
+    m_frame16 = frame16;
     Picture2 = named(new QLabel(frame16), "Picture2");
     Picture2->setMinimumSize(256, 320);
     Picture2->setAlignment(Qt::AlignCenter);
@@ -121,17 +143,7 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
     speed->addWidget(SpeedLabel);
     speed->addWidget(Slider1, 1);
     preview->addLayout(speed);
-
-    // The list and the preview share the width as the user drags their splitter.
-    auto* panes = named(new QSplitter(Qt::Horizontal, this), "PicturesSplitter");
-    panes->addWidget(table);
-    panes->addWidget(frame16);
-    panes->setStretchFactor(0, 3);
-    panes->setStretchFactor(1, 2);
-    panes->setSizes({3000, 2000});  // three fifths for the list, until the user drags
-    panes->setChildrenCollapsible(false);
-    auto* layout = new QHBoxLayout(this);
-    layout->addWidget(panes);
+    return frame16;
 }
 
 using namespace zevran::image;

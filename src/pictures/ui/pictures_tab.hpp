@@ -160,6 +160,8 @@ private:
     void exportPictures(bool selectedOnly);
     void addListRow(const PictureEntry& row);
     PictureFinderPane* openFinder();
+    QWidget* buildTablePane();
+    QGroupBox* buildPreviewPane();
     // The import's steps (pictures_tab_import.cpp).
     std::optional<ImportableRow> importableRow();
     void importFrames(const ImportableRow& row, const std::vector<FramePicture>& pictures);

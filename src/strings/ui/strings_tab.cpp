@@ -29,6 +29,16 @@ enum Column { kNumber, kStart, kEnd, kText, kLength };
 StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("StringsTab");
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(buildSearchFrame());
+    layout->addWidget(buildFoundFrame());
+    layout->addWidget(buildEditListFrame(), 1);
+    layout->addWidget(makeTranslationFrame(), 1);
+}
+
+// The text searched for and the codes it is searched in.
+QGroupBox* StringsTab::buildSearchFrame()
+{
     auto* frame10 = named(new QGroupBox(this), "Frame10", tr("Search"));
     Text11 = named(new QLineEdit(frame10), "Text11");
     Option1 = named(new QRadioButton(frame10), "Option1", tr("Handset codes"));
@@ -47,7 +57,12 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     frame10Layout->addWidget(Option1, 1, 2);
     frame10Layout->addWidget(SearchBegin, 1, 3);
     frame10Layout->addWidget(SeachString, 0, 4);
+    return frame10;
+}
 
+// The hit found, its stored text and the replacement typed for it.
+QGroupBox* StringsTab::buildFoundFrame()
+{
     auto* frame11 = named(new QGroupBox(this), "Frame11", tr("Found"));
     Text4 = named(new QLineEdit(frame11), "Text4");
     Text10 = named(new QLineEdit(frame11), "Text10");
@@ -73,7 +88,12 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     frame11Layout->addWidget(Add2List, 1, 7);
     frame11Layout->addWidget(FoundLabel, 2, 0);
     frame11Layout->addWidget(FoundText, 2, 1, 1, 7);
+    return frame11;
+}
 
+// The edit list and the codes its texts are written in.
+QGroupBox* StringsTab::buildEditListFrame()
+{
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     ListView2 = image::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
     image::showCellsInToolTips(ListView2, {kText});
@@ -93,12 +113,7 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
     auto* frame13Layout = new QVBoxLayout(frame13);
     frame13Layout->addWidget(ListView2, 1);
     frame13Layout->addLayout(encoding);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(frame10);
-    layout->addWidget(frame11);
-    layout->addWidget(frame13, 1);
-    layout->addWidget(makeTranslationFrame(), 1);
+    return frame13;
 }
 
 void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)

@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <vector>
 
+class QGroupBox;
 class QAction;
 class QCheckBox;
 class QLabel;
@@ -77,6 +78,9 @@ public:
     QPushButton* SaveReport;
 
 private:
+    QGroupBox* buildSearchFrame();
+    QGroupBox* buildFoundFrame();
+    QGroupBox* buildEditListFrame();
     QWidget* makeTranslationFrame();
     void applyTranslationTexts();
     void addEditRow(const StringEditRow& row);

@@ -45,6 +45,26 @@ ToneSlot toneRowOf(const QTreeWidgetItem* item)
 TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("TonesTab");
+    // The panes share the tab as the user drags the splitters between them.
+    auto* rightPanes = named(new QSplitter(Qt::Vertical, this), "TonesRightSplitter");
+    rightPanes->addWidget(buildToneFilesFrame());
+    rightPanes->addWidget(buildPlanFrame());
+    rightPanes->setChildrenCollapsible(false);
+    auto* panes = named(new QSplitter(Qt::Horizontal, this), "TonesSplitter");
+    panes->addWidget(buildTonesFrame());
+    panes->addWidget(rightPanes);
+    panes->setStretchFactor(0, 3);
+    panes->setStretchFactor(1, 2);
+    panes->setChildrenCollapsible(false);
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(panes);
+
+    playFile = [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); };
+}
+
+// The tones found in the image, with their notes, and the scan's buttons.
+QGroupBox* TonesTab::buildTonesFrame()
+{
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
     ListView4 = reportList("ListView4", {tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")}, frame5);
     image::showCellsInToolTips(ListView4, {4});
@@ -66,7 +86,12 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     frame5Layout->addLayout(buttons);
     frame5Layout->addWidget(ListView4, 1);
     frame5Layout->addWidget(ProgressBar1);
+    return frame5;
+}
 
+// The folders and the tone files of the one chosen.
+QGroupBox* TonesTab::buildToneFilesFrame()
+{
     auto* frame7 = named(new QGroupBox(this), "Frame7", tr("Tone files"));
     folders = new QFileSystemModel(this);
     folders->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot);
@@ -87,28 +112,17 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
     folderPanes->setChildrenCollapsible(false);
     auto* frame7Layout = new QVBoxLayout(frame7);
     frame7Layout->addWidget(folderPanes);
+    return frame7;
+}
 
+QGroupBox* TonesTab::buildPlanFrame()
+{
     auto* frame8 = named(new QGroupBox(this), "Frame8", tr("Replacement plan"));
     ListView3 = reportList("ListView3", {tr("No."), tr("New tone"), tr("Target slot")}, frame8);
     image::showCellsInToolTips(ListView3, {1, 2});
     auto* frame8Layout = new QVBoxLayout(frame8);
     frame8Layout->addWidget(ListView3);
-
-    // The panes share the tab as the user drags the splitters between them.
-    auto* rightPanes = named(new QSplitter(Qt::Vertical, this), "TonesRightSplitter");
-    rightPanes->addWidget(frame7);
-    rightPanes->addWidget(frame8);
-    rightPanes->setChildrenCollapsible(false);
-    auto* panes = named(new QSplitter(Qt::Horizontal, this), "TonesSplitter");
-    panes->addWidget(frame5);
-    panes->addWidget(rightPanes);
-    panes->setStretchFactor(0, 3);
-    panes->setStretchFactor(1, 2);
-    panes->setChildrenCollapsible(false);
-    auto* layout = new QHBoxLayout(this);
-    layout->addWidget(panes);
-
-    playFile = [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); };
+    return frame8;
 }
 
 QString TonesTab::currentFolder() const { return folders->filePath(ET1->currentIndex()); }

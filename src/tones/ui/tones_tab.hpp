@@ -12,6 +12,7 @@
 #include <optional>
 #include <vector>
 
+class QGroupBox;
 class QAction;
 class QFileSystemModel;
 class QLabel;
@@ -95,6 +96,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    QGroupBox* buildTonesFrame();
+    QGroupBox* buildToneFilesFrame();
+    QGroupBox* buildPlanFrame();
     // The unit word of the plan's file cells in the current language.
     std::string planSizeUnit() const;
     void showToneCount();
