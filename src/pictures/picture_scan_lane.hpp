@@ -49,12 +49,23 @@ private:
     struct RowRun {
         std::int64_t rows = 0;  // rows alike with the next
         double likeness = 0;    // the sum of their likeness
+        // Rows and likeness before each unlike row walked over.
+        std::vector<std::pair<std::int64_t, double>> crossings;
+    };
+    struct Reading {
+        std::int64_t start = 0;  // the picture's first pixel
+        std::int32_t width = 0;
+        RowRun run;
     };
 
     const std::uint32_t* pixels(std::int64_t from, std::int64_t to);
     Kind kindOf(std::int64_t window);
     bool rough(std::int64_t window) { return kindOf(window) == Rough; }
     std::int64_t runEnd(std::int64_t window);
+    Reading readPicture(std::int64_t at, const WidthGuess& guess, int alike, std::int64_t lowest);
+    void cutAtOtherPictures(Reading& reading, int alike, std::int64_t lowest);
+    static double scoreOf(const Reading& reading, const WidthGuess& guess);
+    static bool likelyPicture(const Reading& reading, const WidthGuess& guess);
     void scanRegion(std::int64_t from, std::int64_t to, std::vector<PictureCandidate>& out);
     bool guessWidth(std::int64_t at, std::int64_t end, WidthGuess& guess);
     double meanDistance(std::int64_t at, std::int64_t lag, std::int64_t pairs, std::int64_t stride);
@@ -63,6 +74,7 @@ private:
     std::int64_t refineStart(std::int64_t start, std::int32_t width, int alike);
     std::int32_t wholeWidth(std::int64_t start, std::int64_t rows, std::int32_t width);
     std::uint32_t backgroundOf(std::int64_t rowStart, std::int32_t width);
+    bool otherWidthAt(std::int64_t at, std::int32_t width);
     std::int64_t growBack(std::int64_t at, std::int32_t width, int alike, std::int64_t floor);
     RowRun walkRows(std::int64_t start, std::int32_t width, int alike);
     std::int64_t lineEdges(std::int64_t byte, std::int64_t count);
@@ -78,6 +90,7 @@ private:
     std::int64_t m_loadedFrom = 0, m_loadedTo = 0;  // pixels in m_renderer
     std::int64_t m_kindsBase = 0;                   // the window of m_kinds[0]
     std::vector<std::uint8_t> m_kinds;              // by window, Unknown until read
+    std::vector<std::int64_t> m_backCrossings;      // the last growBack's: the row after each unlike row
 };
 
 }  // namespace zevran::pictures

@@ -4,6 +4,7 @@
 #include "picture_scan_lane.hpp"
 
 #include <algorithm>
+#include <array>
 
 namespace zevran::pictures {
 
@@ -44,6 +45,12 @@ constexpr std::int32_t kLeastEdges = 4;
 // move by more than that a row: this part of a row's edges may.
 constexpr std::int32_t kEdgeDrift = 3;
 constexpr double kEdgeAllowance = 0.25;
+
+// Rows past an unlike row are another picture's when another width makes them at
+// most this much as unlike as the width walked.
+constexpr double kOtherWidthShare = 0.6;
+// Rows this alike at the width walked are that width's, whatever another may show.
+constexpr double kAlikeAtAnyWidth = 4;
 
 inline int distance(std::uint32_t a, std::uint32_t b)
 {
@@ -175,6 +182,34 @@ std::uint32_t LaneScanner::backgroundOf(std::int64_t rowStart, std::int32_t widt
     return p[0] == p[width - 1] ? p[0] : kNoDataPixel;
 }
 
+// Whether the pixels from `at` on are another picture's: at some other width their
+// rows are clearly likelier than at `width`. Pictures packed back to back are parted
+// by a single unlike row, and a plain background is alike at any width, so rows alike
+// past such a row need not be the same picture's.
+bool LaneScanner::otherWidthAt(std::int64_t at, std::int32_t width)
+{
+    const std::int64_t end = std::min(m_pixelCount, at + kSample + kScanMostWidth);
+    const std::int64_t most = std::min<std::int64_t>(kScanMostWidth, end - at - kScanLeastPixels);
+    if (at < 0 || most < kScanLeastWidth || width > most) return false;
+    pixels(at, end);  // one decoding for all the widths
+    const auto pairsFor = [&](std::int64_t lag) { return std::min(kSample, end - at - lag); };
+    const double own = meanDistance(at, width, pairsFor(width), 1);
+    if (own <= kAlikeAtAnyWidth) return false;
+    std::array<std::pair<double, std::int64_t>, 3> likeliest;
+    likeliest.fill({765.0, 0});
+    for (std::int64_t lag = kScanLeastWidth; lag <= most; lag += m_lane.pixelStep()) {
+        if (lag == width) continue;
+        const std::pair<double, std::int64_t> coarse{meanDistance(at, lag, pairsFor(lag), kCoarseStride), lag};
+        if (coarse < likeliest.back()) {
+            likeliest.back() = coarse;
+            std::sort(likeliest.begin(), likeliest.end());
+        }
+    }
+    return std::any_of(likeliest.begin(), likeliest.end(), [&](const auto& guess) {
+        return guess.second != 0 && meanDistance(at, guess.second, pairsFor(guess.second), 1) < kOtherWidthShare * own;
+    });
+}
+
 // Whole rows back from `at` while each is like the row below (over one unlike row
 // between alike ones), then pixel by pixel to the picture's first; never before
 // `floor`. More than kMostPlainRows plain rows on top are fill.
@@ -182,8 +217,10 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
 {
     std::int64_t start = at, plainRows = 0;
     bool plain = false;
+    m_backCrossings.clear();
     for (std::int64_t rows = 0; start - width >= floor && rows < kMostRows; ++rows) {
-        if (rowLikeness(start - width, width, alike, plain) >= kAlikeRow) {
+        const double likeness = rowLikeness(start - width, width, alike, plain);
+        if (likeness >= kAlikeRow) {
             start -= width;
             plainRows = plain ? plainRows + 1 : 0;
             continue;
@@ -193,6 +230,7 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
         if (start - 2 * width < floor || rowLikeness(start - 2 * width, width, alike, plain) < kAlikeRow ||
             (plain && *pixels(start - 2 * width, start - 2 * width + 1) != background))
             break;
+        m_backCrossings.push_back(start);
         start -= 2 * width;
         plainRows = plain ? plainRows + 1 : 0;
     }
@@ -208,17 +246,26 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
     RowRun run;
     std::int64_t plainRun = 0;
     bool plain = false;
+    // The colour of the last row whose ends agree: a shape may reach the side at the
+    // unlike row itself, and the rows below it are still the picture's background.
+    std::uint32_t background = kNoDataPixel;
     for (std::int64_t row = start; row + 2 * width <= m_pixelCount && run.rows < kMostRows; row += width) {
         const double likeness = rowLikeness(row, width, alike, plain);
         // Past an unlike row the picture goes on where rows are alike again: plain ones
-        // only in the colour its rows start with (its background), not fill's or the
-        // next picture's.
-        const std::uint32_t background = backgroundOf(row, width);
+        // only in its background colour, not fill's or the next picture's.
+        if (const std::uint32_t ends = backgroundOf(row, width); ends != kNoDataPixel) background = ends;
         const auto goesOn = [&](std::int64_t at) {
             bool nextPlain = false;
-            return rowLikeness(at, width, alike, nextPlain) >= kAlikeRow && (!nextPlain || *pixels(at, at + 1) == background);
+            if (rowLikeness(at, width, alike, nextPlain) < kAlikeRow) return false;
+            if (!nextPlain) return true;
+            const std::uint32_t colour = *pixels(at, at + 1);
+            const std::uint32_t* above = pixels(row, row + width);
+            return colour == background || colour == above[0] || colour == above[width - 1];
         };
-        if (likeness < kAlikeRow && !goesOn(row + width) && !goesOn(row + 2 * width)) break;
+        if (likeness < kAlikeRow) {
+            if (!goesOn(row + width) && !goesOn(row + 2 * width)) break;
+            run.crossings.emplace_back(run.rows, run.likeness);
+        }
         ++run.rows;
         run.likeness += std::min(1.0, likeness);
         plainRun = plain ? plainRun + 1 : 0;
@@ -271,6 +318,59 @@ std::int32_t LaneScanner::wholeWidth(std::int64_t start, std::int64_t rows, std:
     return best;
 }
 
+// Cuts the reading at the first unlike row, walked over forth or back, past which
+// another picture's rows lie; pictures packed back to back are parted by no more.
+void LaneScanner::cutAtOtherPictures(Reading& reading, int alike, std::int64_t lowest)
+{
+    const std::int32_t width = reading.width;
+    for (std::int64_t crossing : m_backCrossings) {
+        const std::int64_t above = crossing - width - kSample - kScanMostWidth;
+        if (crossing > reading.start && above >= lowest && otherWidthAt(above, width)) {
+            reading.start = std::max(lowest, refineStart(crossing, width, alike));
+            reading.run = walkRows(reading.start, width, alike);
+            break;
+        }
+    }
+    for (const auto& [rows, likeness] : reading.run.crossings)
+        if (rows < reading.run.rows && otherWidthAt(reading.start + (rows + 1) * width, width)) {
+            reading.run.rows = rows;
+            reading.run.likeness = likeness;
+            break;
+        }
+}
+
+// Alike rows, and pixels likest a row on rather than at other distances.
+double LaneScanner::scoreOf(const Reading& reading, const WidthGuess& guess)
+{
+    const RowRun& run = reading.run;
+    const double rowsAlike = run.rows > 0 ? run.likeness / static_cast<double>(run.rows) : 0;
+    return std::clamp(rowsAlike * (1 - (guess.vertical + 0.5 * guess.horizontal) / (1.5 * guess.reference)), 0.0, 1.0);
+}
+
+bool LaneScanner::likelyPicture(const Reading& reading, const WidthGuess& guess)
+{
+    const std::int64_t height = reading.run.rows + 1;
+    return height >= kScanLeastHeight && reading.width * height >= kScanLeastPixels && height <= 0x7FFFFFFF &&
+           scoreOf(reading, guess) >= kLeastScore;
+}
+
+// The picture that the rows around `at` are part of, read at the guessed width or a
+// near one that suits all its rows better.
+LaneScanner::Reading LaneScanner::readPicture(std::int64_t at, const WidthGuess& guess, int alike, std::int64_t lowest)
+{
+    Reading reading{growBack(at, guess.width, alike, lowest), guess.width, {}};
+    reading.run = walkRows(reading.start, guess.width, alike);
+    if (!likelyPicture(reading, guess)) return reading;
+    cutAtOtherPictures(reading, alike, lowest);
+    if (const std::int32_t better = wholeWidth(reading.start, reading.run.rows, guess.width); better != guess.width) {
+        reading.width = better;
+        reading.start = growBack(at, better, alike, lowest);
+        reading.run = walkRows(reading.start, better, alike);
+        cutAtOtherPictures(reading, alike, lowest);
+    }
+    return reading;
+}
+
 void LaneScanner::scanRegion(std::int64_t from, std::int64_t to, std::vector<PictureCandidate>& out)
 {
     std::int64_t floor = 0;  // where the last picture of this region ended
@@ -283,30 +383,18 @@ void LaneScanner::scanRegion(std::int64_t from, std::int64_t to, std::vector<Pic
         const int alike = static_cast<int>(std::max<double>(kAlikePixel, 2 * guess.vertical));
         // Rows before the region are rough or plain: a few plain ones at most are looked at.
         const std::int64_t lowest = std::max(floor, from - (kMostPlainRows + 2) * guess.width);
-        std::int64_t start = growBack(at, guess.width, alike, lowest);
-        RowRun run = walkRows(start, guess.width, alike);
-        if (const std::int32_t better = wholeWidth(start, run.rows, guess.width); better != guess.width) {
-            guess.width = better;
-            start = growBack(at, better, alike, lowest);
-            run = walkRows(start, better, alike);
-        }
-        const std::int32_t width = guess.width;
-        const std::int64_t height = run.rows + 1;
-        // Alike rows, and pixels likest a row on rather than at other distances.
-        const double rowsAlike = run.rows > 0 ? run.likeness / static_cast<double>(run.rows) : 0;
-        const double score = std::clamp(
-            rowsAlike * (1 - (guess.vertical + 0.5 * guess.horizontal) / (1.5 * guess.reference)), 0.0, 1.0);
-        if (height >= kScanLeastHeight && width * height >= kScanLeastPixels && score >= kLeastScore &&
-            height <= 0x7FFFFFFF && ownPhase(m_lane.byteOf(start), width * height)) {
-            out.push_back({m_lane.byteOf(start), m_lane.depth, width, static_cast<std::int32_t>(height), score, false});
+        const Reading reading = readPicture(at, guess, alike, lowest);
+        const std::int64_t start = reading.start, width = reading.width, height = reading.run.rows + 1;
+        if (likelyPicture(reading, guess) && ownPhase(m_lane.byteOf(start), width * height)) {
+            out.push_back({m_lane.byteOf(start), m_lane.depth, reading.width, static_cast<std::int32_t>(height),
+                           scoreOf(reading, guess), false});
             floor = start + width * height;
             at = std::max(floor, at + kScanWindow);
         } else {
             // The rows walked are no picture's: the next try starts after them.
-            at = std::max(at + kRetryStep, start + run.rows * width);
+            at = std::max(at + kRetryStep, start + reading.run.rows * width);
         }
     }
 }
 
 }  // namespace zevran::pictures
-
