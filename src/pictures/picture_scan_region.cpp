@@ -193,6 +193,10 @@ bool LaneScanner::otherWidthAt(std::int64_t at, std::int32_t width)
     if (at < 0 || most < kScanLeastWidth || width > most) return false;
     pixels(at, end);  // one decoding for all the widths
     const auto pairsFor = [&](std::int64_t lag) { return std::min(kSample, end - at - lag); };
+    // Another depth's pixels repeat every few pixels when read at this one.
+    const double horizontal = meanDistance(at, 1, pairsFor(1), 1);
+    for (std::int64_t lag = 2; lag < kScanLeastWidth && horizontal > kLeastReference; ++lag)
+        if (meanDistance(at, lag, pairsFor(lag), 2) < 0.5 * horizontal) return true;
     const double own = meanDistance(at, width, pairsFor(width), 1);
     if (own <= kAlikeAtAnyWidth) return false;
     std::array<std::pair<double, std::int64_t>, 3> likeliest;
