@@ -49,8 +49,13 @@ private:
     struct RowRun {
         std::int64_t rows = 0;  // rows alike with the next
         double likeness = 0;    // the sum of their likeness
-        // Rows and likeness before each unlike row walked over.
-        std::vector<std::pair<std::int64_t, double>> crossings;
+        std::int64_t plainRows = 0;  // of those, rows of one colour
+        struct Crossing {
+            std::int64_t rows;
+            double likeness;
+            std::int64_t plainRows;
+        };
+        std::vector<Crossing> crossings;  // the run as it stood before each unlike row walked over
     };
     struct Reading {
         std::int64_t start = 0;  // the picture's first pixel
@@ -74,6 +79,7 @@ private:
     std::int64_t refineStart(std::int64_t start, std::int32_t width, int alike);
     std::int32_t wholeWidth(std::int64_t start, std::int64_t rows, std::int32_t width);
     std::uint32_t backgroundOf(std::int64_t rowStart, std::int32_t width);
+    double shareAlike(std::int64_t upper, std::int64_t lower, std::int32_t width, int alike);
     bool otherWidthAt(std::int64_t at, std::int32_t width);
     std::int64_t growBack(std::int64_t at, std::int32_t width, int alike, std::int64_t floor);
     RowRun walkRows(std::int64_t start, std::int32_t width, int alike);

@@ -23,10 +23,13 @@ constexpr double kStepWeight = 0.25;
 // widths up to this many pixel steps off.
 constexpr std::int64_t kLeastRowsToRefine = 4;
 constexpr std::int64_t kWidthDrift = 2;
+constexpr double kHalfWidthMargin = 1.2;
 // Below this median distance a stretch is too plain to show its width.
 constexpr double kLeastReference = 16;
 // Plain rows (one colour) at a picture's top or bottom counted at most; more are fill.
 constexpr int kMostPlainRows = 64;
+// Rows of one colour throughout, however many, are no picture without a few others.
+constexpr std::int64_t kLeastShapedRows = 4;
 // No picture is taller than this many rows: a longer run is fill or a pattern.
 constexpr std::int64_t kMostRows = 4096;
 // A region that shows no width is tried again this many pixels on.
@@ -49,6 +52,9 @@ constexpr double kEdgeAllowance = 0.25;
 // Rows past an unlike row are another picture's when another width makes them at
 // most this much as unlike as the width walked.
 constexpr double kOtherWidthShare = 0.6;
+// An edge across a picture leaves some columns as they were on either side of it; where
+// one picture meets the next, no more than chance does.
+constexpr double kLeastAcross = 0.05;
 // Rows this alike at the width walked are that width's, whatever another may show.
 constexpr double kAlikeAtAnyWidth = 4;
 
@@ -214,6 +220,17 @@ bool LaneScanner::otherWidthAt(std::int64_t at, std::int32_t width)
     });
 }
 
+// The part of the pixels of the row at `upper` alike with the pixel in the same column
+// of the row at `lower`.
+double LaneScanner::shareAlike(std::int64_t upper, std::int64_t lower, std::int32_t width, int alike)
+{
+    const std::uint32_t* p = pixels(upper, lower + width);
+    const std::int64_t lag = lower - upper;
+    std::int32_t count = 0;
+    for (std::int32_t x = 0; x < width; ++x) count += distance(p[x], p[x + lag]) <= alike;
+    return static_cast<double>(count) / width;
+}
+
 // Whole rows back from `at` while each is like the row below (over one unlike row
 // between alike ones), then pixel by pixel to the picture's first; never before
 // `floor`. More than kMostPlainRows plain rows on top are fill.
@@ -260,7 +277,8 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
         if (const std::uint32_t ends = backgroundOf(row, width); ends != kNoDataPixel) background = ends;
         const auto goesOn = [&](std::int64_t at) {
             bool nextPlain = false;
-            if (rowLikeness(at, width, alike, nextPlain) < kAlikeRow) return false;
+            if (rowLikeness(at, width, alike, nextPlain) < kAlikeRow || shareAlike(row, at, width, alike) < kLeastAcross)
+                return false;
             if (!nextPlain) return true;
             const std::uint32_t colour = *pixels(at, at + 1);
             const std::uint32_t* above = pixels(row, row + width);
@@ -268,14 +286,16 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
         };
         if (likeness < kAlikeRow) {
             if (!goesOn(row + width) && !goesOn(row + 2 * width)) break;
-            run.crossings.emplace_back(run.rows, run.likeness);
+            run.crossings.push_back({run.rows, run.likeness, run.plainRows});
         }
         ++run.rows;
         run.likeness += std::min(1.0, likeness);
         plainRun = plain ? plainRun + 1 : 0;
+        run.plainRows += plain;
     }
     if (plainRun > kMostPlainRows) {
         run.rows -= plainRun - kMostPlainRows;
+        run.plainRows -= plainRun - kMostPlainRows;
         run.likeness -= static_cast<double>(plainRun - kMostPlainRows);
     }
     return run;
@@ -319,6 +339,11 @@ std::int32_t LaneScanner::wholeWidth(std::int64_t start, std::int64_t rows, std:
         if (const double d = meanDistance(start, lag, pairs, 1); d < bestDistance)
             bestDistance = d, best = static_cast<std::int32_t>(lag);
     }
+    // Two rows of a picture are alike too, and the sample the width was guessed on may
+    // not tell: half the width, about as alike over all the rows, is the row.
+    if (best % (2 * step) == 0 && best / 2 >= kScanLeastWidth &&
+        meanDistance(start, best / 2, pairs, 1) <= kHalfWidthMargin * bestDistance + 2)
+        best /= 2;
     return best;
 }
 
@@ -335,10 +360,9 @@ void LaneScanner::cutAtOtherPictures(Reading& reading, int alike, std::int64_t l
             break;
         }
     }
-    for (const auto& [rows, likeness] : reading.run.crossings)
+    for (const auto& [rows, likeness, plainRows] : reading.run.crossings)
         if (rows < reading.run.rows && otherWidthAt(reading.start + (rows + 1) * width, width)) {
-            reading.run.rows = rows;
-            reading.run.likeness = likeness;
+            reading.run = {rows, likeness, plainRows, {}};
             break;
         }
 }
@@ -355,7 +379,7 @@ bool LaneScanner::likelyPicture(const Reading& reading, const WidthGuess& guess)
 {
     const std::int64_t height = reading.run.rows + 1;
     return height >= kScanLeastHeight && reading.width * height >= kScanLeastPixels && height <= 0x7FFFFFFF &&
-           scoreOf(reading, guess) >= kLeastScore;
+           reading.run.rows - reading.run.plainRows >= kLeastShapedRows && scoreOf(reading, guess) >= kLeastScore;
 }
 
 // The picture that the rows around `at` are part of, read at the guessed width or a
