@@ -28,6 +28,9 @@ constexpr double kHalfWidthMargin = 1.2;
 constexpr double kLeastReference = 16;
 // Plain rows (one colour) at a picture's top or bottom counted at most; more are fill.
 constexpr int kMostPlainRows = 64;
+// Unlike rows, at most, between alike ones inside a picture: an outline across it, or
+// where a curved shape starts.
+constexpr std::int64_t kMostUnlikeRows = 3;
 // Rows of one colour throughout, however many, are no picture without a few others.
 constexpr std::int64_t kLeastShapedRows = 4;
 // No picture is taller than this many rows: a longer run is fill or a pattern.
@@ -246,13 +249,20 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
             plainRows = plain ? plainRows + 1 : 0;
             continue;
         }
-        // Over an unlike row, plain rows only in the picture's background colour.
+        // Over one to three unlike rows, to rows with some columns alike across them;
+        // plain ones only in the picture's background colour (fill above a picture is
+        // plain too).
         const std::uint32_t background = backgroundOf(start, width);
-        if (start - 2 * width < floor || rowLikeness(start - 2 * width, width, alike, plain) < kAlikeRow ||
-            (plain && *pixels(start - 2 * width, start - 2 * width + 1) != background))
-            break;
+        const auto goesBack = [&](std::int64_t above) {
+            return above >= floor && rowLikeness(above, width, alike, plain) >= kAlikeRow &&
+                   shareAlike(above, start, width, alike) >= kLeastAcross &&
+                   (!plain || *pixels(above, above + 1) == background);
+        };
+        std::int64_t above = start - 2 * width;
+        while (above >= start - kMostUnlikeRows * width - width && !goesBack(above)) above -= width;
+        if (above < start - kMostUnlikeRows * width - width) break;
         m_backCrossings.push_back(start);
-        start -= 2 * width;
+        start = above;
         plainRows = plain ? plainRows + 1 : 0;
     }
     if (plainRows > kMostPlainRows) return start + (plainRows - kMostPlainRows) * width;
@@ -285,7 +295,7 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
             return colour == background || colour == above[0] || colour == above[width - 1];
         };
         if (likeness < kAlikeRow) {
-            if (!goesOn(row + width) && !goesOn(row + 2 * width)) break;
+            if (!goesOn(row + width) && !goesOn(row + 2 * width) && !goesOn(row + kMostUnlikeRows * width)) break;
             run.crossings.push_back({run.rows, run.likeness, run.plainRows});
         }
         ++run.rows;
