@@ -54,7 +54,7 @@ constexpr double kEdgeAllowance = 0.25;
 
 // Rows past an unlike row are another picture's when another width makes them at
 // most this much as unlike as the width walked.
-constexpr double kOtherWidthShare = 0.6;
+constexpr double kOtherWidthShare = 0.5;
 // An edge across a picture leaves some columns as they were on either side of it; where
 // one picture meets the next, no more than chance does.
 constexpr double kLeastAcross = 0.05;
