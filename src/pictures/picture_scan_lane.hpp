@@ -36,6 +36,9 @@ public:
     LaneScanner(std::span<const std::uint8_t> range, ScanLane lane, const ColourTable& colours);
     void scan(std::int64_t firstWindow, std::int64_t endWindow, std::vector<PictureCandidate>& out);
     std::int64_t windowCount() const { return m_windows; }
+    // The mean likeness of `rows` rows of `width` pixels from pixel `first` to the row
+    // below each.
+    double rowsLikeness(std::int64_t first, std::int32_t width, std::int64_t rows);
 
 private:
     enum Kind : std::uint8_t { Unknown, Rough, Smooth, Flat };

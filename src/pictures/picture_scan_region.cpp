@@ -168,6 +168,14 @@ double LaneScanner::rowLikeness(std::int64_t rowStart, std::int32_t width, int a
     return edges < kLeastEdges ? pixelsAlike : std::min(pixelsAlike, kEdgeAllowance + static_cast<double>(kept) / edges);
 }
 
+double LaneScanner::rowsLikeness(std::int64_t first, std::int32_t width, std::int64_t rows)
+{
+    double total = 0;
+    bool plain = false;
+    for (std::int64_t row = 0; row < rows; ++row) total += std::min(1.0, rowLikeness(first + row * width, width, kAlikePixel, plain));
+    return rows > 0 ? total / static_cast<double>(rows) : 0;
+}
+
 // The first pixel of the picture whose row-aligned start is `start`: pixels before it
 // are taken while they are like the pixel below (two unlike in a row end it).
 std::int64_t LaneScanner::refineStart(std::int64_t start, std::int32_t width, int alike)
