@@ -83,7 +83,7 @@ private:
     std::int32_t wholeWidth(std::int64_t start, std::int64_t rows, std::int32_t width);
     std::uint32_t backgroundOf(std::int64_t rowStart, std::int32_t width);
     double shareAlike(std::int64_t upper, std::int64_t lower, std::int32_t width, int alike);
-    bool otherWidthAt(std::int64_t at, std::int32_t width);
+    bool otherWidthIn(std::int64_t at, std::int64_t end, std::int32_t width);
     std::int64_t growBack(std::int64_t at, std::int32_t width, int alike, std::int64_t floor);
     RowRun walkRows(std::int64_t start, std::int32_t width, int alike);
     std::int64_t lineEdges(std::int64_t byte, std::int64_t count);

@@ -199,15 +199,16 @@ std::uint32_t LaneScanner::backgroundOf(std::int64_t rowStart, std::int32_t widt
     return p[0] == p[width - 1] ? p[0] : kNoDataPixel;
 }
 
-// Whether the pixels from `at` on are another picture's: at some other width their
-// rows are clearly likelier than at `width`. Pictures packed back to back are parted
+// Whether the pixels from `at` to before `end` (at most a sample's worth) are another
+// picture's: at some other width their rows are clearly likelier than at `width`. Pictures packed back to back are parted
 // by a single unlike row, and a plain background is alike at any width, so rows alike
 // past such a row need not be the same picture's.
-bool LaneScanner::otherWidthAt(std::int64_t at, std::int32_t width)
+bool LaneScanner::otherWidthIn(std::int64_t at, std::int64_t end, std::int32_t width)
 {
-    const std::int64_t end = std::min(m_pixelCount, at + kSample + kScanMostWidth);
+    at = std::max<std::int64_t>(at, 0);
+    end = std::min({end, m_pixelCount, at + kSample + kScanMostWidth});
     const std::int64_t most = std::min<std::int64_t>(kScanMostWidth, end - at - kScanLeastPixels);
-    if (at < 0 || most < kScanLeastWidth || width > most) return false;
+    if (most < kScanLeastWidth || width > most) return false;
     pixels(at, end);  // one decoding for all the widths
     const auto pairsFor = [&](std::int64_t lag) { return std::min(kSample, end - at - lag); };
     // Another depth's pixels repeat every few pixels when read at this one.
@@ -369,20 +370,27 @@ std::int32_t LaneScanner::wholeWidth(std::int64_t start, std::int64_t rows, std:
 // another picture's rows lie; pictures packed back to back are parted by no more.
 void LaneScanner::cutAtOtherPictures(Reading& reading, int alike, std::int64_t lowest)
 {
+    // Each unlike row is judged by the rows between it and the next one walked over:
+    // past the next, they may be another picture's already.
     const std::int32_t width = reading.width;
-    for (std::int64_t crossing : m_backCrossings) {
-        const std::int64_t above = crossing - width - kSample - kScanMostWidth;
-        if (crossing > reading.start && above >= lowest && otherWidthAt(above, width)) {
+    for (std::size_t i = 0; i < m_backCrossings.size(); ++i) {
+        const std::int64_t crossing = m_backCrossings[i];
+        const std::int64_t above = i + 1 < m_backCrossings.size() ? m_backCrossings[i + 1] : reading.start;
+        const std::int64_t from = std::max(above, crossing - width - kSample - kScanMostWidth);
+        if (crossing > reading.start && otherWidthIn(from, crossing - width, width)) {
             reading.start = std::max(lowest, refineStart(crossing, width, alike));
             reading.run = walkRows(reading.start, width, alike);
             break;
         }
     }
-    for (const auto& [rows, likeness, plainRows] : reading.run.crossings)
-        if (rows < reading.run.rows && otherWidthAt(reading.start + (rows + 1) * width, width)) {
-            reading.run = {rows, likeness, plainRows, {}};
+    const auto& crossings = reading.run.crossings;
+    for (std::size_t i = 0; i < crossings.size() && crossings[i].rows < reading.run.rows; ++i) {
+        const std::int64_t nextRow = i + 1 < crossings.size() ? crossings[i + 1].rows : reading.run.rows;
+        if (otherWidthIn(reading.start + (crossings[i].rows + 1) * width, reading.start + (nextRow + 1) * width, width)) {
+            reading.run = {crossings[i].rows, crossings[i].likeness, crossings[i].plainRows, {}};
             break;
         }
+    }
 }
 
 // Alike rows, and pixels likest a row on rather than at other distances.
@@ -406,6 +414,15 @@ LaneScanner::Reading LaneScanner::readPicture(std::int64_t at, const WidthGuess&
 {
     Reading reading{growBack(at, guess.width, alike, lowest), guess.width, {}};
     reading.run = walkRows(reading.start, guess.width, alike);
+    // A walk that stops short of `at` went back over an unlike row into rows that are
+    // not this picture's: it starts after the last such row the walk does not cross.
+    const std::int64_t walked = reading.start + (reading.run.rows + 1) * guess.width;
+    const auto after = std::find_if(m_backCrossings.rbegin(), m_backCrossings.rend(),
+                                    [&](std::int64_t crossing) { return crossing >= walked; });
+    if (walked <= at && after != m_backCrossings.rend()) {
+        reading.start = std::max(lowest, refineStart(*after, guess.width, alike));
+        reading.run = walkRows(reading.start, guess.width, alike);
+    }
     if (!likelyPicture(reading, guess)) return reading;
     cutAtOtherPictures(reading, alike, lowest);
     if (const std::int32_t better = wholeWidth(reading.start, reading.run.rows, guess.width); better != guess.width) {
