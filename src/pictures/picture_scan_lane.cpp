@@ -62,7 +62,11 @@ const std::uint32_t* LaneScanner::pixels(std::int64_t from, std::int64_t to)
 {
     if (from < m_loadedFrom || to > m_loadedTo) {
         const std::int64_t step = m_lane.pixelStep();
-        m_loadedFrom = from >= 0 ? from / step * step : -((-from + step - 1) / step * step);
+        // Growing a picture back row by row asks for pixels a little before the last
+        // ones each time: then the block ends where asked and holds the rows before.
+        const bool back = from < m_loadedFrom && to <= m_loadedTo;
+        const std::int64_t first = back ? std::min(from, std::max(to - kSortBlock * kScanWindow, std::min<std::int64_t>(from, 0))) : from;
+        m_loadedFrom = first >= 0 ? first / step * step : -((-first + step - 1) / step * step);
         // A block at a time, but no further past the lane's end than asked.
         m_loadedTo = std::max(to, std::min(m_loadedFrom + kSortBlock * kScanWindow, m_pixelCount));
         m_loadedTo += (m_loadedTo - m_loadedFrom) % step;
