@@ -110,8 +110,9 @@ std::vector<PictureCandidate> joinedAcrossEdges(std::vector<PictureCandidate> so
             const std::int64_t gap = next.address - (last.address + candidateBytes(last));
             if (next.depth == last.depth && next.width == last.width && gap >= -rowBytes && gap <= kMostEdgeRows * rowBytes) {
                 // The first part's rows set the place of the whole: the second part may
-                // have started part way along one.
-                const std::int64_t rows = (next.address + candidateBytes(next) - last.address + rowBytes / 2) / rowBytes;
+                // have started part way along one. Only whole rows within both parts'
+                // bytes are kept: a rounded-up row could reach past the scanned range.
+                const std::int64_t rows = (next.address + candidateBytes(next) - last.address) / rowBytes;
                 last.score = (last.score * last.height + next.score * next.height) / static_cast<double>(last.height + next.height);
                 last.height = static_cast<std::int32_t>(std::min<std::int64_t>(rows, 0x7FFFFFFF));
                 continue;
