@@ -111,7 +111,8 @@ Qt::ItemFlags CandidateModel::flags(const QModelIndex& index) const
 // --- the window ---
 
 // What the worker thread shares with the window: its own copy of the image, so the
-// window may change the image meanwhile, and the scan's control.
+// window may change the image while the scan runs (the copy itself is made on the
+// window's thread, a slice to a turn of its event loop), and the scan's control.
 struct PictureGallery::Job {
     std::vector<std::uint8_t> image;
     ScanRequest request;
