@@ -200,9 +200,10 @@ std::uint32_t LaneScanner::backgroundOf(std::int64_t rowStart, std::int32_t widt
 }
 
 // Whether the pixels from `at` to before `end` (at most a sample's worth) are another
-// picture's: at some other width their rows are clearly likelier than at `width`. Pictures packed back to back are parted
-// by a single unlike row, and a plain background is alike at any width, so rows alike
-// past such a row need not be the same picture's.
+// picture's: at some other width their rows are clearly likelier than at `width`, or
+// they repeat every few pixels. Pictures packed back to back are parted by a single
+// unlike row, and a plain background is alike at any width, so rows alike past such a
+// row need not be the same picture's.
 bool LaneScanner::otherWidthIn(std::int64_t at, std::int64_t end, std::int32_t width)
 {
     at = std::max<std::int64_t>(at, 0);
@@ -243,9 +244,10 @@ double LaneScanner::shareAlike(std::int64_t upper, std::int64_t lower, std::int3
     return static_cast<double>(count) / width;
 }
 
-// Whole rows back from `at` while each is like the row below (over one unlike row
-// between alike ones), then pixel by pixel to the picture's first; never before
-// `floor`. More than kMostPlainRows plain rows on top are fill.
+// Whole rows back from `at` while each is like the row below (over up to
+// kMostUnlikeRows unlike rows between alike ones, each kept in m_backCrossings), then
+// pixel by pixel to the picture's first; never before `floor`. More than
+// kMostPlainRows plain rows on top are fill.
 std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alike, std::int64_t floor)
 {
     std::int64_t start = at, plainRows = 0;
@@ -278,9 +280,10 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
     return std::max(floor, refineStart(start, width, alike));
 }
 
-// Rows on from `start` while each is like the next; one or two unlike rows between
-// alike ones are an edge across the picture (an outline has two). More than kMostPlainRows plain rows at the end are
-// fill: the run ends before them.
+// Rows on from `start` while each is like the next; up to kMostUnlikeRows unlike rows
+// between alike ones are an edge across the picture (an outline has two, the top of a
+// curved shape may have three), each kept in the run's crossings. More than
+// kMostPlainRows plain rows at the end are fill: the run ends before them.
 LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width, int alike)
 {
     RowRun run;
