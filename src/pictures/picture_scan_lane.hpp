@@ -66,6 +66,7 @@ private:
         RowRun run;
     };
 
+    void load(std::int64_t first, std::int64_t end);
     const std::uint32_t* pixels(std::int64_t from, std::int64_t to);
     Kind kindOf(std::int64_t window);
     bool rough(std::int64_t window) { return kindOf(window) == Rough; }
@@ -94,9 +95,13 @@ private:
     ColourTable m_colours;
     std::int64_t m_pixelCount = 0;  // pixels of the lane inside the range
     std::int64_t m_windows = 0;
+    std::int64_t m_wholeEnd = 0;    // pixels before this one are drawn reading nothing past the range
     ViewRenderer m_renderer;
+    ViewRenderer m_tail;   // the lane's last pixels, drawn apart
     ViewRenderer m_probe;  // the phase check's own lines
-    std::int64_t m_loadedFrom = 0, m_loadedTo = 0;  // pixels in m_renderer
+    std::vector<std::uint32_t> m_joined;           // a block and the lane's last pixels
+    const std::uint32_t* m_line = nullptr;         // the pixels loaded
+    std::int64_t m_loadedFrom = 0, m_loadedTo = 0;  // pixels in m_line
     std::int64_t m_kindsBase = 0;                   // the window of m_kinds[0]
     std::vector<std::uint8_t> m_kinds;              // by window, Unknown until read
     std::vector<std::int64_t> m_backCrossings;      // the last growBack's: the row after each unlike row
