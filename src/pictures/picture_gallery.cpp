@@ -15,6 +15,11 @@
 #include <algorithm>
 #include <atomic>
 
+#ifdef __linux__
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
 namespace zevran::pictures {
 
 namespace {
@@ -26,6 +31,17 @@ constexpr int kPollMilliseconds = 40;
 // The image is copied for the worker this many bytes to a turn of the event loop: a
 // copy of 64 MiB at once would hold the window up for most of a tenth of a second.
 constexpr std::size_t kCopySliceBytes = std::size_t{4} << 20;
+constexpr int kScanNiceness = 10;
+
+// The scan runs at a lower priority than the window, so that the window's thread gets a
+// core whenever it has work, however long the scan. Linux keeps a nice value per
+// thread, and the scan's own helper threads take the one of the thread that starts them.
+void yieldToTheWindow()
+{
+#ifdef __linux__
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kScanNiceness);
+#endif
+}
 
 ColourTable galleryColours(const image::TabHost& host)
 {
@@ -217,6 +233,7 @@ void PictureGallery::copyImageSlice()
         return;
     }
     m_worker = std::thread([job = m_job] {
+        yieldToTheWindow();
         job->result = scanPictures(job->image, job->request, &job->control);
         job->finished = true;
     });
