@@ -217,6 +217,16 @@ if [[ -x $BIN/zevran-bench-scan ]]; then
   echo "  $(scan_value scan_false) candidates cover no picture: $(scan_value scan_false_per_mib) per MiB  $VERDICT (target <= 2)"
 fi
 
+# --- the picture scan in the window: the gallery stays responsive while it runs ---
+if [[ -x $BIN/zevran-window-bench ]]; then
+  echo
+  echo "Scan for pictures in the window (offscreen): a 32 MiB firmware-like image, the gallery shown and scrolled"
+  QT_QPA_PLATFORM=offscreen "$BIN/zevran-window-bench" --gallery >"$DATA/gallery.txt" 2>>"$LOG"
+  gallery_value() { awk -v key="$1" '$1 == key { print $2 }' "$DATA/gallery.txt"; }
+  verdict "gallery scan, longest pause of the event loop, ms" "$(gallery_value gallery_longest_pause_ms)" "<=" 100
+  echo "  scan $(gallery_value gallery_scan_s) s, $(gallery_value gallery_candidates) candidates; longest pause between event-loop turns: $(gallery_value gallery_longest_pause_ms) ms  $VERDICT (target <= 100)"
+fi
+
 # --- load: a 256 MiB phone file opened, scanned and searched in the window ---
 if [[ -x $BIN/zevran-window-bench ]]; then
   echo

@@ -6,11 +6,15 @@
 //        prints the peak memory, which must not hold the image twice)
 //        zevran-window-bench --preview  (times showing 128*160 frames of 16 bits)
 //        zevran-window-bench --finder  (times the picture finder's 512*1024 view at each depth)
+//        zevran-window-bench --gallery  (the longest pause of the event loop while "Scan for
+//        pictures" runs over a 32 MiB firmware-like image and its candidates are shown)
 #include "app/main_window.hpp"
 #include "image/ui/converter_tab.hpp"
 #include "pictures/ui/picture_finder_pane.hpp"
+#include "pictures/ui/picture_gallery.hpp"
 #include "pictures/ui/pictures_tab.hpp"
 #include "strings/ui/strings_tab.hpp"
+#include "support/firmware_like.hpp"
 #include "tones/ui/tones_tab.hpp"
 
 #include <QApplication>
@@ -20,6 +24,7 @@
 #include <QFile>
 #include <QStringList>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
@@ -152,6 +157,54 @@ int finderRedraws()
     return 0;
 }
 
+// "Scan for pictures" over a 32 MiB firmware-like image (about a thousand pictures
+// planted among code, data and text), with a 1 ms timer on the event loop: the longest
+// time between two of its ticks from the click until the candidates have been on show
+// for half a second, the gallery scrolled through meanwhile.
+int galleryScan()
+{
+    QTemporaryDir home;
+    zevran::app::Form1 window(home.path(), std::make_unique<SilentDialogs>());
+    window.LoadSettings();
+    window.show();
+    const auto made = zevran::test::makeFirmwareLike(std::size_t{32} << 20, 2024, zevran::test::classicColours());
+    QFile phone(home.path() + "/gallery.bin");
+    if (!phone.open(QIODevice::WriteOnly) ||
+        phone.write(reinterpret_cast<const char*>(made.image.data()), static_cast<qint64>(made.image.size())) < 0)
+        return 1;
+    phone.close();
+    window.openPhoneFile(phone.fileName());
+    auto* pictures = window.findChild<zevran::pictures::PicturesTab*>();
+    QApplication::processEvents();
+
+    QElapsedTimer clock, sinceTurn;
+    qint64 longestGap = 0;
+    QTimer ticker;
+    ticker.setInterval(1);
+    QObject::connect(&ticker, &QTimer::timeout, [&] {
+        longestGap = std::max(longestGap, sinceTurn.nsecsElapsed());
+        sinceTurn.restart();
+    });
+    ticker.start();
+    clock.start();
+    sinceTurn.start();
+    pictures->ScanPictures_Click();
+    zevran::pictures::PictureGallery* gallery = pictures->gallery();
+    while (gallery->scanning()) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const double scanned = clock.nsecsElapsed() / 1e9;
+    // The thumbnails are drawn as they come into view: scroll the list through.
+    QElapsedTimer shown;
+    shown.start();
+    while (shown.elapsed() < 500) {
+        gallery->list->scrollTo(gallery->model->index(static_cast<int>(shown.elapsed()) * gallery->model->rowCount() / 500));
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    }
+    longestGap = std::max(longestGap, sinceTurn.nsecsElapsed());
+    std::printf("gallery_image_bytes %zu\ngallery_scan_s %.3f\ngallery_candidates %d\ngallery_longest_pause_ms %.1f\n",
+                made.image.size(), scanned, gallery->model->rowCount(), longestGap / 1e6);
+    return 0;
+}
+
 long peakKibibytes()
 {
     rusage usage{};
@@ -193,6 +246,7 @@ int main(int argc, char** argv)
     if (argc == 3 && QByteArray(argv[1]) == "--load") return loadLargeImage(QString::fromLocal8Bit(argv[2]));
     if (argc == 2 && QByteArray(argv[1]) == "--preview") return previewFrames();
     if (argc == 2 && QByteArray(argv[1]) == "--finder") return finderRedraws();
+    if (argc == 2 && QByteArray(argv[1]) == "--gallery") return galleryScan();
     if (argc != 2) {
         std::fprintf(stderr, "usage: zevran-window-bench S3FILE | --load PHONEFILE\n");
         return 2;

@@ -110,8 +110,9 @@ std::vector<PictureCandidate> joinedAcrossEdges(std::vector<PictureCandidate> so
             const std::int64_t gap = next.address - (last.address + candidateBytes(last));
             if (next.depth == last.depth && next.width == last.width && gap >= -rowBytes && gap <= kMostEdgeRows * rowBytes) {
                 // The first part's rows set the place of the whole: the second part may
-                // have started part way along one.
-                const std::int64_t rows = (next.address + candidateBytes(next) - last.address + rowBytes / 2) / rowBytes;
+                // have started part way along one. Only whole rows within both parts'
+                // bytes are kept: a rounded-up row could reach past the scanned range.
+                const std::int64_t rows = (next.address + candidateBytes(next) - last.address) / rowBytes;
                 last.score = (last.score * last.height + next.score * next.height) / static_cast<double>(last.height + next.height);
                 last.height = static_cast<std::int32_t>(std::min<std::int64_t>(rows, 0x7FFFFFFF));
                 continue;
@@ -122,9 +123,47 @@ std::vector<PictureCandidate> joinedAcrossEdges(std::vector<PictureCandidate> so
     return joined;
 }
 
+// The scanned bytes, for a second look at candidates that share some.
+struct ScannedBytes {
+    std::span<const std::uint8_t> range;
+    std::int64_t first = 0;  // the image address of range[0]
+    const ColourTable& colours;
+};
+
+// How alike the candidate's rows that start in the bytes from `from` to before `to` are
+// to the rows below them, read as the candidate reads them.
+double likenessWithin(const ScannedBytes& bytes, const PictureCandidate& c, std::int64_t from, std::int64_t to)
+{
+    const std::int64_t rowBytes = std::max<std::int64_t>(1, foundFrameSize(c.width, 1, c.depth));
+    const std::int64_t firstRow = std::max<std::int64_t>(0, (from - c.address) / rowBytes);
+    const std::int64_t endRow = std::min<std::int64_t>(c.height, (to - c.address + rowBytes - 1) / rowBytes);
+    if (endRow <= firstRow) return 0;
+    const int group = c.depth == 16 ? 2 : c.depth == 12 || c.depth == 24 ? 3 : 1;
+    const ScanLane lane{c.depth, static_cast<int>((c.address - bytes.first) % group)};
+    LaneScanner scanner(bytes.range, lane, bytes.colours);
+    return scanner.rowsLikeness(lane.pixelAt(c.address - bytes.first) + firstRow * c.width, c.width, endRow - firstRow);
+}
+
+// A picture that ran on into the next one shares the next one's first rows with it:
+// they are that one's when its own reading finds them likelier. Then `earlier` is cut
+// back to the rows before `later`; false when too little of it is left.
+bool yieldsHead(PictureCandidate& earlier, const PictureCandidate& later, const ScannedBytes& bytes)
+{
+    const std::int64_t earlierEnd = earlier.address + candidateBytes(earlier);
+    if (!(earlier.address < later.address && later.address < earlierEnd && earlierEnd < later.address + candidateBytes(later)))
+        return true;
+    if (likenessWithin(bytes, later, later.address, earlierEnd) <= likenessWithin(bytes, earlier, later.address, earlierEnd))
+        return true;
+    const std::int64_t rowBytes = std::max<std::int64_t>(1, foundFrameSize(earlier.width, 1, earlier.depth));
+    const std::int64_t rows = (later.address - earlier.address) / rowBytes;
+    if (rows < kScanLeastHeight || rows * earlier.width < kScanLeastPixels) return false;
+    earlier.height = static_cast<std::int32_t>(rows);
+    return true;
+}
+
 // The likeliest reading of each stretch: candidates by score, each cut back to the
 // rows that no likelier one holds. Returned in address order.
-std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found)
+std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found, const ScannedBytes& bytes)
 {
     const std::vector<PictureCandidate> all = found;
     std::erase_if(found, [&](const PictureCandidate& candidate) { return coarserReading(candidate, all); });
@@ -132,6 +171,8 @@ std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found)
                      [](const PictureCandidate& a, const PictureCandidate& b) { return a.score > b.score; });
     std::vector<PictureCandidate> kept;
     for (PictureCandidate candidate : found) {
+        // Likelier ones that ran on into this one's first rows give them up first.
+        std::erase_if(kept, [&](PictureCandidate& other) { return !yieldsHead(other, candidate, bytes); });
         // Cutting against one may move it onto another: each is tried until none moves it.
         bool fits = true;
         for (bool moved = true; fits && moved;) {
@@ -203,7 +244,7 @@ ScanResult scanPictures(std::span<const std::uint8_t> image, const ScanRequest& 
             candidate.address += request.first;
             all.push_back(candidate);
         }
-    result.candidates = keepLikeliest(std::move(all));
+    result.candidates = keepLikeliest(std::move(all), {range, request.first, request.colours});
     result.stopped = shared.stop;
     return result;
 }

@@ -54,6 +54,30 @@ LaneScanner::LaneScanner(std::span<const std::uint8_t> range, ScanLane lane, con
     const auto bytes = static_cast<std::int64_t>(range.size()) - lane.phase;
     m_pixelCount = bytes <= 0 ? 0 : bytes * 8 / lane.depth / lane.pixelStep() * lane.pixelStep();
     m_windows = (m_pixelCount + kScanWindow - 1) / kScanWindow;
+    // Drawing a line reads up to 3 bytes past its pixels' own.
+    const auto readable = static_cast<std::int64_t>(range.size()) - lane.phase - 3;
+    m_wholeEnd = readable <= 0 ? 0 : readable * 8 / lane.depth / lane.pixelStep() * lane.pixelStep();
+}
+
+// Pixels from `first` to before `end` (whole pixel steps) into the line. The drawing
+// marks pixels that read past the range by drawing the line a second time from a
+// stand-in; the lane's last pixels are drawn apart, so that the block before them is
+// drawn once.
+void LaneScanner::load(std::int64_t first, std::int64_t end)
+{
+    const auto draw = [&](ViewRenderer& renderer, std::int64_t from, std::int64_t to) {
+        renderer.render(m_range, {m_lane.byteOf(from), m_lane.depth, static_cast<std::int32_t>(to - from), 1}, m_colours);
+        return renderer.pixels().data();
+    };
+    if (first < 0 || end <= m_wholeEnd || first >= m_wholeEnd) {
+        m_line = draw(m_renderer, first, end);
+        return;
+    }
+    const std::uint32_t* whole = draw(m_renderer, first, m_wholeEnd);
+    m_joined.assign(whole, whole + (m_wholeEnd - first));
+    const std::uint32_t* tail = draw(m_tail, m_wholeEnd, end);
+    m_joined.insert(m_joined.end(), tail, tail + (end - m_wholeEnd));
+    m_line = m_joined.data();
 }
 
 // The pixels from `from` to `to`, drawn through the preview's row assembly; valid
@@ -62,15 +86,17 @@ const std::uint32_t* LaneScanner::pixels(std::int64_t from, std::int64_t to)
 {
     if (from < m_loadedFrom || to > m_loadedTo) {
         const std::int64_t step = m_lane.pixelStep();
-        m_loadedFrom = from >= 0 ? from / step * step : -((-from + step - 1) / step * step);
+        // Growing a picture back row by row asks for pixels a little before the last
+        // ones each time: then the block ends where asked and holds the rows before.
+        const bool back = from < m_loadedFrom && to <= m_loadedTo;
+        const std::int64_t first = back ? std::min(from, std::max(to - kSortBlock * kScanWindow, std::min<std::int64_t>(from, 0))) : from;
+        m_loadedFrom = first >= 0 ? first / step * step : -((-first + step - 1) / step * step);
         // A block at a time, but no further past the lane's end than asked.
         m_loadedTo = std::max(to, std::min(m_loadedFrom + kSortBlock * kScanWindow, m_pixelCount));
         m_loadedTo += (m_loadedTo - m_loadedFrom) % step;
-        const ViewGeometry line{m_lane.byteOf(m_loadedFrom), m_lane.depth,
-                                static_cast<std::int32_t>(m_loadedTo - m_loadedFrom), 1};
-        m_renderer.render(m_range, line, m_colours);
+        load(m_loadedFrom, m_loadedTo);
     }
-    return m_renderer.pixels().data() + (from - m_loadedFrom);
+    return m_line + (from - m_loadedFrom);
 }
 
 LaneScanner::Kind LaneScanner::kindOf(std::int64_t window)

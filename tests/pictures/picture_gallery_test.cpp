@@ -115,6 +115,27 @@ private slots:
         QVERIFY(gallery->addButton->isEnabled());
     }
 
+    // The worker's copy of the image is made a slice at a time between turns of the
+    // event loop: a picture past the first slices is found where it lies.
+    void pictureBeyondTheFirstCopySlicesIsFound()
+    {
+        startWindow("phone.bin");
+        QByteArray image = galleryImage(std::size_t{9} << 20);
+        const auto last = static_cast<std::int64_t>(image.size());
+        const std::vector<std::uint8_t> icon = drawPictureBytes(48, 40, 8, 0, 97, classicColours());
+        image.append(reinterpret_cast<const char*>(icon.data()), static_cast<qsizetype>(icon.size()));
+        const std::vector<std::uint8_t> code = thumbCode(0x2000, 12);
+        image.append(reinterpret_cast<const char*>(code.data()), static_cast<qsizetype>(code.size()));
+        openImage(image);
+        PictureGallery* gallery = scanToTheEnd();
+        QVERIFY(gallery);
+        QCOMPARE(gallery->model->rowCount(), 3);
+        const auto& found = gallery->model->candidate(2);
+        QCOMPARE(found.address, last);
+        QCOMPARE(found.depth, 8);
+        QCOMPARE(found.width, 48);
+    }
+
     void chosenCandidatesBecomeRowsUnderTheirNames()
     {
         startWindow("phone.bin");

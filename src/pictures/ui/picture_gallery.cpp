@@ -15,6 +15,11 @@
 #include <algorithm>
 #include <atomic>
 
+#ifdef __linux__
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
 namespace zevran::pictures {
 
 namespace {
@@ -23,6 +28,20 @@ namespace {
 constexpr int kProgressSteps = 1000;
 // How often the window looks at the worker: well inside a frame of the event loop.
 constexpr int kPollMilliseconds = 40;
+// The image is copied for the worker this many bytes to a turn of the event loop: a
+// copy of 64 MiB at once would hold the window up for most of a tenth of a second.
+constexpr std::size_t kCopySliceBytes = std::size_t{4} << 20;
+constexpr int kScanNiceness = 10;
+
+// The scan runs at a lower priority than the window, so that the window's thread gets a
+// core whenever it has work, however long the scan. Linux keeps a nice value per
+// thread, and the scan's own helper threads take the one of the thread that starts them.
+void yieldToTheWindow()
+{
+#ifdef __linux__
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kScanNiceness);
+#endif
+}
 
 ColourTable galleryColours(const image::TabHost& host)
 {
@@ -108,7 +127,8 @@ Qt::ItemFlags CandidateModel::flags(const QModelIndex& index) const
 // --- the window ---
 
 // What the worker thread shares with the window: its own copy of the image, so the
-// window may change the image meanwhile, and the scan's control.
+// window may change the image while the scan runs (the copy itself is made on the
+// window's thread, a slice to a turn of its event loop), and the scan's control.
 struct PictureGallery::Job {
     std::vector<std::uint8_t> image;
     ScanRequest request;
@@ -188,14 +208,32 @@ void PictureGallery::startScan(std::vector<PictureEntry> rows)
     if (m_job) return;
     m_rows = std::move(rows);
     m_job = std::make_shared<Job>();
-    m_job->image = m_host.imageState().FirmwareImage;
+    m_job->image.reserve(m_host.imageState().FirmwareImage.size());
     m_job->request.colours = galleryColours(m_host);
     model->setCandidates({}, {});
     progress->setValue(0);
     stopButton->setEnabled(true);
     addButton->setEnabled(false);
     statusLine->setText(text("GalleryScanning"));
+    copyImageSlice();
+}
+
+// The worker gets the image as it is when the copy ends; Stop meanwhile leaves the
+// rest uncopied, and the worker, told to stop, finds nothing.
+void PictureGallery::copyImageSlice()
+{
+    if (!m_job) return;
+    const std::vector<std::uint8_t>& image = m_host.imageState().FirmwareImage;
+    std::vector<std::uint8_t>& copy = m_job->image;
+    if (copy.size() > image.size()) copy.resize(image.size());  // another file was opened meanwhile
+    const std::size_t end = std::min(image.size(), copy.size() + kCopySliceBytes);
+    copy.insert(copy.end(), image.begin() + static_cast<std::ptrdiff_t>(copy.size()), image.begin() + static_cast<std::ptrdiff_t>(end));
+    if (copy.size() < image.size() && !m_job->control.stop) {
+        QTimer::singleShot(0, this, &PictureGallery::copyImageSlice);
+        return;
+    }
     m_worker = std::thread([job = m_job] {
+        yieldToTheWindow();
         job->result = scanPictures(job->image, job->request, &job->control);
         job->finished = true;
     });

@@ -84,6 +84,7 @@ signals:
 private:
     struct Job;
     QString text(std::string_view key) const;
+    void copyImageSlice();
     void poll();
     void finishScan();
 
