@@ -1,7 +1,7 @@
 // A "bin" phone file is never written: every command of every tab runs on one, and
 // its bytes, size and modification time are the same afterwards.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "image/ui/converter_tab.hpp"
@@ -54,15 +54,10 @@ FileStamp stampOf(const QString& path)
 
 }  // namespace
 
-class BinUntouchedTest : public QObject {
+class BinUntouchedTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
     void runToneCommands(Form1& window)
     {
         auto* tab = window.findChild<zevran::tones::TonesTab*>();
@@ -158,7 +153,7 @@ private slots:
         QByteArray bin = phoneImage();
         bin.replace(bin.size() - 20, 14, "VersionString:");
         writeBytes(path("y.bin"), bin);
-        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        auto window = startedWindow();
         window->openPhoneFile(path("a.asf"));
         window->openPhoneFile(path("y.bin"));
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -181,7 +176,7 @@ private slots:
         ::utime(phone.toLocal8Bit().constData(), &old);
         const FileStamp before = stampOf(phone);
 
-        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        auto window = startedWindow();
         m_dialogs->files = {phone};
         window->menuopen_Click();
         QCOMPARE(window->imageState().FileKind, std::string("bin"));

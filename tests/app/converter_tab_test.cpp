@@ -1,7 +1,7 @@
 // The converter tab through the dialogs double: every failure, the documented edge
 // cases, and a stop in the middle of a long conversion.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "image/ui/converter_tab.hpp"
@@ -43,28 +43,22 @@ public:
 
 }  // namespace
 
-class ConverterTabTest : public QObject {
+class ConverterTabTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     ConverterTab* m_tab = nullptr;
 
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
 
 private slots:
     void init()
     {
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
         m_tab = m_window->findChild<ConverterTab*>();
     }
     void cleanup()
     {
-        m_window.reset();
-        QDir(m_home.path()).removeRecursively();
-        QDir().mkpath(m_home.path());
+        stopWindow();
     }
 
     void emptyS3InputShowsMessage31()

@@ -2,7 +2,7 @@
 // following the image's real state, and File > "Recent files", through the window with
 // its dialogs double and the shipped language files.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/compare_dialog.hpp"
 #include "app/main_window.hpp"
@@ -57,22 +57,17 @@ QByteArray imageOf(Form1& window)
 
 }  // namespace
 
-class EditorCommandsTest : public QObject {
+class EditorCommandsTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
     std::unique_ptr<Form1> startWindow()
     {
         QDir().mkpath(path("language"));
         for (const char* name : {"English.ini", "ChineseS.ini"})
             QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/language/") + name, path("language/") + name);
         if (!QFile::exists(path("zevran.ini"))) writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
-        return zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        return startedWindow();
     }
 
     QString phoneFile(const QString& name, const QByteArray& bytes)

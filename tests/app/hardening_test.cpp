@@ -2,7 +2,7 @@
 // files, and changes that run off the image. Each case shows a message saying what and
 // where, and leaves every file it was not asked to write as it was.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "tones/ui/tones_tab.hpp"
@@ -50,15 +50,10 @@ private:
 
 }  // namespace
 
-class HardeningTest : public QObject {
+class HardeningTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
     QAction* action(const char* name) const { return m_window->findChild<QAction*>(name); }
     zevran::tones::TonesTab* tones() const { return m_window->findChild<zevran::tones::TonesTab*>(); }
 
@@ -73,13 +68,11 @@ private:
 private slots:
     void init()
     {
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
     }
     void cleanup()
     {
-        m_window.reset();
-        QDir(m_home.path()).removeRecursively();
-        QDir().mkpath(m_home.path());
+        stopWindow();
     }
 
     void saveOnAFullDiskKeepsThePhoneFileAndSaveEnabled()

@@ -2,7 +2,7 @@
 // tone details, splitters remembered between runs, the folder tree at the remembered
 // folder, whole cells in tooltips, and the extension a save dialog adds.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
@@ -50,21 +50,14 @@ bool showsWhole(const QLineEdit* box, const QString& text)
 
 }  // namespace
 
-class LayoutTest : public QObject {
+class LayoutTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
-    std::unique_ptr<Form1> startWindow() { return zevran::test::startTestWindow(m_home.path(), m_dialogs); }
-
     std::unique_ptr<Form1> startWindowOnPhoneFile()
     {
         writeBytes(path("phone.bin"), phoneImage());
-        auto window = startWindow();
+        auto window = startedWindow();
         window->openPhoneFile(path("phone.bin"));
         return window;
     }
@@ -92,7 +85,7 @@ private slots:
 
     void statusBarPanelsHaveSeparatorLines()
     {
-        auto window = startWindow();
+        auto window = startedWindow();
         for (const char* name : {"StatusBar1Line2", "StatusBar1Line3", "StatusBar1Line5", "StatusBar1Line7"}) {
             auto* line = window->findChild<QFrame*>(name);
             QVERIFY2(line, name);
@@ -123,7 +116,7 @@ private slots:
         QList<int> across;
         QList<int> down;
         {
-            auto window = startWindow();
+            auto window = startedWindow();
             // As large as the screen, which a remembered size never exceeds.
             const QSize room = window->screen()->availableGeometry().size();
             window->resize(room);
@@ -143,7 +136,7 @@ private slots:
         const QByteArray settings = readBytes(path("zevran.ini"));
         for (const char* key : {"\r\nTonesSplitter=", "\r\nTonesRightSplitter=", "\r\nTonesFolderSplitter=", "\r\nPicturesSplitter="})
             QVERIFY2(settings.contains(key), key);
-        auto window = startWindow();
+        auto window = startedWindow();
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
         QCOMPARE(window->findChild<QSplitter*>("TonesSplitter")->sizes(), across);
@@ -156,7 +149,7 @@ private slots:
         QVERIFY(QDir().mkpath(folder));
         for (int i = 0; i < 40; ++i) QDir().mkpath(path("tones/deep/a%1").arg(i, 2, 10, QChar('0')));
         writeBytes(path("zevran.ini"), "[File Path]\r\nmmf File Path=" + folder.toUtf8() + "\r\n");
-        auto window = startWindow();
+        auto window = startedWindow();
         auto* tab = window->findChild<zevran::tones::TonesTab*>();
         QCOMPARE(tab->folders->filePath(tab->ET1->currentIndex()), folder);
         QCOMPARE(tab->currentFolder(), folder);
@@ -174,7 +167,7 @@ private slots:
         const QString folder = path("tones/deep/er/still");
         QVERIFY(QDir().mkpath(folder));
         for (int i = 0; i < 40; ++i) QDir().mkpath(path("tones/deep/a%1").arg(i, 2, 10, QChar('0')));
-        auto window = startWindow();
+        auto window = startedWindow();
         window->resize(900, 600);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));

@@ -2,7 +2,7 @@
 // version markers at the image's edges, remembered window state, and settings or
 // language files that are damaged or cannot be written.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/about_tab.hpp"
 #include "app/main_window.hpp"
@@ -27,18 +27,13 @@ using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
 
-class ShellTest : public QObject {
+class ShellTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
     std::unique_ptr<Form1> startWindow()
     {
-        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        auto window = startedWindow();
         return window;
     }
 

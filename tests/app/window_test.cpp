@@ -1,7 +1,7 @@
 // The window's life cycle through the dialogs double: start-up, language, opening,
 // in-image patches, saving and shut-down.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 
@@ -39,20 +39,17 @@ const QByteArray kEnglish =
 
 }  // namespace
 
-class WindowTest : public QObject {
+class WindowTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
     std::unique_ptr<Form1> startWindow(const QByteArray& settings = "[Language]\r\nLanguage=English.ini\r\n")
     {
         QDir().mkpath(m_home.path() + "/language");
         writeBytes(m_home.path() + "/language/English.ini", kEnglish);
         writeBytes(m_home.path() + "/language/ChineseS.ini", "[SSTab1]\r\nTab1Name=\xE9\x93\x83\xE5\xA3\xB0\r\n");
         if (!settings.isNull()) writeBytes(m_home.path() + "/zevran.ini", settings);
-        auto window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        auto window = startedWindow();
         return window;
     }
 
@@ -158,7 +155,7 @@ private slots:
         QVERIFY(written.contains("Mobile File Path=" + m_home.path().toUtf8() + "\r\n"));
         // The second start keeps the language.
         window.reset();
-        auto second = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        auto second = startedWindow();
         QCOMPARE(second->findChild<QTabWidget*>("SSTab1")->tabText(0), caption);
     }
 

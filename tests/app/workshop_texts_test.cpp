@@ -2,7 +2,7 @@
 // read from when the language file lacks it, and that no such key is ever written
 // into a language file, so files made for the classic key set stay as they were.
 #include "qt_files.hpp"
-#include "test_window.hpp"
+#include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
 
@@ -38,19 +38,14 @@ QByteArray shipped(const char* name) { return readBytes(QStringLiteral(ZEVRAN_SO
 
 }  // namespace
 
-class WorkshopTextsTest : public QObject {
+class WorkshopTextsTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    ScriptedDialogs* m_dialogs = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
     std::unique_ptr<Form1> startIn(const QString& language)
     {
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=" + language.toUtf8() + "\r\n");
-        return zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        return startedWindow();
     }
 
 private slots:

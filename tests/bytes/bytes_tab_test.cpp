@@ -2,7 +2,7 @@
 // the owners' colours and names, "Show bytes" and "Show owner" both ways, typing in both
 // columns of an "asf" image, and a "bin" image's edits leaving as one patch.
 #include "app/qt_files.hpp"
-#include "app/test_window.hpp"
+#include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "bytes/ui/bytes_inspector.hpp"
@@ -61,17 +61,13 @@ using Selection = std::pair<std::size_t, std::size_t>;
 
 }  // namespace
 
-class BytesTabTest : public QObject {
+class BytesTabTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     BytesTab* m_tab = nullptr;
     QTabWidget* m_tabs = nullptr;
 
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
 
     void open(const QString& name)
     {
@@ -113,11 +109,11 @@ private:
 private slots:
     void init()
     {
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
         m_tab = m_window->findChild<BytesTab*>();
         m_tabs = m_window->findChild<QTabWidget*>("SSTab1");
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { stopWindow(false); }
 
     void tabIsLastAndNamed()
     {

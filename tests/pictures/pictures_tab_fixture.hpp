@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/qt_files.hpp"
-#include "app/test_window.hpp"
+#include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
@@ -105,14 +105,9 @@ inline QStringList rowTexts(const QTreeWidgetItem* item)
 }
 
 // The window on a fresh program folder; each test starts it with the phone file it needs.
-class PicturesTabFixture : public QObject {
+class PicturesTabFixture : public zevran::test::WindowFixture {
 protected:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     PicturesTab* m_tab = nullptr;
-
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
 
     void startWindow(const QString& phoneName)
     {
@@ -120,7 +115,7 @@ protected:
         writeBytes(path("language/English.ini"), kLanguage);
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         QVERIFY(QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat"), path("16.dat")));
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        WindowFixture::startWindow();
         showWindowOn(phoneName);
     }
     // The same for an installed workshop: shipped data read-only in share/, settings in
@@ -215,9 +210,7 @@ protected:
 
     void resetHome()
     {
-        m_window.reset();
-        QDir(m_home.path()).removeRecursively();
-        QDir().mkpath(m_home.path());
+        stopWindow();
     }
 };
 

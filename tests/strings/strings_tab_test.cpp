@@ -1,7 +1,7 @@
 // The strings tab through the dialogs double: the search in both encodings, the
 // edit list and its pop-up menu, and both outputs, on phone files the test writes.
 #include "app/qt_files.hpp"
-#include "app/test_window.hpp"
+#include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
@@ -60,16 +60,12 @@ const QByteArray kS7 = "S705A002000058\r\n";
 
 }  // namespace
 
-class StringsTabTest : public QObject {
+class StringsTabTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     StringsTab* m_tab = nullptr;
 
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
 
     void open(const QString& name, const QByteArray& bytes = phoneImage())
     {
@@ -119,10 +115,10 @@ private:
 private slots:
     void init()
     {
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
         m_tab = m_window->findChild<StringsTab*>();
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { stopWindow(false); }
 
     void tabWaitsForAPhoneFile()
     {

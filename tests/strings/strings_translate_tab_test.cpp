@@ -2,7 +2,7 @@
 // strings...", "Import translation..." filling the edit list and the list of entries
 // that do not fit, the report, and the outputs of imported rows with undo.
 #include "app/qt_files.hpp"
-#include "app/test_window.hpp"
+#include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
@@ -46,16 +46,12 @@ const QString kTranslation = QString::fromUtf8("address,encoding,source,target\r
 
 }  // namespace
 
-class StringsTranslateTabTest : public QObject {
+class StringsTranslateTabTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     StringsTab* m_tab = nullptr;
 
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
 
     void open(const QString& name)
     {
@@ -84,10 +80,10 @@ private:
 private slots:
     void init()
     {
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
         m_tab = m_window->findChild<StringsTab*>();
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { stopWindow(false); }
 
     void exportWritesEveryStringInTheChosenFormat()
     {

@@ -1,7 +1,7 @@
 // The ring-tone tab through the dialogs double: scan, tone tables, export, notes, the
 // file browser, the replacement plan and both patch outputs.
 #include "app/qt_files.hpp"
-#include "app/test_window.hpp"
+#include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "image/srecord.hpp"
@@ -110,16 +110,12 @@ QByteArray padded(const QByteArray& bytes, int size) { return bytes + QByteArray
 
 }  // namespace
 
-class TonesTabTest : public QObject {
+class TonesTabTest : public zevran::test::WindowFixture {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_home;
-    std::unique_ptr<Form1> m_window;
-    ScriptedDialogs* m_dialogs = nullptr;
     TonesTab* m_tab = nullptr;
 
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
     QAction* action(const char* name) const { return m_window->findChild<QAction*>(name); }
     void showMenu(const char* name) { emit m_window->findChild<QMenu*>(name)->aboutToShow(); }
 
@@ -158,14 +154,12 @@ private slots:
         writeBytes(path("language/English.ini"), kLanguage);
         writeBytes(path("language/Other.ini"), "[Zevran]\r\nToneCrcBad=Mauvais CRC\r\nTonesFound=%1 sonneries\r\n");
         writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
-        m_window = zevran::test::startTestWindow(m_home.path(), m_dialogs);
+        startWindow();
         m_tab = m_window->findChild<TonesTab*>();
     }
     void cleanup()
     {
-        m_window.reset();
-        QDir(m_home.path()).removeRecursively();
-        QDir().mkpath(m_home.path());
+        stopWindow();
     }
 
     void planUnitWordFollowsALanguageSwitch()
