@@ -1,6 +1,10 @@
 #include "language.hpp"
 
 #include "image/file_io.hpp"
+#include "image/ui/converter_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 #include "settings/profile_file.hpp"
 #include "strings/code_page.hpp"
 
@@ -13,6 +17,7 @@
 #include <QTabWidget>
 #include <QTreeWidget>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -30,10 +35,26 @@ void setCaption(QObject* target, const QString& text)
 }
 
 struct Entry {
-    const char* section;
+    std::string section;
     std::string key;
     std::function<void(const QString&)> apply;
 };
+
+// What a tab's key labels: a control or a list's header column of the tab, or a text kept for later.
+std::function<void(const QString&)> labelOf(QWidget* window, const char* tabName, const image::CaptionKey& key,
+                                            image::InterfaceTexts& texts)
+{
+    if (key.kept) return [&texts, kept = key.kept](const QString& text) { texts.*kept = text; };
+    return [window, tabName, name = key.objectName, column = key.column](const QString& text) {
+        auto* tab = window->findChild<QWidget*>(tabName);
+        if (!tab) return;
+        if (column >= 0) {
+            if (auto* view = tab->findChild<QTreeWidget*>(name)) view->headerItem()->setText(column, text);
+            return;
+        }
+        for (QObject* target : tab->findChildren<QObject*>(name)) setCaption(target, text);
+    };
+}
 
 std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts)
 {
@@ -45,11 +66,6 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     auto tab = [window](int index) {
         return [window, index](const QString& text) {
             if (auto* tabs = window->findChild<QTabWidget*>("SSTab1")) tabs->setTabText(index, text);
-        };
-    };
-    auto header = [window](const char* list, int column) {
-        return [window, list, column](const QString& text) {
-            if (auto* view = window->findChild<QTreeWidget*>(list)) view->headerItem()->setText(column, text);
         };
     };
     auto panel = [window](int number) {
@@ -73,36 +89,18 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     entries.push_back({"StatusBar", "StatusBar2", panel(3)});
     entries.push_back({"StatusBar", "StatusBar3", panel(5)});
 
-    entries.push_back({"SSTab1", "Tab1Name", tab(0)});
-    for (const char* frame : {"Frame5", "Frame7", "Frame8"}) entries.push_back({"SSTab1", std::string(frame) + "Name", caption(frame)});
-    for (const char* button : {"GetTone", "SaveToneTable", "OpenToneTable"}) entries.push_back({"SSTab1", button, caption(button)});
-    for (int c = 0; c < 2; ++c) entries.push_back({"SSTab1", "Listview1Header" + std::to_string(c + 1), header("ListView1", c)});
-    for (int c = 0; c < 3; ++c) entries.push_back({"SSTab1", "Listview3Header" + std::to_string(c + 1), header("ListView3", c)});
-    for (int c = 0; c < 5; ++c) entries.push_back({"SSTab1", "Listview4Header" + std::to_string(c + 1), header("ListView4", c)});
-
-    entries.push_back({"SSTab2", "Tab2Name", tab(1)});
-    for (const char* frame : {"Frame10", "Frame11", "Frame13"}) entries.push_back({"SSTab2", std::string(frame) + "Name", caption(frame)});
-    // The table buttons are labelled a second time from the tone section, as always.
-    for (const char* button : {"SaveToneTable", "OpenToneTable"}) entries.push_back({"SSTab1", button, caption(button)});
-    for (int c = 0; c < 5; ++c) entries.push_back({"SSTab2", "Listview2Header" + std::to_string(c + 1), header("ListView2", c)});
-    for (const char* name : {"SeachString", "Add2List", "Option1", "Option2", "Option3", "Option4", "SearchBegin", "Label4",
-                             "Label8", "Label9", "Label10", "Label11", "Label12", "Label13", "Label14"})
-        entries.push_back({"SSTab2", name, caption(name)});
-
-    entries.push_back({"SSTab3", "Tab3Name", tab(2)});
-    entries.push_back({"SSTab3", "Frame16Name", caption("Frame16")});
-    for (const char* name : {"OpenPicTable", "SavePicTable", "RepeatPlay"}) entries.push_back({"SSTab3", name, caption(name)});
-    for (int c = 0; c < 7; ++c) entries.push_back({"SSTab3", "Listview5Header" + std::to_string(c + 1), header("ListView5", c)});
-    for (const char* name : {"Label28", "Label30", "Check1", "Label25"}) entries.push_back({"SSTab3", name, caption(name)});
-
-    entries.push_back({"SSTab4", "Tab4Name", tab(3)});
-    for (const char* frame : {"Frame18", "Frame19"}) entries.push_back({"SSTab4", std::string(frame) + "Name", caption(frame)});
-    entries.push_back({"SSTab4", "OpenS3File", caption("OpenS3File")});
-    entries.push_back({"SSTab4", "ComS3ToBin", keep(texts.ComS3ToBin)});
-    for (const char* name : {"OpenBinFile", "AllAdd", "PartAdd", "Label2", "Label35", "Label36", "Label37",
-                             "AllAddressOption", "FillDataOption", "PartAddressOption"})
-        entries.push_back({"SSTab4", name, caption(name)});
-
+    // Each tab labels its own controls, after its name on the tab bar.
+    const std::array<std::pair<const char*, std::vector<image::CaptionKey>>, 4> tabs{{
+        {"TonesTab", tones::TonesTab::captionKeys()},
+        {"StringsTab", strings::StringsTab::captionKeys()},
+        {"PicturesTab", pictures::PicturesTab::captionKeys()},
+        {"ConverterTab", image::ConverterTab::captionKeys()},
+    }};
+    for (int index = 0; index < 4; ++index) {
+        const auto& [tabName, keys] = tabs[static_cast<std::size_t>(index)];
+        entries.push_back({"SSTab" + std::to_string(index + 1), "Tab" + std::to_string(index + 1) + "Name", tab(index)});
+        for (const image::CaptionKey& key : keys) entries.push_back({key.section, key.key, labelOf(window, tabName, key, texts)});
+    }
     entries.push_back({"SSTab5", "Tab5Name", tab(4)});
     entries.push_back({"SSTab5", "Label15", caption("Label15")});
 

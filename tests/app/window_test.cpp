@@ -4,6 +4,10 @@
 #include "window_fixture.hpp"
 
 #include "app/main_window.hpp"
+#include "image/ui/converter_tab.hpp"
+#include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
+#include "tones/ui/tones_tab.hpp"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -62,6 +66,30 @@ private:
 
 private slots:
     void init() { QVERIFY(m_home.isValid()); }
+
+    void everyTabsKeyLabelsAControlOfThatTab()
+    {
+        auto window = startedWindow();
+        const std::vector<std::pair<const char*, std::vector<zevran::image::CaptionKey>>> tabs{
+            {"TonesTab", zevran::tones::TonesTab::captionKeys()},
+            {"StringsTab", zevran::strings::StringsTab::captionKeys()},
+            {"PicturesTab", zevran::pictures::PicturesTab::captionKeys()},
+            {"ConverterTab", zevran::image::ConverterTab::captionKeys()}};
+        int labelled = 0;
+        for (const auto& [tabName, keys] : tabs) {
+            auto* tab = window->findChild<QWidget*>(tabName);
+            QVERIFY2(tab, tabName);
+            for (const zevran::image::CaptionKey& key : keys) {
+                // The tone tab's table buttons are read a second time among the text tab's keys.
+                if (key.kept || (QString(tabName) == "StringsTab" && QString(key.section) == "SSTab1")) continue;
+                QVERIFY2(tab->findChild<QObject*>(key.objectName), (QString(tabName) + " " + key.objectName).toUtf8());
+                if (key.column >= 0)
+                    QVERIFY(key.column < tab->findChild<QTreeWidget*>(key.objectName)->columnCount());
+                ++labelled;
+            }
+        }
+        QCOMPARE(labelled, 16 + 23 + 15 + 13);
+    }
     void cleanup()
     {
         QDir(m_home.path()).removeRecursively();

@@ -26,6 +26,19 @@ ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
     layout->addStretch();
 }
 
+std::vector<CaptionKey> ConverterTab::captionKeys()
+{
+    std::vector<CaptionKey> keys;
+    for (const char* frame : {"Frame18", "Frame19"}) keys.push_back({"SSTab4", std::string(frame) + "Name", frame});
+    keys.push_back({"SSTab4", "OpenS3File", "OpenS3File"});
+    // Shown on the button only when the next conversion is ready.
+    keys.push_back({"SSTab4", "ComS3ToBin", nullptr, -1, &InterfaceTexts::ComS3ToBin});
+    for (const char* name : {"OpenBinFile", "AllAdd", "PartAdd", "Label2", "Label35", "Label36", "Label37",
+                             "AllAddressOption", "FillDataOption", "PartAddressOption"})
+        keys.push_back({"SSTab4", name, name});
+    return keys;
+}
+
 QGroupBox* ConverterTab::buildSRecordToBinaryFrame()
 {
     auto* frame18 = named(new QGroupBox(this), "Frame18", tr("S-record to binary"));

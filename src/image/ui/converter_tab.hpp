@@ -1,8 +1,11 @@
 // The converter tab: S-record files to binary and back.
 #pragma once
 
+#include "window/caption_keys.hpp"
+
 #include <QWidget>
 #include <string>
+#include <vector>
 
 class QGroupBox;
 class QLabel;
@@ -19,6 +22,8 @@ class ConverterTab : public QWidget {
     Q_OBJECT
 public:
     explicit ConverterTab(QWidget* parent = nullptr);
+    // The language file's keys that label this tab's controls, in the file's order.
+    static std::vector<CaptionKey> captionKeys();
 
     // The window whose dialogs, folders and messages the commands use.
     void attach(TabHost& host);

@@ -32,6 +32,15 @@ namespace zevran::pictures {
 using image::fromUtf8;
 using image::named;
 
+std::vector<image::CaptionKey> PicturesTab::captionKeys()
+{
+    std::vector<image::CaptionKey> keys{{"SSTab3", "Frame16Name", "Frame16"}};
+    for (const char* name : {"OpenPicTable", "SavePicTable", "RepeatPlay"}) keys.push_back({"SSTab3", name, name});
+    for (int c = 0; c < 7; ++c) keys.push_back({"SSTab3", "Listview5Header" + std::to_string(c + 1), "ListView5", c});
+    for (const char* name : {"Label28", "Label30", "Check1", "Label25"}) keys.push_back({"SSTab3", name, name});
+    return keys;
+}
+
 PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("PicturesTab");

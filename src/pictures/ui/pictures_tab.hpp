@@ -1,6 +1,7 @@
 // The picture tab: picture tables, the preview with its player, export and patches.
 #pragma once
 
+#include "window/caption_keys.hpp"
 #include "pictures/picture_finder.hpp"
 #include "pictures/picture_import_job.hpp"
 #include "pictures/picture_player.hpp"
@@ -38,6 +39,8 @@ class PicturesTab : public QWidget {
     Q_OBJECT
 public:
     explicit PicturesTab(QWidget* parent = nullptr);
+    // The language file's keys that label this tab's controls, in the file's order.
+    static std::vector<image::CaptionKey> captionKeys();
 
     // The window whose image, dialogs, folders and messages the commands use, and the
     // picture list's pop-up menu, which the tab fills with its commands.

@@ -1,6 +1,7 @@
 // The text-string tab: search the image for a text and plan same-length replacements.
 #pragma once
 
+#include "window/caption_keys.hpp"
 #include "strings/string_edit.hpp"
 #include "strings/translation_import.hpp"
 
@@ -27,6 +28,8 @@ class StringsTab : public QWidget {
     Q_OBJECT
 public:
     explicit StringsTab(QWidget* parent = nullptr);
+    // The language file's keys that label this tab's controls, in the file's order.
+    static std::vector<image::CaptionKey> captionKeys();
 
     // The window whose image, dialogs and messages the commands use, and the edit
     // list's pop-up menu, which the tab fills with its commands.

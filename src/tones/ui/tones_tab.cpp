@@ -125,6 +125,17 @@ QGroupBox* TonesTab::buildPlanFrame()
     return frame8;
 }
 
+std::vector<image::CaptionKey> TonesTab::captionKeys()
+{
+    std::vector<image::CaptionKey> keys;
+    for (const char* frame : {"Frame5", "Frame7", "Frame8"}) keys.push_back({"SSTab1", std::string(frame) + "Name", frame});
+    for (const char* button : {"GetTone", "SaveToneTable", "OpenToneTable"}) keys.push_back({"SSTab1", button, button});
+    for (int c = 0; c < 2; ++c) keys.push_back({"SSTab1", "Listview1Header" + std::to_string(c + 1), "ListView1", c});
+    for (int c = 0; c < 3; ++c) keys.push_back({"SSTab1", "Listview3Header" + std::to_string(c + 1), "ListView3", c});
+    for (int c = 0; c < 5; ++c) keys.push_back({"SSTab1", "Listview4Header" + std::to_string(c + 1), "ListView4", c});
+    return keys;
+}
+
 QString TonesTab::currentFolder() const { return folders->filePath(ET1->currentIndex()); }
 
 void TonesTab::setCurrentFolder(const QString& folder)

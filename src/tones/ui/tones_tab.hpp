@@ -2,6 +2,7 @@
 // replacement plan between them.
 #pragma once
 
+#include "window/caption_keys.hpp"
 #include "tones/tone_plan.hpp"
 #include "image/patch_writer.hpp"
 #include "tones/tone_scan.hpp"
@@ -32,6 +33,8 @@ class TonesTab : public QWidget {
     Q_OBJECT
 public:
     explicit TonesTab(QWidget* parent = nullptr);
+    // The language file's keys that label this tab's controls, in the file's order.
+    static std::vector<image::CaptionKey> captionKeys();
 
     // The window whose image, dialogs, folders and messages the commands use; the
     // pop-up menus of the tone list, the file list and the plan, which the tab fills
