@@ -99,7 +99,7 @@ void StringsTab::ExportStrings_Click()
     try {
         result = extractStrings(state.FirmwareImage, options);
     } catch (const std::exception& error) {  // a code page iconv does not know
-        failure = QString::fromUtf8(error.what());
+        failure = m_host->failureText(error);
     }
     ExportProgress->hide();
     StopExport->hide();
@@ -117,7 +117,7 @@ void StringsTab::ExportStrings_Click()
         image::refusePhoneFile(state.FirmwarePath, path.toStdString());
         writeTranslationFile(path.toStdString(), result.strings, image::FileNameOf(state.FirmwarePath));
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     m_host->showInformation(m_host->text("StringsExported").arg(result.strings.size()).arg(path));
@@ -143,7 +143,7 @@ void StringsTab::ImportTranslation_Click()
                 rows.push_back(editRowOf(result, ListView2->topLevelItemCount() + rows.size(), m_host->codePage()));
         m_lastImport = std::move(imported);
     } catch (const std::exception& error) {  // a code page iconv does not know
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     for (const StringEditRow& row : rows) addEditRow(row);
@@ -178,7 +178,7 @@ void StringsTab::SaveReport_Click()
         report.stream() << reportCsv(m_lastImport);
         report.commit();
     } catch (const std::exception& error) {
-        m_host->showError(QString::fromUtf8(error.what()));
+        m_host->showError(m_host->failureText(error));
         return;
     }
     m_host->showInformation(m_host->text("ReportWritten").arg(path));
