@@ -63,70 +63,61 @@ TEST(SRecordPeers, SrecCatRejectsOurFileOnceAChecksumIsSpoiled)
     EXPECT_TRUE(contains(bad.err, "checksum")) << bad.err;
 }
 
-TEST(SRecordPeers, SrecCatS3OutputWithoutCountRecordConvertsBack)
-{
-    ASSERT_FALSE(kSrecCat.empty()) << "srec_cat is not installed (make deps)";
-    TempFolder folder;
-    const Bytes data = variedBytes(5000);
-    writeFile(folder.path("data.bin"), data);
-    const RunResult peer = runProgram(folder, kSrecCat,
-                                      {"data.bin", "-binary", "-o", "peer.s3", "-motorola", "-address-length=4",
-                                       "-disable=data-count", "-header", ""});
-    ASSERT_EQ(peer.exitCode, 0) << peer.err;
-    const std::string text = readText(folder.path("peer.s3"));
-    ASSERT_TRUE(text.starts_with("S0030000FC\nS3")) << text.substr(0, 40);
-    ASSERT_FALSE(contains(text, "\r"));
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.s3", "--data-only", "-o", "back.bin"})));
-    EXPECT_EQ(readBytes(folder.path("back.bin")), data);
-}
+// A peer's S-record file of the same bytes, and how zevran-cli reads it back.
+struct PeerOutput {
+    const char* label;
+    const std::string* tool;
+    std::size_t bytes;
+    std::vector<std::string> peerArgs;  // from in.bin to the file named by `file`
+    std::string file;
+    std::vector<std::string> marks;     // parts the peer's file must hold, proving its form
+    std::vector<std::string> absent;    // parts it must not
+    std::vector<std::string> readArgs;  // s3-to-bin's options besides the file and -o
+};
 
-TEST(SRecordPeers, ObjcopyS3OutputConvertsBack)
+void PrintTo(const PeerOutput& output, std::ostream* out) { *out << output.label; }
+
+class PeerOutputConvertsBack : public ::testing::TestWithParam<PeerOutput> {};
+
+TEST_P(PeerOutputConvertsBack, IntoTheSameBytes)
 {
-    ASSERT_FALSE(kObjcopy.empty()) << "objcopy is not installed (make deps)";
+    const PeerOutput& output = GetParam();
+    ASSERT_FALSE(output.tool->empty()) << "a peer tool is not installed (make deps)";
     TempFolder folder;
-    const Bytes data = variedBytes(5000);
+    const Bytes data = variedBytes(output.bytes);
     writeFile(folder.path("in.bin"), data);
-    // objcopy puts the output's name in its S0 record; a short name keeps the count
-    // below 10, so the line starts "S00" and is skipped as a header.
-    const RunResult peer =
-        runProgram(folder, kObjcopy, {"-I", "binary", "-O", "srec", "--srec-forceS3", "in.bin", "x.s3"});
+    const RunResult peer = runProgram(folder, *output.tool, output.peerArgs);
     ASSERT_EQ(peer.exitCode, 0) << peer.err;
-    const std::string text = readText(folder.path("x.s3"));
-    ASSERT_TRUE(text.starts_with("S00")) << text.substr(0, 40);
-    ASSERT_TRUE(contains(text, "\nS3"));
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "x.s3", "--data-only", "-o", "back.bin"})));
+    const std::string text = readText(folder.path(output.file));
+    for (const std::string& mark : output.marks) EXPECT_TRUE(contains(text, mark)) << mark << " in " << text.substr(0, 60);
+    for (const std::string& part : output.absent) EXPECT_FALSE(contains(text, part)) << part;
+    std::vector<std::string> read{"s3-to-bin", output.file};
+    read.insert(read.end(), output.readArgs.begin(), output.readArgs.end());
+    read.insert(read.end(), {"-o", "back.bin"});
+    ASSERT_TRUE(succeeded(runCli(folder, read)));
     EXPECT_EQ(readBytes(folder.path("back.bin")), data);
 }
 
-TEST(SRecordPeers, AnyRecordsReadsSrecCatDefaultOutput)
-{
-    ASSERT_FALSE(kSrecCat.empty()) << "srec_cat is not installed (make deps)";
-    TempFolder folder;
-    const Bytes data = variedBytes(kPastS1Range);
-    writeFile(folder.path("data.bin"), data);
-    const RunResult peer = runProgram(folder, kSrecCat, {"data.bin", "-binary", "-o", "peer.srec", "-motorola"});
-    ASSERT_EQ(peer.exitCode, 0) << peer.err;
-    const std::string text = readText(folder.path("peer.srec"));
-    ASSERT_TRUE(text.starts_with("S0") && !text.starts_with("S00")) << "expected a header with text";
-    ASSERT_TRUE(contains(text, "\nS1") && contains(text, "\nS2") && contains(text, "\nS5"));
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.srec", "--any-records", "--data-only", "-o", "back.bin"})));
-    EXPECT_EQ(readBytes(folder.path("back.bin")), data);
-}
-
-TEST(SRecordPeers, AnyRecordsReadsSrecCatOutputWith32ByteLines)
-{
-    ASSERT_FALSE(kSrecCat.empty()) << "srec_cat is not installed (make deps)";
-    TempFolder folder;
-    const Bytes data = variedBytes(kPastS1Range);
-    writeFile(folder.path("data.bin"), data);
-    const RunResult peer =
-        runProgram(folder, kSrecCat, {"data.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=32"});
-    ASSERT_EQ(peer.exitCode, 0) << peer.err;
-    // 0x23 = 2 address bytes + 32 data bytes + checksum.
-    ASSERT_TRUE(contains(readText(folder.path("peer.srec")), "\nS123"));
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.srec", "--any-records", "--data-only", "-o", "back.bin"})));
-    EXPECT_EQ(readBytes(folder.path("back.bin")), data);
-}
+INSTANTIATE_TEST_SUITE_P(
+    SRecordPeers, PeerOutputConvertsBack,
+    ::testing::Values(
+        // S3 lines without a count record, "\n" ends and an empty header.
+        PeerOutput{"SrecCatS3WithoutCountRecord", &kSrecCat, 5000,
+                   {"in.bin", "-binary", "-o", "peer.s3", "-motorola", "-address-length=4", "-disable=data-count",
+                    "-header", ""},
+                   "peer.s3", {"S0030000FC\nS3"}, {"\r", "\nS5"}, {"--data-only"}},
+        // objcopy puts the output's name in its S0 record; a short name keeps the count
+        // below 10, so the line starts "S00" and is skipped as a header.
+        PeerOutput{"ObjcopyS3", &kObjcopy, 5000, {"-I", "binary", "-O", "srec", "--srec-forceS3", "in.bin", "x.s3"},
+                   "x.s3", {"S00", "\nS3"}, {}, {"--data-only"}},
+        // A header with text, S1 then S2 records past 64 KiB, and a count record.
+        PeerOutput{"SrecCatDefault", &kSrecCat, kPastS1Range, {"in.bin", "-binary", "-o", "peer.srec", "-motorola"},
+                   "peer.srec", {"\nS1", "\nS2", "\nS5"}, {"S00"}, {"--any-records", "--data-only"}},
+        // 0x23 = 2 address bytes + 32 data bytes + checksum.
+        PeerOutput{"SrecCat32ByteLines", &kSrecCat, kPastS1Range,
+                   {"in.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=32"}, "peer.srec", {"\nS123"}, {},
+                   {"--any-records", "--data-only"}}),
+    [](const ::testing::TestParamInfo<PeerOutput>& info) { return std::string(info.param.label); });
 
 TEST(SRecordPeers, AnyRecordsFullAddressFillsBelowSrecCatOffsetData)
 {
