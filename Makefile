@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 60
 
 PACKAGES       := cmake g++ make pkg-config ccache qt6-base-dev libgtest-dev libgmock-dev libbenchmark-dev \
                   srecord binutils xvfb time help2man desktop-file-utils appstream \
-                  libgettextpo-dev libpugixml-dev gettext translate-toolkit
+                  libgettextpo-dev libpugixml-dev gettext translate-toolkit clang-format
 FUZZ_PACKAGES  := clang libclang-rt-14-dev
 RUN_PACKAGES   := fonts-noto-cjk
 SCREENSHOT_PACKAGES := xvfb xauth
