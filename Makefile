@@ -16,8 +16,9 @@ FUZZ_PACKAGES  := clang libclang-rt-14-dev
 RUN_PACKAGES   := fonts-noto-cjk
 SCREENSHOT_PACKAGES := xvfb xauth
 PACKAGE_PACKAGES := dpkg-dev file
+TIDY_PACKAGES  := clang-tidy
 
-.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz run screenshots package clean
+.PHONY: all deps deps-fuzz build test test-normal test-asan bench fuzz tidy run screenshots package clean
 
 all: build
 
@@ -53,6 +54,16 @@ fuzz: deps-fuzz
 	cmake --preset fuzz -B $(FUZZ_BUILD)
 	cmake --build $(FUZZ_BUILD) -j$(JOBS)
 	fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
+# clang-tidy (.clang-tidy) over src/ and tests/ of the normal build, bench/ and fuzz/ of
+# their own build folders (configured only); fails on any finding.
+tidy: deps-fuzz
+	@scripts/install-deps.sh $(TIDY_PACKAGES)
+	cmake --preset normal -B $(BUILD)
+	cmake --build $(BUILD) -j$(JOBS)
+	cmake --preset bench -B $(BENCH_BUILD) > /dev/null
+	cmake --preset fuzz -B $(FUZZ_BUILD) > /dev/null
+	TIDY_JOBS=$(JOBS) scripts/tidy.sh $(BUILD):src,tests $(BENCH_BUILD):bench $(FUZZ_BUILD):fuzz
 
 run: deps
 	@scripts/install-deps.sh $(RUN_PACKAGES)
