@@ -14,9 +14,11 @@ for part in "$@"; do
   [ -f "$folder/compile_commands.json" ] || { echo "$folder: no compile_commands.json (configure it first)"; exit 1; }
   pattern="^$root/(${dirs//,/|})/"
   echo "clang-tidy over ${dirs//,/, } of $folder"
-  run-clang-tidy -p "$folder" -j "$jobs" -quiet -extra-arg=-fno-color-diagnostics -header-filter="$pattern.*\\.hpp\$" "$pattern" > "$log" 2>&1 || status=1
-  # The findings and their context, without the invocations and the summary lines.
-  grep -vE '^(clang-tidy|[0-9]+ (warnings?|errors?) generated|Suppressed [0-9]+ warnings|Use -header-filter|Error while processing)' "$log"
+  run-clang-tidy -p "$folder" -j "$jobs" -quiet -header-filter="$pattern.*\\.hpp\$" "$pattern" > "$log" 2>&1 || status=1
+  # The findings and their context, without colours, invocations and summary lines.
+  sed 's/\x1b\[[0-9;]*m//g' "$log" |
+    grep -vE '^(clang-tidy|[0-9]+ (warnings?|errors?) generated|Suppressed [0-9]+ warnings|Use -header-filter|Error while processing)'
+  grep -cE '(warning|error): ' "$log" | sed 's/$/ findings/'
 done
 if [ $status = 0 ]; then echo "clang-tidy: no finding"; else echo "clang-tidy: findings above"; fi
 exit $status
