@@ -29,7 +29,7 @@ constexpr int kConnectAttempts = 30;
 
 QString socketNameFor(const QString& folder)
 {
-    const QString beside = folder + "/zevran.socket";
+    QString beside = folder + "/zevran.socket";
     if (beside.toLocal8Bit().size() < kSocketPathLimit) return beside;
     const QByteArray hash = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
     return QDir::tempPath() + "/zevran-" + QString::fromLatin1(hash) + ".socket";
