@@ -19,7 +19,7 @@ namespace {
 
 // A request is one line: "open FILE-URL" or "raise"; the answer is "done". The file
 // travels as an encoded URL, so no byte of its name can end the line early.
-constexpr qsizetype kRequestLimit = 64 * 1024;
+constexpr qsizetype kRequestLimit = qsizetype{64} * 1024;
 constexpr int kWaitMs = 5000;
 // A socket address holds 108 bytes; longer paths go to /tmp under a hashed name.
 constexpr qsizetype kSocketPathLimit = 100;
