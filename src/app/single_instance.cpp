@@ -138,7 +138,7 @@ void serveWindow(SingleInstance& instance, QWidget* window, std::function<void(c
     auto opening = std::make_shared<bool>(false);
     auto* retry = new QTimer(window);
     retry->setInterval(250);
-    auto openWaiting = [retry, waiting, opening, open] {
+    auto openWaiting = [retry, waiting, opening, open = std::move(open)] {
         while (!waiting->empty()) {
             if (*opening || QApplication::activeModalWidget()) {
                 retry->start();
