@@ -230,7 +230,7 @@ void putTones(Planter& planter, Random& random)
             const auto within = std::search(bytes.begin(), bytes.end(), inner.begin(), inner.end()) - bytes.begin();
             planter.put(at + static_cast<std::size_t>(within), inner, "tone \"Music Box\", nested");
         }
-        at += bytes.size() + 0x100 + 2 * random.below(0x200) + 1;
+        at += bytes.size() + 0x100 + std::size_t{2} * random.below(0x200) + 1;
     }
 }
 
