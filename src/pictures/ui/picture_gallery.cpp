@@ -51,7 +51,7 @@ QImage CandidateModel::picture(int row) const
     renderer.render(m_host.imageState().FirmwareImage, {c.address, c.depth, c.width, c.height}, galleryColours(m_host));
     // A copy: the renderer's pixels go with it.
     return QImage(reinterpret_cast<const uchar*>(renderer.pixels().data()), renderer.width(), renderer.height(),
-                  renderer.width() * 4, QImage::Format_ARGB32)
+                  qsizetype{renderer.width()} * 4, QImage::Format_ARGB32)
         .copy();
 }
 
