@@ -80,7 +80,9 @@ QVariant CandidateModel::data(const QModelIndex& index, int role) const
             // larger than the thumbnail.
             thumbnail = picture(index.row());
             const int side = std::max(thumbnail.width(), thumbnail.height());
-            if (side > 0 && side <= kThumbnailSize) thumbnail = thumbnail.scaled(thumbnail.size() * (kThumbnailSize / side));
+            // A whole factor, so every pixel grows into the same square.
+            const int factor = side > 0 ? kThumbnailSize / side : 0;
+            if (factor > 0) thumbnail = thumbnail.scaled(thumbnail.size() * factor);
             else thumbnail = thumbnail.scaled(kThumbnailSize, kThumbnailSize, Qt::KeepAspectRatio);
         }
         return thumbnail;
