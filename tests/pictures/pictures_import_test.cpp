@@ -18,7 +18,7 @@ bool writePicture(const QString& path, int width, int height, const std::vector<
 {
     QImage picture(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y * width + x)]);
+        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y) * width + x]);
     return picture.save(path, format);
 }
 
