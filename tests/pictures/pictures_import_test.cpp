@@ -70,7 +70,7 @@ class PictureImportTest : public PicturesTabFixture {
     // The four pixels of the logo's first frame, changed: 010203, 040506 / 070809, 0A0B0C.
     QString writeNewLogo(const char* format = "PNG")
     {
-        const QString file = path(QStringLiteral("new.") + QString(format).toLower());
+        QString file = path(QStringLiteral("new.") + QString(format).toLower());
         writePicture(file, 2, 2, {0x010203, 0x040506, 0x070809, 0x0A0B0C}, format);
         return file;
     }
