@@ -35,7 +35,7 @@ std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::in
         std::int64_t total = 0, pairs = 0;
         for (std::int32_t p = 0; p + width < sample; ++p) {
             const std::uint32_t a = pixels[static_cast<std::size_t>(p)];
-            const std::uint32_t b = pixels[static_cast<std::size_t>(p + width)];
+            const std::uint32_t b = pixels[static_cast<std::size_t>(p) + static_cast<std::size_t>(width)];
             if (a == kNoDataPixel || b == kNoDataPixel) continue;
             total += colourDistance(a, b);
             ++pairs;
