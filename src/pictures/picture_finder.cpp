@@ -69,7 +69,7 @@ std::int64_t pixelAddress(const ViewGeometry& view, std::int32_t x, std::int32_t
     if (view.depth == 1) {
         // Row y of the mono picture is display column y; its byte x / 8 is page 7 - x / 8.
         if (x < 0 || y < 0 || x >= kMonoViewWidth || y >= kMonoViewHeight) return -1;
-        return view.address + (7 - x / 8) * 96 + y;
+        return view.address + std::int64_t{7 - x / 8} * 96 + y;
     }
     if (x < 0 || y < 0 || x >= view.width || y >= view.rows) return -1;
     const std::int64_t pixel = std::int64_t{y} * view.width + x;
