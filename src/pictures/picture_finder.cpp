@@ -74,9 +74,11 @@ std::int64_t pixelAddress(const ViewGeometry& view, std::int32_t x, std::int32_t
     if (x < 0 || y < 0 || x >= view.width || y >= view.rows) return -1;
     const std::int64_t pixel = std::int64_t{y} * view.width + x;
     switch (view.depth) {
-    case 4:  // the same half-to-even rounding as the row assembly
-        return static_cast<std::int64_t>(std::nearbyint(0.5 * static_cast<double>(y) * view.width + x / 2 +
+    case 4: {  // the same half-to-even rounding as the row assembly
+        const int byteInRow = x / 2;  // two pixels a byte
+        return static_cast<std::int64_t>(std::nearbyint(0.5 * static_cast<double>(y) * view.width + byteInRow +
                                                         static_cast<double>(view.address)));
+    }
     case 12: return view.address + pixel / 2 * 3;
     default: return view.address + pixel * (view.depth / 8);
     }
