@@ -10,7 +10,7 @@ using namespace zevran::test;
 
 namespace {
 
-constexpr std::size_t kTwoMebibytes = 2 * 1024 * 1024;
+constexpr std::size_t kTwoMebibytes = std::size_t{2} * 1024 * 1024;
 
 // One demo folder for the whole run, beside a program folder holding the shipped 16.dat.
 struct Demo {
