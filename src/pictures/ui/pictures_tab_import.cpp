@@ -189,7 +189,6 @@ void PicturesTab::importFrames(const RowToImport& row, const std::vector<FramePi
     }
     const std::vector<Region> regions = import.regions();
     std::vector<std::int64_t> imported;
-    imported.reserve(frames.size());
     for (const FramePicture& frame : frames) imported.push_back(frame.frame);
     if (!confirmImport(geometry, regions, imported, import.unstoredPixels())) return;
     if (m_host->takesSRecordPatch()) {
