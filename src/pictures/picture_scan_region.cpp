@@ -134,7 +134,7 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
 // of the row is one colour.
 double LaneScanner::rowLikeness(std::int64_t rowStart, std::int32_t width, int alike, bool& plain)
 {
-    const std::uint32_t* p = pixels(rowStart, rowStart + 2 * std::int64_t{width} + kEdgeDrift + 1);
+    const std::uint32_t* p = pixels(rowStart, rowStart + 2 * width + kEdgeDrift + 1);
     std::int32_t count = 0, edges = 0, kept = 0;
     plain = p[0] != kNoDataPixel;
     for (std::int32_t x = 0; x < width; ++x) {
@@ -190,11 +190,10 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
         }
         // Over an unlike row, plain rows only in the picture's background colour.
         const std::uint32_t background = backgroundOf(start, width);
-        const std::int64_t twoRowsBack = start - 2 * std::int64_t{width};
-        if (twoRowsBack < floor || rowLikeness(twoRowsBack, width, alike, plain) < kAlikeRow ||
-            (plain && *pixels(twoRowsBack, twoRowsBack + 1) != background))
+        if (start - 2 * width < floor || rowLikeness(start - 2 * width, width, alike, plain) < kAlikeRow ||
+            (plain && *pixels(start - 2 * width, start - 2 * width + 1) != background))
             break;
-        start = twoRowsBack;
+        start -= 2 * width;
         plainRows = plain ? plainRows + 1 : 0;
     }
     if (plainRows > kMostPlainRows) return start + (plainRows - kMostPlainRows) * width;
@@ -209,7 +208,7 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
     RowRun run;
     std::int64_t plainRun = 0;
     bool plain = false;
-    for (std::int64_t row = start; row + 2 * std::int64_t{width} <= m_pixelCount && run.rows < kMostRows; row += width) {
+    for (std::int64_t row = start; row + 2 * width <= m_pixelCount && run.rows < kMostRows; row += width) {
         const double likeness = rowLikeness(row, width, alike, plain);
         // Past an unlike row the picture goes on where rows are alike again: plain ones
         // only in the colour its rows start with (its background), not fill's or the
@@ -219,7 +218,7 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
             bool nextPlain = false;
             return rowLikeness(at, width, alike, nextPlain) >= kAlikeRow && (!nextPlain || *pixels(at, at + 1) == background);
         };
-        if (likeness < kAlikeRow && !goesOn(row + width) && !goesOn(row + 2 * std::int64_t{width})) break;
+        if (likeness < kAlikeRow && !goesOn(row + width) && !goesOn(row + 2 * width)) break;
         ++run.rows;
         run.likeness += std::min(1.0, likeness);
         plainRun = plain ? plainRun + 1 : 0;
@@ -283,7 +282,7 @@ void LaneScanner::scanRegion(std::int64_t from, std::int64_t to, std::vector<Pic
         }
         const int alike = static_cast<int>(std::max<double>(kAlikePixel, 2 * guess.vertical));
         // Rows before the region are rough or plain: a few plain ones at most are looked at.
-        const std::int64_t lowest = std::max(floor, from - std::int64_t{kMostPlainRows + 2} * guess.width);
+        const std::int64_t lowest = std::max(floor, from - (kMostPlainRows + 2) * guess.width);
         std::int64_t start = growBack(at, guess.width, alike, lowest);
         RowRun run = walkRows(start, guess.width, alike);
         if (const std::int32_t better = wholeWidth(start, run.rows, guess.width); better != guess.width) {
