@@ -31,6 +31,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <algorithm>
+#include <cstddef>
 #include <sys/resource.h>
 #include <cstdio>
 #include <vector>
@@ -64,11 +65,15 @@ QByteArray imageWithTones(int tones)
 {
     QByteArray image(tones * 128 + 128, '\0');
     for (int i = 0; i < tones; ++i) {
-        char* at = image.data() + 64 + i * 128;
+        char* at = image.data() + 64 + std::ptrdiff_t{i} * 128;
         std::copy_n("MMMD\0\0\0\x5D", 8, at);
     }
     return image;
 }
+
+// A timer's nanoseconds in the units the figures are given in.
+double milliseconds(qint64 nanoseconds) { return static_cast<double>(nanoseconds) / 1e6; }
+double seconds(qint64 nanoseconds) { return static_cast<double>(nanoseconds) / 1e9; }
 
 double median(std::vector<double> values)
 {
@@ -114,7 +119,7 @@ int previewFrames()
         if (frame % 20 == 19) pictures->ListView5_ItemClick(pictures->ListView5->topLevelItem(0));
         else pictures->nextpicture_Click();
         QApplication::processEvents();
-        shown.push_back(clock.nsecsElapsed() / 1e6);
+        shown.push_back(milliseconds(clock.nsecsElapsed()));
     }
     std::printf("preview_frame_ms %.2f\npreview_frame_worst_ms %.2f\n", median(shown), *std::max_element(shown.begin(), shown.end()));
     return 0;
@@ -150,7 +155,7 @@ int finderRedraws()
             clock.start();
             finder->moveBy(zevran::pictures::FinderMove::Row, 1);
             finder->canvas->repaint();
-            redraws.push_back(clock.nsecsElapsed() / 1e6);
+            redraws.push_back(milliseconds(clock.nsecsElapsed()));
         }
         std::printf("finder_redraw_ms_%d %.2f\n", depth, median(redraws));
     }
@@ -221,14 +226,14 @@ int loadLargeImage(const QString& phone)
     QElapsedTimer clock;
     clock.start();
     window.openPhoneFile(phone);
-    const double opened = clock.nsecsElapsed() / 1e9;
+    const double opened = seconds(clock.nsecsElapsed());
     auto* tones = window.findChild<zevran::tones::TonesTab*>();
     tones->GetTone_Click();
-    const double scanned = clock.nsecsElapsed() / 1e9;
+    const double scanned = seconds(clock.nsecsElapsed());
     auto* strings = window.findChild<zevran::strings::StringsTab*>();
     strings->Text11->setText(QStringLiteral("Melody"));
     strings->SeachString_Click();
-    const double searched = clock.nsecsElapsed() / 1e9;
+    const double searched = seconds(clock.nsecsElapsed());
     std::printf("load_image_bytes %lld\nload_tone_rows %d\nload_found_at %s\n",
                 static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->topLevelItemCount(),
                 qPrintable(strings->Text10->text()));
@@ -267,7 +272,7 @@ int main(int argc, char** argv)
         QElapsedTimer clock;
         clock.start();
         tones->GetTone_Click();
-        fills.push_back(clock.nsecsElapsed() / 1e9);
+        fills.push_back(seconds(clock.nsecsElapsed()));
     }
     if (tones->ListView4->topLevelItemCount() != 5000) return 1;
     std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->ListView4->topLevelItemCount(), median(fills));
@@ -291,8 +296,8 @@ int main(int argc, char** argv)
         clock.start();
         sinceTurn.start();
         converter->ComS3ToBin_Click();
-        times.push_back(clock.nsecsElapsed() / 1e9);
-        gaps.push_back(std::max(longestGap, sinceTurn.nsecsElapsed()) / 1e6);
+        times.push_back(seconds(clock.nsecsElapsed()));
+        gaps.push_back(milliseconds(std::max(longestGap, sinceTurn.nsecsElapsed())));
     }
     std::printf("window_s3_to_bin_s %.4f\nwindow_longest_pause_ms %.1f\n", median(times), *std::max_element(gaps.begin(), gaps.end()));
     return 0;

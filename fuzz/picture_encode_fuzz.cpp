@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool indexed = data[10] % 2 == 1;
     const std::size_t imageSize = (std::size_t{data[11]} | std::size_t{data[12]} << 8) % 0x2000;
     const std::int64_t otherFrame = data[13] % 4;
-    const std::int64_t frameSize = static_cast<std::int8_t>(data[14]) * 4;
+    const std::int64_t frameSize = std::int64_t{static_cast<std::int8_t>(data[14])} * 4;
 
     Feed feed(data + 16, size - 16);
     std::vector<std::uint8_t> image(imageSize);
@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     PictureGrid picture;
     picture.width = sameSize ? frame.width : data[15] % 40;
     picture.height = sameSize ? frame.height : data[15] / 40;
-    if (picture.width < 0 || picture.height < 0 || std::int64_t{picture.width} * picture.height > 200 * 200) return 0;
+    if (picture.width < 0 || picture.height < 0 || std::int64_t{picture.width} * picture.height > std::int64_t{200} * 200) return 0;
     const auto pixels = static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
     picture.rgb.resize(3 * pixels);
     for (auto& byte : picture.rgb) byte = feed.next();

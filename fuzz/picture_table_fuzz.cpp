@@ -79,7 +79,7 @@ void checkFrames(const PictureEntry& row)
     }
     // Dimensions beyond any handset screen decode the same way as small ones, only
     // slower: a 4000x4000 row would hold the fuzzer to a few inputs a second.
-    constexpr std::int64_t kMaxPixels = 256 * 256;
+    constexpr std::int64_t kMaxPixels = std::int64_t{256} * 256;
     if (std::int64_t{geometry.width} * geometry.height > kMaxPixels) return;
     for (std::int64_t k = 0; k < 2; ++k) {
         const std::int64_t address = frameAddress(geometry, k);

@@ -128,7 +128,7 @@ void checkPatchRegion(const ToneSlot& slot)
     if (region.first < 0 || region.last < region.first ||
         static_cast<std::size_t>(region.last) >= state.FirmwareImage.size())
         fail("a patch region lies outside the image", slot);
-    if (region.bytes.size() != static_cast<std::size_t>(region.last - region.first + 1)) fail("a region's bytes differ from its range", slot);
+    if (region.bytes.size() != static_cast<std::size_t>(std::int64_t{region.last} - region.first + 1)) fail("a region's bytes differ from its range", slot);
     if (region.bytes.size() < 150) fail("a tone was let into a smaller slot", slot);
     for (std::size_t i = 0; i < region.bytes.size(); ++i)
         if (region.bytes[i] != (i < 150 ? 'N' : 0)) fail("a region is not the tone followed by zeros", slot);

@@ -22,7 +22,7 @@ QString qtFilterFromClassic(const QString& classic)
         // The description already shows its patterns in the classic form; Qt reads the
         // patterns from the last parentheses, so they are given there in its own form.
         description.replace("*.*", "*");
-        const int open = description.lastIndexOf('(');
+        const qsizetype open = description.lastIndexOf('(');
         if (open >= 0) description = description.left(open).trimmed();
         filters << description + " (" + patterns.join(' ') + ")";
     }
@@ -40,8 +40,8 @@ namespace {
 // The patterns of one filter in Qt's form: Qt reads them from its last parentheses.
 std::string patternsOf(const QString& filter)
 {
-    const int open = filter.lastIndexOf('(');
-    const int close = filter.lastIndexOf(')');
+    const qsizetype open = filter.lastIndexOf('(');
+    const qsizetype close = filter.lastIndexOf(')');
     return (open >= 0 && close > open ? filter.mid(open + 1, close - open - 1) : filter).toStdString();
 }
 

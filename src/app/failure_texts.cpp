@@ -31,7 +31,7 @@ QString systemWord(const WorkshopTexts& texts, int errorNumber)
     const std::string_view name = image::errnoName(errorNumber);
     if (!name.empty()) {
         const std::string key = "Errno" + std::string(name);
-        const QString word = texts.text(key);
+        QString word = texts.text(key);
         if (!word.isEmpty() && word != QString::fromStdString(key)) return word;
     }
     return QString::fromLocal8Bit(std::strerror(errorNumber));

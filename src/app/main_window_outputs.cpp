@@ -65,7 +65,7 @@ void Form1::writeSRecordPatch(const std::vector<image::Region>& regions)
 
 QString Form1::chooseSRecordPatchPath()
 {
-    const QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
+    QString path = m_dialogs->saveFile(m_settings.S3SavePath, filter(1), 2);
     if (!path.isEmpty()) m_settings.S3SavePath = fromUtf8(image::FolderOf(path.toStdString()));
     return path;
 }

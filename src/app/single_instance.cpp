@@ -19,7 +19,7 @@ namespace {
 
 // A request is one line: "open FILE-URL" or "raise"; the answer is "done". The file
 // travels as an encoded URL, so no byte of its name can end the line early.
-constexpr qsizetype kRequestLimit = 64 * 1024;
+constexpr qsizetype kRequestLimit = qsizetype{64} * 1024;
 constexpr int kWaitMs = 5000;
 // A socket address holds 108 bytes; longer paths go to /tmp under a hashed name.
 constexpr qsizetype kSocketPathLimit = 100;
@@ -29,7 +29,7 @@ constexpr int kConnectAttempts = 30;
 
 QString socketNameFor(const QString& folder)
 {
-    const QString beside = folder + "/zevran.socket";
+    QString beside = folder + "/zevran.socket";
     if (beside.toLocal8Bit().size() < kSocketPathLimit) return beside;
     const QByteArray hash = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
     return QDir::tempPath() + "/zevran-" + QString::fromLatin1(hash) + ".socket";
@@ -138,7 +138,7 @@ void serveWindow(SingleInstance& instance, QWidget* window, std::function<void(c
     auto opening = std::make_shared<bool>(false);
     auto* retry = new QTimer(window);
     retry->setInterval(250);
-    auto openWaiting = [retry, waiting, opening, open] {
+    auto openWaiting = [retry, waiting, opening, open = std::move(open)] {
         while (!waiting->empty()) {
             if (*opening || QApplication::activeModalWidget()) {
                 retry->start();

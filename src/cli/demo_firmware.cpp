@@ -230,7 +230,7 @@ void putTones(Planter& planter, Random& random)
             const auto within = std::search(bytes.begin(), bytes.end(), inner.begin(), inner.end()) - bytes.begin();
             planter.put(at + static_cast<std::size_t>(within), inner, "tone \"Music Box\", nested");
         }
-        at += bytes.size() + 0x100 + 2 * random.below(0x200) + 1;
+        at += bytes.size() + 0x100 + std::size_t{2} * random.below(0x200) + 1;
     }
 }
 
@@ -276,8 +276,9 @@ Bytes smafTone(std::string_view title, std::size_t size, std::span<const std::ui
         throw std::invalid_argument("a tone titled \"" + std::string(title) + "\" needs at least " +
                                     std::to_string(fixed + 8) + " bytes, not " + std::to_string(size));
     appendChunk(track, "Mtsq", melody(title, size - fixed));
-    Bytes tone;
-    append(tone, "MMMD");
+    // Made with its signature rather than appended to an empty vector: GCC 12 at -O3 takes
+    // that insert for a write past the end (-Wstringop-overflow).
+    Bytes tone = {'M', 'M', 'M', 'D'};
     appendBig32(tone, size - 8);
     appendChunk(tone, "CNTI", contents);
     appendChunk(tone, "MTR\x05", track);

@@ -11,7 +11,7 @@
 
 namespace zevran::cli {
 
-inline constexpr std::size_t kDemoImageSize = 2 * 1024 * 1024;
+inline constexpr std::size_t kDemoImageSize = std::size_t{2} * 1024 * 1024;
 inline constexpr std::string_view kDemoVersion = "ZV1.11DM";
 
 // One thing placed in the demo image, for the list make-demo prints.

@@ -97,7 +97,7 @@ Bytes storeMono(const std::function<bool(int x, int y)>& lit)
         for (int x = 0; x < 64; ++x)
             if (lit(x, y)) {
                 const int row = 63 - x;
-                memory[static_cast<std::size_t>(row / 8 * 96 + y)] |= static_cast<std::uint8_t>(1u << (row % 8));
+                memory[static_cast<std::size_t>(row / 8) * 96 + static_cast<std::size_t>(y)] |= static_cast<std::uint8_t>(1u << (row % 8));
             }
     return memory;
 }

@@ -51,9 +51,11 @@ void preferHugePages(void* start, std::size_t length)
 #ifdef MADV_HUGEPAGE
     constexpr std::uintptr_t kHugePage = 2u << 20;
     if (length < 2 * kHugePage) return;
-    const auto first = (reinterpret_cast<std::uintptr_t>(start) + kHugePage - 1) & ~(kHugePage - 1);
-    const auto last = (reinterpret_cast<std::uintptr_t>(start) + length) & ~(kHugePage - 1);
-    if (last > first) ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+    const auto address = reinterpret_cast<std::uintptr_t>(start);
+    const auto first = (address + kHugePage - 1) & ~(kHugePage - 1);
+    const auto last = (address + length) & ~(kHugePage - 1);
+    // The aligned start is reached from the mapping's own pointer, not made from a number.
+    if (last > first) ::madvise(static_cast<char*>(start) + (first - address), last - first, MADV_HUGEPAGE);
 #else
     (void)start;
     (void)length;

@@ -19,9 +19,10 @@ constexpr std::uintptr_t kPage = 4096;
 void adviseWindow(std::span<const std::uint8_t> window, int advice)
 {
     if (window.empty()) return;
-    const auto first = reinterpret_cast<std::uintptr_t>(window.data()) & ~(kPage - 1);
-    const auto end = reinterpret_cast<std::uintptr_t>(window.data() + window.size());
-    ::madvise(reinterpret_cast<void*>(first), end - first, advice);
+    // The page start lies inside the same mapping, so it is reached from the window's pointer.
+    const auto address = reinterpret_cast<std::uintptr_t>(window.data());
+    const auto lead = address & (kPage - 1);
+    ::madvise(const_cast<std::uint8_t*>(window.data()) - lead, lead + window.size(), advice);
 }
 
 }  // namespace

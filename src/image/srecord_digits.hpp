@@ -41,8 +41,11 @@ inline std::uint8_t tolerantPair(const char* at)
 // The byte of the two characters at `at`, or -1 when either is not a hex digit.
 inline int strictPair(const char* at)
 {
+    // The table's signed bytes are digit values and -1, numbers rather than characters.
+    // NOLINTBEGIN(bugprone-signed-char-misuse)
     const int high = kStrict[static_cast<unsigned char>(at[0])];
     const int low = kStrict[static_cast<unsigned char>(at[1])];
+    // NOLINTEND(bugprone-signed-char-misuse)
     return (high | low) < 0 ? -1 : high * 16 + low;
 }
 

@@ -252,9 +252,10 @@ std::uint8_t nearestColourIndex(const ColourTable& colours, std::uint8_t red, st
     int best = 0;
     int bestDistance = std::numeric_limits<int>::max();
     for (int i = 0; i < 16; ++i) {
-        const int db = blue - colours[static_cast<std::size_t>(4 * i)];
-        const int dg = green - colours[static_cast<std::size_t>(4 * i + 1)];
-        const int dr = red - colours[static_cast<std::size_t>(4 * i + 2)];
+        const auto at = 4 * static_cast<std::size_t>(i);
+        const int db = blue - colours[at];
+        const int dg = green - colours[at + 1];
+        const int dr = red - colours[at + 2];
         const int distance = dr * dr + dg * dg + db * db;
         if (distance < bestDistance) best = i, bestDistance = distance;
     }

@@ -21,7 +21,7 @@ bool hasTableOf(const QImage& picture, const ColourTable& colours)
     const QList<QRgb> table = picture.colorTable();
     if (table.size() != 16) return false;
     for (int i = 0; i < 16; ++i) {
-        const auto at = static_cast<std::size_t>(4 * i);
+        const auto at = 4 * static_cast<std::size_t>(i);
         if (qBlue(table[i]) != colours[at] || qGreen(table[i]) != colours[at + 1] || qRed(table[i]) != colours[at + 2])
             return false;
     }

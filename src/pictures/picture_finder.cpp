@@ -35,7 +35,7 @@ std::vector<WidthScore> guessWidths(std::span<const std::uint8_t> image, std::in
         std::int64_t total = 0, pairs = 0;
         for (std::int32_t p = 0; p + width < sample; ++p) {
             const std::uint32_t a = pixels[static_cast<std::size_t>(p)];
-            const std::uint32_t b = pixels[static_cast<std::size_t>(p + width)];
+            const std::uint32_t b = pixels[static_cast<std::size_t>(p) + static_cast<std::size_t>(width)];
             if (a == kNoDataPixel || b == kNoDataPixel) continue;
             total += colourDistance(a, b);
             ++pairs;
@@ -69,14 +69,16 @@ std::int64_t pixelAddress(const ViewGeometry& view, std::int32_t x, std::int32_t
     if (view.depth == 1) {
         // Row y of the mono picture is display column y; its byte x / 8 is page 7 - x / 8.
         if (x < 0 || y < 0 || x >= kMonoViewWidth || y >= kMonoViewHeight) return -1;
-        return view.address + (7 - x / 8) * 96 + y;
+        return view.address + std::int64_t{7 - x / 8} * 96 + y;
     }
     if (x < 0 || y < 0 || x >= view.width || y >= view.rows) return -1;
     const std::int64_t pixel = std::int64_t{y} * view.width + x;
     switch (view.depth) {
-    case 4:  // the same half-to-even rounding as the row assembly
-        return static_cast<std::int64_t>(std::nearbyint(0.5 * static_cast<double>(y) * view.width + x / 2 +
+    case 4: {  // the same half-to-even rounding as the row assembly
+        const int byteInRow = x / 2;  // two pixels a byte
+        return static_cast<std::int64_t>(std::nearbyint(0.5 * static_cast<double>(y) * view.width + byteInRow +
                                                         static_cast<double>(view.address)));
+    }
     case 12: return view.address + pixel / 2 * 3;
     default: return view.address + pixel * (view.depth / 8);
     }

@@ -100,7 +100,7 @@ bool trimAgainst(PictureCandidate& candidate, const PictureCandidate& other)
 // depth and width, the second starting at most kMostEdgeRows rows after the first's
 // end. A picture whose rows were parted by a few unlike ones (a
 // straight edge across it, an outline) is one picture.
-std::vector<PictureCandidate> joinedAcrossEdges(std::vector<PictureCandidate> sorted)
+std::vector<PictureCandidate> joinedAcrossEdges(const std::vector<PictureCandidate>& sorted)
 {
     std::vector<PictureCandidate> joined;
     for (const PictureCandidate& next : sorted) {
@@ -188,7 +188,7 @@ std::vector<PictureCandidate> keepLikeliest(std::vector<PictureCandidate> found,
     std::sort(kept.begin(), kept.end(), [](const PictureCandidate& a, const PictureCandidate& b) {
         return a.address != b.address ? a.address < b.address : a.depth < b.depth;
     });
-    return joinedAcrossEdges(std::move(kept));
+    return joinedAcrossEdges(kept);
 }
 
 }  // namespace

@@ -14,8 +14,6 @@ namespace {
 constexpr double kSmoothLimit = 80;
 // A region must hold this many windows before it is looked at.
 constexpr std::int64_t kLeastRunWindows = 4;
-// Widths are compared over the first row of each (at least this many pixels).
-constexpr std::int64_t kLeastSample = 128;
 // Windows decoded at once while sorting them.
 constexpr std::int64_t kSortBlock = 128;
 

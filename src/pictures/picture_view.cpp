@@ -127,12 +127,13 @@ void ViewRenderer::markMissing(std::span<const std::uint8_t> image, const ViewGe
         const std::uint8_t* row = m_presence.data() + y * stride;
         std::uint32_t* out = m_pixels.data() + static_cast<std::ptrdiff_t>(y) * m_width;
         for (std::int32_t x = 0; x < m_width; ++x) {
+            const std::ptrdiff_t column = x;
             bool there = true;
             switch (depth) {
             case 1: there = (row[x >> 3] >> (7 - (x & 7))) & 1; break;
             case 4: there = (x >> 1) >= depth4Bytes || (x & 1 ? row[x >> 1] & 0xF : row[x >> 1] >> 4) != 0; break;
-            case 16: there = row[2 * x] != 0 && row[2 * x + 1] != 0; break;
-            default: there = row[3 * x] != 0 && row[3 * x + 1] != 0 && row[3 * x + 2] != 0; break;
+            case 16: there = row[2 * column] != 0 && row[2 * column + 1] != 0; break;
+            default: there = row[3 * column] != 0 && row[3 * column + 1] != 0 && row[3 * column + 2] != 0; break;
             }
             if (!there) out[x] = kNoDataPixel;
         }

@@ -19,6 +19,7 @@ public:
     explicit CharacterReader(std::string_view codePage)
         : m_handle(::iconv_open("UTF-32BE", std::string(codePage).c_str()))
     {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open fails with (iconv_t)-1.
         if (m_handle == reinterpret_cast<iconv_t>(-1))
             throw CodePageError("the code page " + std::string(codePage) + " is not known");
     }

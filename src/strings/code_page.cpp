@@ -13,6 +13,7 @@ public:
     Converter(std::string_view to, std::string_view from)
         : m_handle(::iconv_open(std::string(to).c_str(), std::string(from).c_str()))
     {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open fails with (iconv_t)-1.
         if (m_handle == reinterpret_cast<iconv_t>(-1))
             throw CodePageError(image::Reason::CodePageUnknown, {std::string(from == "UTF-8" ? to : from)});
     }

@@ -48,7 +48,7 @@ TranslationFileError fileError(TranslationFileFailure::Reason reason, std::strin
 std::string describeFailure(const TranslationFileFailure& failure)
 {
     using Reason = TranslationFileFailure::Reason;
-    const std::string place = placeOf(failure);
+    std::string place = placeOf(failure);
     switch (failure.reason) {
     case Reason::UnknownFormat: return place + ": the name ends in none of .po, .xlf, .xliff or .csv";
     case Reason::Unreadable: return place + ": cannot be read (" + failure.detail + ")";

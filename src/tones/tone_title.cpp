@@ -69,6 +69,7 @@ public:
     }
     Iconv(const Iconv&) = delete;
     Iconv& operator=(const Iconv&) = delete;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open fails with (iconv_t)-1.
     bool valid() const { return m_handle != reinterpret_cast<iconv_t>(-1); }
     iconv_t handle() const { return m_handle; }
 

@@ -177,7 +177,7 @@ private slots:
         // 64 MiB of S3 text: 16 data bytes a line, checksums left at 00 as the reader allows.
         constexpr int kLines = (64 << 20) / 48;
         QByteArray text;
-        text.reserve(kLines * 48);
+        text.reserve(qsizetype{kLines} * 48);
         QByteArray line = "S3150000000000112233445566778899AABBCCDDEEFF00\r\n";
         for (int i = 0; i < kLines; ++i) {
             const QByteArray address = QByteArray::number(i * 16, 16).toUpper().rightJustified(8, '0');

@@ -59,7 +59,7 @@ private:
 
     QString phoneFile(const QString& name, const QByteArray& bytes)
     {
-        const QString path = m_home.path() + "/" + name;
+        QString path = m_home.path() + "/" + name;
         writeBytes(path, bytes);
         return path;
     }

@@ -10,7 +10,7 @@ using namespace zevran::test;
 
 namespace {
 
-constexpr std::size_t kTwoMebibytes = 2 * 1024 * 1024;
+constexpr std::size_t kTwoMebibytes = std::size_t{2} * 1024 * 1024;
 
 // One demo folder for the whole run, beside a program folder holding the shipped 16.dat.
 struct Demo {
@@ -209,7 +209,7 @@ INSTANTIATE_TEST_SUITE_P(
                                     {0xA1, 0x48, 0xA1, 0x65, 0xA1, 0x6C, 0xA1, 0x6C, 0xA1, 0x6F}},
                       PlantedString{"ChineseMenuInHandsetCodes", "中文菜单", true,
                                     {0x4E, 0x2D, 0x65, 0x87, 0x83, 0xDC, 0x53, 0x55}}),
-    [](const ::testing::TestParamInfo<PlantedString>& info) { return std::string(info.param.label); });
+    [](const ::testing::TestParamInfo<PlantedString>& row) { return std::string(row.param.label); });
 
 // Rows of the picture table, in order, with the size field of the BMP each decodes to:
 // 54 header bytes, the colour table (64 at depth 4, 8 for mono, 16 bit-field masks at

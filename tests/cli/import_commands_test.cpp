@@ -57,7 +57,7 @@ void writePng(const std::string& path, int width, int height, const std::vector<
 {
     QImage picture(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y * width + x)]);
+        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y) * width + x]);
     ASSERT_TRUE(picture.save(QString::fromStdString(path), "PNG"));
 }
 
@@ -133,8 +133,8 @@ TEST(ImportPictureCommand, FolderOfExportedFramesBmpAndPngGivesOneRegionPerFrame
 {
     TempFolder folder;
     Bytes image = repeated(0x30, 0);
-    for (int i = 0; i < 8; ++i) image[static_cast<std::size_t>(0x10 + i)] = static_cast<std::uint8_t>(1 + i);
-    for (int i = 0; i < 8; ++i) image[static_cast<std::size_t>(0x18 + i)] = static_cast<std::uint8_t>(0x11 + i);
+    for (int i = 0; i < 8; ++i) image[0x10 + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(1 + i);
+    for (int i = 0; i < 8; ++i) image[0x18 + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(0x11 + i);
     const std::string table = tableLine("ball", "00000010", 2, 8, "2*2", 16);
     writeHome(folder);
     writeFile(folder.path("image.bin"), image);

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(Names, InfoKind,
                                            KindRow{"CfnEndsInN", "x.cfn", "bin"},
                                            KindRow{"ElfEndsInF", "x.elf", "asf"},
                                            KindRow{"S3IsOther", "phone.s3", "other"}),
-                         [](const ::testing::TestParamInfo<KindRow>& info) { return std::string(info.param.label); });
+                         [](const ::testing::TestParamInfo<KindRow>& row) { return std::string(row.param.label); });
 
 TEST(InfoCommand, VersionIsTheEightBytesSeventeenAfterTheVersionStringMarker)
 {

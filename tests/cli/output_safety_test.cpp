@@ -104,8 +104,8 @@ TEST_P(OutputSafety, FailedRunKeepsTheExistingOutputAndLeavesNoTemporary)
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryWritingCommand, OutputSafety, ::testing::ValuesIn(failingRuns()),
-                         [](const auto& info) {
-                             std::string name = info.param.name;
+                         [](const auto& row) {
+                             std::string name = row.param.name;
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });

@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(TonesCommand, ToneSizeLimit,
                                            ToneSizeCase{"Size101Accepted", 101, "001 0x00000010 0x00000074 101\n"},
                                            ToneSizeCase{"Size99999Accepted", 99999, "001 0x00000010 0x000186AE 99999\n"},
                                            ToneSizeCase{"Size100000Rejected", 100000, ""}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(TonesDetails, WellFormedToneShowsCrcOkAndItsTitle)
 {

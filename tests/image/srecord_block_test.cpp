@@ -312,7 +312,7 @@ TEST(SRecordBlock, StrictS3LinesOfSixteenBytesAreCheckedLikeAnyOther)
     std::string lines;
     for (std::uint32_t address = 0; address < 16 * 8; address += 16)
         lines += withLowerCase(record('3', 0x1000 + address, randomBytes(random, 16)), random) + "\n";
-    const std::string fourth = lines.substr(3 * 47, 46);
+    const std::string fourth = lines.substr(std::size_t{3} * 47, 46);
     for (std::size_t at : {std::size_t{0}, std::size_t{4}, std::size_t{11}, std::size_t{12}, std::size_t{43},
                            std::size_t{44}, std::size_t{45}}) {
         for (char odd : {'G', ' ', '\x80', '0'}) {
@@ -320,7 +320,7 @@ TEST(SRecordBlock, StrictS3LinesOfSixteenBytesAreCheckedLikeAnyOther)
             if (at == 0) {
                 text += "S3150000";  // a line cut short at the end of the text
             } else {
-                text[3 * 47 + at] = odd;
+                text[std::size_t{3} * 47 + at] = odd;
             }
             const Outcome reference = convertWith(RecordKernel::Portable, text, S3ToBinMode::DataOnly, true, 1 << 20);
             // Only a '0' put over a '0' leaves the line as it was.

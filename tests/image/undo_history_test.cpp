@@ -16,7 +16,7 @@ Region region(std::int32_t first, const std::string& letters)
 }
 
 // Records the step of the regions and lays them over the image, as an output does.
-void change(UndoHistory& history, Bytes& image, std::vector<Region> regions)
+void change(UndoHistory& history, Bytes& image, const std::vector<Region>& regions)
 {
     history.record(stepForRegions(image, regions));
     ImageState state;

@@ -233,7 +233,7 @@ TEST(PictureEncode, MonoFollowsTheDisplayMemoryLayout)
     // 64*96: picture row y is display column y, pixel x lies in page 7 - x / 8, bit 7 - x % 8.
     PictureGrid picture = filled(64, 96, 0, 0, 0);
     auto white = [&](int x, int y) {
-        const auto at = static_cast<std::size_t>(3 * (y * 64 + x));
+        const auto at = 3 * (static_cast<std::size_t>(y) * 64 + static_cast<std::size_t>(x));
         picture.rgb[at] = picture.rgb[at + 1] = picture.rgb[at + 2] = 255;
     };
     white(0, 0);
@@ -257,7 +257,8 @@ TEST(PictureEncode, MonoSmallPictureKeepsTheDisplayMemoryItDoesNotShow)
     EXPECT_EQ(region.last, 7 * 96 + 3);
     Bytes expected(7 * 96 + 4, 0x00);
     for (int page = 0; page < 8; ++page)
-        for (int column = 0; column < 4; ++column) expected[static_cast<std::size_t>(page * 96 + column)] = 0xFF;
+        for (int column = 0; column < 4; ++column)
+            expected[static_cast<std::size_t>(page) * 96 + static_cast<std::size_t>(column)] = 0xFF;
     EXPECT_EQ(region.bytes, expected);
 }
 

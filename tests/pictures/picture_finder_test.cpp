@@ -68,6 +68,7 @@ ColourTable shippedColours()
 std::vector<std::int32_t> widthsOf(const std::vector<WidthScore>& scores)
 {
     std::vector<std::int32_t> widths;
+    widths.reserve(scores.size());
     for (const auto& score : scores) widths.push_back(score.width);
     return widths;
 }

@@ -88,8 +88,8 @@ INSTANTIATE_TEST_SUITE_P(Depths, PictureScanDepth,
                          testing::Values(DepthCase{4, 48, 40, 0}, DepthCase{8, 64, 32, 1}, DepthCase{12, 40, 36, 1},
                                          DepthCase{16, 56, 56, 0}, DepthCase{16, 96, 64, 1}, DepthCase{24, 33, 30, 1},
                                          DepthCase{8, 20, 24, 0}),
-                         [](const testing::TestParamInfo<DepthCase>& info) {
-                             return "Depth" + std::to_string(info.param.depth) + "Width" + std::to_string(info.param.width);
+                         [](const testing::TestParamInfo<DepthCase>& row) {
+                             return "Depth" + std::to_string(row.param.depth) + "Width" + std::to_string(row.param.width);
                          });
 
 struct PackedCase {

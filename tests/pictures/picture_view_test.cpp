@@ -208,7 +208,7 @@ TEST(PictureView, DepthOneNearTheEndMarksTheColumnsThatAreNotThere)
     const Pixels shown = shownBmp(monoFrameBmp(image, 0, 64, 96));
     for (std::int32_t y = 0; y < 96; ++y)
         for (std::int32_t x = 0; x < 64; ++x) {
-            const auto i = static_cast<std::size_t>(y * 64 + x);
+            const auto i = static_cast<std::size_t>(y) * 64 + static_cast<std::size_t>(x);
             if (y >= 88 && x < 8) EXPECT_EQ(pixels[i], kNoDataPixel) << x << "," << y;
             else EXPECT_EQ(pixels[i], shown[i]) << x << "," << y;
         }

@@ -18,7 +18,7 @@ bool writePicture(const QString& path, int width, int height, const std::vector<
 {
     QImage picture(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y * width + x)]);
+        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y) * width + x]);
     return picture.save(path, format);
 }
 
@@ -70,7 +70,7 @@ class PictureImportTest : public PicturesTabFixture {
     // The four pixels of the logo's first frame, changed: 010203, 040506 / 070809, 0A0B0C.
     QString writeNewLogo(const char* format = "PNG")
     {
-        const QString file = path(QStringLiteral("new.") + QString(format).toLower());
+        QString file = path(QStringLiteral("new.") + QString(format).toLower());
         writePicture(file, 2, 2, {0x010203, 0x040506, 0x070809, 0x0A0B0C}, format);
         return file;
     }

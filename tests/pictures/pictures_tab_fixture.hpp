@@ -181,7 +181,7 @@ protected:
     // The preview as shown, with the factor by which it is enlarged.
     QImage shown(int width, int height, int* zoom) const
     {
-        const QImage image = m_tab->Picture2->pixmap().toImage();
+        QImage image = m_tab->Picture2->pixmap().toImage();
         *zoom = image.width() / width;
         if (image.width() != width * *zoom || image.height() != height * *zoom) return QImage();
         return image;

@@ -166,6 +166,7 @@ private slots:
                                 "002 screen\t 0X00000200\t Frames: 1\t Size: 12288\t Pixels: 96*64\t Bits: 16\t\r\n"));
         QVERIFY(!readBytes(path("saved.txt")).contains("xxxx"));
         std::vector<QStringList> before;
+        before.reserve(8);
         for (int i = 0; i < 8; ++i) before.push_back(rowTexts(row(i)));
         m_dialogs->files.push_back(path("saved.txt"));
         m_tab->OpenPicTable->click();

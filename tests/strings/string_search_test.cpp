@@ -24,7 +24,7 @@ TEST(SearchPattern, ControlCodeBelow10IsOneDigit) { EXPECT_EQ(searchPattern("\x0
 
 TEST(FindNextString, ThreeOccurrencesAreWalkedThenMissedThenWrapped)
 {
-    ImageState state = imageOf(std::string("\0OK\0..OK\0..OK\0", 15));
+    ImageState state = imageOf(std::string("\0OK\0..OK\0..OK\0\0", 15));
     int count = 0;
     auto first = findNextString(state, "4F4B", false, count);
     ASSERT_TRUE(first);

@@ -138,6 +138,7 @@ TEST(TranslationImport, RoundTripWithEveryTranslationEqualToItsSourceChangesNoBy
     const auto strings = extractStrings(made.bytes, {}).strings;
     ASSERT_GT(strings.size(), 500u);
     std::vector<TranslationEntry> entries;
+    entries.reserve(strings.size());
     for (const StoredString& s : strings) entries.push_back({s.address, s.codes, s.bytes, s.text, s.text});
     const ImportResult result = importTranslations(made.bytes, entries, "GBK");
     EXPECT_TRUE(result.allFit());

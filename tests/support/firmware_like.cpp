@@ -206,7 +206,7 @@ FirmwareLike makeFirmwareLike(std::size_t size, std::uint32_t seed, const pictur
     Dice dice(seed);
     FirmwareLike made;
     auto& image = made.image;
-    image.reserve(size + 256 * 1024);
+    image.reserve(size + std::size_t{256} * 1024);
     while (image.size() < size) {
         // What lies between picture groups.
         for (std::size_t filler = 0, want = spacing / 2 + dice.next() % spacing; filler < want;) {

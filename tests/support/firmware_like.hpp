@@ -29,7 +29,7 @@ struct FirmwareLike {
 // `size` bytes; about one picture group every `spacing` bytes. Depth-4 pictures use
 // `colours` (the 16-colour table they are drawn with).
 FirmwareLike makeFirmwareLike(std::size_t size, std::uint32_t seed, const pictures::ColourTable& colours,
-                              std::size_t spacing = 48 * 1024);
+                              std::size_t spacing = std::size_t{48} * 1024);
 
 // The colour table shipped as 16.dat: the 16 classic colours in blue, green, red, 0.
 pictures::ColourTable classicColours();

@@ -14,6 +14,7 @@ ToneSlot slot(const char* number, const char* start, const char* end, const char
 std::vector<std::string> column(const std::vector<ReplacementRow>& rows, std::string ReplacementRow::*cell)
 {
     std::vector<std::string> cells;
+    cells.reserve(rows.size());
     for (const ReplacementRow& row : rows) cells.push_back(row.*cell);
     return cells;
 }

@@ -159,6 +159,7 @@ namespace {
 std::vector<std::string> rowLines(const std::vector<ToneSlot>& rows)
 {
     std::vector<std::string> lines;
+    lines.reserve(rows.size());
     for (const ToneSlot& row : rows) lines.push_back(row.number + " " + row.start + " " + row.end + " " + row.size);
     return lines;
 }

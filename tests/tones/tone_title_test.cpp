@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
         CodeTypeCase{"Utf8", 0x23, {0xE4, 0xB8, 0xAD, '!'}, "中!"},
         CodeTypeCase{"Utf16BigEndian", 0x24, {0x4E, 0x2D, 0x00, 'z'}, "中z"},
         CodeTypeCase{"Utf16WithLittleEndianMark", 0x24, {0xFF, 0xFE, 0x2D, 0x4E}, "中"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ToneTitle, UndecodableBytesShowAsReplacementCharacters)
 {

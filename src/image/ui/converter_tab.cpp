@@ -112,7 +112,7 @@ namespace {
 // Progress is counted in KiB of input so a file of several GiB still fits the bar.
 int kibibytes(std::uint64_t bytes) { return static_cast<int>(std::min<std::uint64_t>(bytes / 1024, 0x7FFFFFFF)); }
 
-constexpr std::size_t kSliceBytes = 256 * 1024;
+constexpr std::size_t kSliceBytes = std::size_t{256} * 1024;
 
 }  // namespace
 

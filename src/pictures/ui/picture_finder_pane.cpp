@@ -306,7 +306,7 @@ void PictureFinderPane::redraw()
     m_renderer.render(m_host.imageState().FirmwareImage, geometry, coloursForDepth(geometry.depth, colourTable));
     // The image shares the renderer's pixels: it is replaced before they change.
     const QImage picture(reinterpret_cast<const uchar*>(m_renderer.pixels().data()), m_renderer.width(),
-                         m_renderer.height(), m_renderer.width() * 4, QImage::Format_ARGB32);
+                         m_renderer.height(), qsizetype{m_renderer.width()} * 4, QImage::Format_ARGB32);
     canvas->setPicture(picture, zoomBox->value());
     if (!addressEdit->hasFocus()) addressEdit->setText(hexAddress(m_address));
 }

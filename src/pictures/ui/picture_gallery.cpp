@@ -70,7 +70,7 @@ QImage CandidateModel::picture(int row) const
     renderer.render(m_host.imageState().FirmwareImage, {c.address, c.depth, c.width, c.height}, galleryColours(m_host));
     // A copy: the renderer's pixels go with it.
     return QImage(reinterpret_cast<const uchar*>(renderer.pixels().data()), renderer.width(), renderer.height(),
-                  renderer.width() * 4, QImage::Format_ARGB32)
+                  qsizetype{renderer.width()} * 4, QImage::Format_ARGB32)
         .copy();
 }
 
@@ -99,7 +99,9 @@ QVariant CandidateModel::data(const QModelIndex& index, int role) const
             // larger than the thumbnail.
             thumbnail = picture(index.row());
             const int side = std::max(thumbnail.width(), thumbnail.height());
-            if (side > 0 && side <= kThumbnailSize) thumbnail = thumbnail.scaled(thumbnail.size() * (kThumbnailSize / side));
+            // A whole factor, so every pixel grows into the same square.
+            const int factor = side > 0 ? kThumbnailSize / side : 0;
+            if (factor > 0) thumbnail = thumbnail.scaled(thumbnail.size() * factor);
             else thumbnail = thumbnail.scaled(kThumbnailSize, kThumbnailSize, Qt::KeepAspectRatio);
         }
         return thumbnail;
