@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
         PeerOutput{"SrecCat32ByteLines", &kSrecCat, kPastS1Range,
                    {"in.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=32"}, "peer.srec", {"\nS123"}, {},
                    {"--any-records", "--data-only"}}),
-    [](const ::testing::TestParamInfo<PeerOutput>& info) { return std::string(info.param.label); });
+    [](const ::testing::TestParamInfo<PeerOutput>& row) { return std::string(row.param.label); });
 
 TEST(SRecordPeers, AnyRecordsFullAddressFillsBelowSrecCatOffsetData)
 {

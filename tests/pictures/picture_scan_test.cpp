@@ -134,7 +134,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PackedCase{"Depth24Widths40And44", {24, 40, 40, 1}, {24, 44, 40, 1}},
                     PackedCase{"Depth8Then12", {8, 50, 40, 1}, {12, 64, 40, 1}},
                     PackedCase{"Depth16Widths93And94", {16, 93, 40, 1}, {16, 94, 40, 1}}),
-    [](const testing::TestParamInfo<PackedCase>& info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<PackedCase>& row) { return std::string(row.param.name); });
 
 // The scan's goals on a firmware-like image: 90 % of the planted pictures found with
 // their depth and width, at most 2 candidates per MiB covering none (make bench prints
