@@ -82,7 +82,8 @@ int main(int argc, char** argv)
         std::memcpy(image.data() + i, &word, 4);
     }
     // The pattern must not occur by chance: make its first bytes rare, then plant it twice.
-    for (auto& byte : image) if (byte == 0x4D) byte = 0x4E;
+    for (auto& byte : image)
+        if (byte == 0x4D) byte = 0x4E;
     const std::uint8_t planted[] = {0x4D, 0x4D, 0x4D, 0x44, 0x00, 0x01};
     std::memcpy(image.data() + 8, planted, sizeof planted);
     std::memcpy(image.data() + image.size() - 64, planted, sizeof planted);

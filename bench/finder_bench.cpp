@@ -26,13 +26,22 @@ void BM_finderRedraw(benchmark::State& state)
         view.address += row;
     }
 }
-BENCHMARK(BM_finderRedraw)->ArgName("depth")->Arg(1)->Arg(4)->Arg(8)->Arg(12)->Arg(16)->Arg(24)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_finderRedraw)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(4)
+    ->Arg(8)
+    ->Arg(12)
+    ->Arg(16)
+    ->Arg(24)
+    ->Unit(benchmark::kMillisecond);
 
 void BM_guessWidth(benchmark::State& state)
 {
     const auto& bytes = bench::sharedSyntheticImage();
     for (auto _ : state) {
-        auto scores = pictures::guessWidths(bytes, 0x200000, 16, pictures::kLeastGuessWidth, pictures::kMostGuessWidth, {});
+        auto scores =
+            pictures::guessWidths(bytes, 0x200000, 16, pictures::kLeastGuessWidth, pictures::kMostGuessWidth, {});
         benchmark::DoNotOptimize(scores.data());
     }
 }

@@ -52,7 +52,8 @@ void BM_importFrames(benchmark::State& state)
     std::size_t changed = 0;
     for (auto _ : state) {
         for (int k = 0; k < kFrames; ++k) {
-            const std::int64_t address = ((k % kFiles) * frameSize) % static_cast<std::int64_t>(bytes.size() - frameSize);
+            const std::int64_t address =
+                ((k % kFiles) * frameSize) % static_cast<std::int64_t>(bytes.size() - frameSize);
             const auto picture = pictures::readPictureFile(paths[static_cast<std::size_t>(k % kFiles)], colours);
             const auto region = pictures::encodePictureFrame(picture, benchFrame(depth, address), bytes, colours);
             if (!std::equal(region.bytes.begin(), region.bytes.end(), bytes.begin() + region.first)) ++changed;
@@ -65,6 +66,14 @@ void BM_importFrames(benchmark::State& state)
         benchmark::Counter(static_cast<double>(state.iterations()) * kFrames, benchmark::Counter::kIsRate);
     std::filesystem::remove_all(folder);
 }
-BENCHMARK(BM_importFrames)->ArgName("depth")->Arg(1)->Arg(4)->Arg(8)->Arg(12)->Arg(16)->Arg(24)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_importFrames)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(4)
+    ->Arg(8)
+    ->Arg(12)
+    ->Arg(16)
+    ->Arg(24)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -19,8 +19,8 @@ int main(int argc, char** argv)
         return 2;
     }
     // 5 MiB of the firmware-like image hold some 12,000 strings.
-    const auto image = strings ? zevran::test::FirmwareLikeMaker(11).make(5 << 20).bytes
-                               : zevran::bench::makeSyntheticImage();
+    const auto image =
+        strings ? zevran::test::FirmwareLikeMaker(11).make(5 << 20).bytes : zevran::bench::makeSyntheticImage();
     const char* path = argv[argc - 1];
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));

@@ -41,8 +41,9 @@ int main()
     std::printf("scan_8mib_s %.3f\n", medianScanSeconds(made.image, request, 5, result));
     const auto tally = test::tallyScan(made, result.candidates);
     std::printf("scan_pictures %zu\nscan_found %zu\nscan_found_percent %.1f\nscan_false %zu\nscan_false_per_mib %.2f\n",
-                tally.pictures, tally.found, 100.0 * static_cast<double>(tally.found) / static_cast<double>(tally.pictures),
-                tally.falseCandidates, static_cast<double>(tally.falseCandidates) / 8);
+                tally.pictures, tally.found,
+                100.0 * static_cast<double>(tally.found) / static_cast<double>(tally.pictures), tally.falseCandidates,
+                static_cast<double>(tally.falseCandidates) / 8);
 
     const auto& bench = bench::sharedSyntheticImage();
     std::printf("scan_64mib_s %.3f\n", medianScanSeconds(bench, request, 3, result));

@@ -53,6 +53,14 @@ void BM_exportFrames(benchmark::State& state)
         benchmark::Counter(static_cast<double>(state.iterations()) * kFrames, benchmark::Counter::kIsRate);
     std::filesystem::remove_all(folder);
 }
-BENCHMARK(BM_exportFrames)->ArgName("depth")->Arg(1)->Arg(4)->Arg(8)->Arg(12)->Arg(16)->Arg(24)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_exportFrames)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(4)
+    ->Arg(8)
+    ->Arg(12)
+    ->Arg(16)
+    ->Arg(24)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -46,7 +46,10 @@ using zevran::app::MessageKind;
 class SilentDialogs : public zevran::app::Dialogs {
 public:
     QStringList files;  // answers of the open dialog, in order
-    QString openFile(const QString&, const QString&, int) override { return files.isEmpty() ? QString() : files.takeFirst(); }
+    QString openFile(const QString&, const QString&, int) override
+    {
+        return files.isEmpty() ? QString() : files.takeFirst();
+    }
     QString saveFile(const QString&, const QString&, int) override { return {}; }
     QString chooseFolder(const QString&) override { return {}; }
     void message(int code, MessageKind kind, const QString&, const QString& text) override
@@ -121,7 +124,8 @@ int previewFrames()
         QApplication::processEvents();
         shown.push_back(milliseconds(clock.nsecsElapsed()));
     }
-    std::printf("preview_frame_ms %.2f\npreview_frame_worst_ms %.2f\n", median(shown), *std::max_element(shown.begin(), shown.end()));
+    std::printf("preview_frame_ms %.2f\npreview_frame_worst_ms %.2f\n", median(shown),
+                *std::max_element(shown.begin(), shown.end()));
     return 0;
 }
 
@@ -201,7 +205,8 @@ int galleryScan()
     QElapsedTimer shown;
     shown.start();
     while (shown.elapsed() < 500) {
-        gallery->list->scrollTo(gallery->model->index(static_cast<int>(shown.elapsed()) * gallery->model->rowCount() / 500));
+        gallery->list->scrollTo(
+            gallery->model->index(static_cast<int>(shown.elapsed()) * gallery->model->rowCount() / 500));
         QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
     }
     longestGap = std::max(longestGap, sinceTurn.nsecsElapsed());
@@ -237,7 +242,8 @@ int loadLargeImage(const QString& phone)
     std::printf("load_image_bytes %lld\nload_tone_rows %d\nload_found_at %s\n",
                 static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->topLevelItemCount(),
                 qPrintable(strings->Text10->text()));
-    std::printf("load_open_s %.3f\nload_scan_s %.3f\nload_search_s %.3f\n", opened, scanned - opened, searched - scanned);
+    std::printf("load_open_s %.3f\nload_scan_s %.3f\nload_search_s %.3f\n", opened, scanned - opened,
+                searched - scanned);
     std::printf("load_peak_before_kib %ld\nload_peak_kib %ld\n", before, peakKibibytes());
     return 0;
 }
@@ -299,6 +305,7 @@ int main(int argc, char** argv)
         times.push_back(seconds(clock.nsecsElapsed()));
         gaps.push_back(milliseconds(std::max(longestGap, sinceTurn.nsecsElapsed())));
     }
-    std::printf("window_s3_to_bin_s %.4f\nwindow_longest_pause_ms %.1f\n", median(times), *std::max_element(gaps.begin(), gaps.end()));
+    std::printf("window_s3_to_bin_s %.4f\nwindow_longest_pause_ms %.1f\n", median(times),
+                *std::max_element(gaps.begin(), gaps.end()));
     return 0;
 }

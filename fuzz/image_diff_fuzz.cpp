@@ -40,7 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (newer.size() < older.size()) fail("a shorter second image was compared");
 
-    auto differs = [&](std::int64_t at) { return static_cast<std::size_t>(at) >= older.size() || older[at] != newer[at]; };
+    auto differs = [&](std::int64_t at) {
+        return static_cast<std::size_t>(at) >= older.size() || older[at] != newer[at];
+    };
     std::vector<bool> covered(newer.size(), false);
     for (std::size_t k = 0; k < ranges.size(); ++k) {
         const DiffRange& range = ranges[k];

@@ -35,7 +35,8 @@ std::string hex8(std::uint32_t value)
     return text;
 }
 
-std::vector<tones::ToneSlot> plainToneScan(const std::vector<std::uint8_t>& image, std::vector<std::int32_t>& signatures)
+std::vector<tones::ToneSlot> plainToneScan(const std::vector<std::uint8_t>& image,
+                                           std::vector<std::int32_t>& signatures)
 {
     std::vector<tones::ToneSlot> rows;
     // Offset 0 is never searched: a hit there reads as "no match".
@@ -108,8 +109,8 @@ std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view hexText)
 
 struct PlainHit {
     std::size_t start;
-    std::size_t zero;   // index of the terminating zero
-    int passCount;      // hits of the pass up to and including this one
+    std::size_t zero;  // index of the terminating zero
+    int passCount;     // hits of the pass up to and including this one
 };
 
 std::vector<PlainHit> plainStringWalk(const std::vector<std::uint8_t>& image, std::string_view hexText)
@@ -146,7 +147,8 @@ void checkStringWalk(const std::vector<std::uint8_t>& bytes, std::string_view he
             fail("findNextString gave another string than a plain walk");
         if (passCount != want.passCount) fail("findNextString counted the pass's hits wrongly");
         const std::size_t length = want.zero - want.start;
-        const std::size_t most = handsetCodes ? length / 2 + (length % 2 == 1 && (length / 2) % 2 == 1 ? 1 : 0) : length;
+        const std::size_t most =
+            handsetCodes ? length / 2 + (length % 2 == 1 && (length / 2) % 2 == 1 ? 1 : 0) : length;
         if (hit->maxLength != static_cast<int>(most)) fail("findNextString gave another longest replacement");
     }
     if (steps - 1 != expected.size()) fail("findNextString missed a string a plain walk finds");

@@ -68,7 +68,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     PictureGrid picture;
     picture.width = sameSize ? frame.width : data[15] % 40;
     picture.height = sameSize ? frame.height : data[15] / 40;
-    if (picture.width < 0 || picture.height < 0 || std::int64_t{picture.width} * picture.height > std::int64_t{200} * 200) return 0;
+    if (picture.width < 0 || picture.height < 0 ||
+        std::int64_t{picture.width} * picture.height > std::int64_t{200} * 200)
+        return 0;
     const auto pixels = static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
     picture.rgb.resize(3 * pixels);
     for (auto& byte : picture.rgb) byte = feed.next();

@@ -76,13 +76,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     ViewRenderer renderer;
     const bool drawn = renderer.render(image, {address, depth, width, rows}, colours);
-    if (drawn != viewDepthDrawable(depth)) fail("drawn for a refused depth, or refused a drawable one", depth, width, rows, address);
+    if (drawn != viewDepthDrawable(depth))
+        fail("drawn for a refused depth, or refused a drawable one", depth, width, rows, address);
     if (drawn) {
         const bool mono = depth == 1;
         const std::int32_t w = mono ? 64 : width, h = mono ? 96 : rows;
-        if (renderer.width() != w || renderer.height() != h || renderer.pixels().size() != std::size_t(w) * std::size_t(h))
+        if (renderer.width() != w || renderer.height() != h ||
+            renderer.pixels().size() != std::size_t(w) * std::size_t(h))
             fail("view size differs from the one asked", depth, width, rows, address);
-        const auto bmp = mono ? monoFrameBmp(image, address, 64, 96) : *pictureFrameBmp(image, address, width, rows, depth, colours);
+        const auto bmp =
+            mono ? monoFrameBmp(image, address, 64, 96) : *pictureFrameBmp(image, address, width, rows, depth, colours);
         for (std::int32_t y = 0; y < h; ++y)
             for (std::int32_t x = 0; x < w; ++x) {
                 const std::uint32_t pixel = renderer.pixel(x, y);
@@ -91,8 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 const std::int64_t at = pixelAddress({address, depth, width, rows}, x, y);
                 if (at < address || at >= address + std::max<std::int64_t>(768, std::int64_t{w} * h * 3))
                     fail("pixel address outside the view's reach", depth, width, rows, address);
-                if (pixel == kNoDataPixel && at >= 0 && at + 2 < static_cast<std::int64_t>(image.size()) && depth != 4 &&
-                    depth != 1)
+                if (pixel == kNoDataPixel && at >= 0 && at + 2 < static_cast<std::int64_t>(image.size()) &&
+                    depth != 4 && depth != 1)
                     fail("pixel inside the image shown as no data", depth, width, rows, address);
             }
     }

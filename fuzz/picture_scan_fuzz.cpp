@@ -43,12 +43,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ScanResult result = scanPictures(image, request, nullptr, 1);
     const std::int64_t last = request.last < 0 ? imageSize - 1 : request.last;
     const bool badDepth = (data[0] & 0x20) != 0;
-    const bool badRange = imageSize > 0 && (request.first < 0 || request.first >= imageSize || last >= imageSize || last < request.first);
+    const bool badRange =
+        imageSize > 0 && (request.first < 0 || request.first >= imageSize || last >= imageSize || last < request.first);
     if (result.failure) {
         const ScanFailure f = *result.failure;
         if (f.reason == ScanRefusal::DepthNotScanned && (!badDepth || (f.value != 1 && f.value != 32)))
             fail("a depth refused that was asked for", request.first, last);
-        if (f.reason == ScanRefusal::FirstOutsideImage && (f.value != request.first || (f.value >= 0 && f.value < imageSize)))
+        if (f.reason == ScanRefusal::FirstOutsideImage &&
+            (f.value != request.first || (f.value >= 0 && f.value < imageSize)))
             fail("a first address refused inside the image", request.first, last);
         if (f.reason == ScanRefusal::LastOutsideImage && (f.value != last || last < imageSize))
             fail("a last address refused inside the image", request.first, last);
@@ -59,7 +61,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (badDepth || badRange) fail("a refused request scanned", request.first, last);
     std::int64_t previous = -1;
     for (const PictureCandidate& c : result.candidates) {
-        if (c.address < request.first || c.address + candidateBytes(c) - 1 > last) fail("a candidate outside the range", request.first, last);
+        if (c.address < request.first || c.address + candidateBytes(c) - 1 > last)
+            fail("a candidate outside the range", request.first, last);
         if (c.address < previous) fail("candidates out of address order", request.first, last);
         bool asked = false;
         for (int depth : request.depths) asked = asked || depth == c.depth;

@@ -24,9 +24,11 @@ namespace {
 
 void fail(const char* what, const PictureEntry& row)
 {
-    std::fprintf(stderr, "picture_table_fuzz: %s (row %s: address \"%s\" frames \"%s\" size \"%s\" dimensions \"%s\" depth \"%s\")\n",
-                 what, row.number.c_str(), row.address.c_str(), row.frames.c_str(), row.frameSize.c_str(),
-                 row.dimensions.c_str(), row.depth.c_str());
+    std::fprintf(
+        stderr,
+        "picture_table_fuzz: %s (row %s: address \"%s\" frames \"%s\" size \"%s\" dimensions \"%s\" depth \"%s\")\n",
+        what, row.number.c_str(), row.address.c_str(), row.frames.c_str(), row.frameSize.c_str(),
+        row.dimensions.c_str(), row.depth.c_str());
     std::abort();
 }
 

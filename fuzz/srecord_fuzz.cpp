@@ -132,7 +132,8 @@ void kernelsAgree(std::string_view text)
             out.limit = room.get() + text.size() + kRecordRoom;
             out.fullAddress = (text.size() & 1) != 0;
             const std::size_t taken = decodeRecordBlock(kernel, text, reading, out);
-            const std::string bytes(reinterpret_cast<const char*>(room.get()), static_cast<std::size_t>(out.end - room.get()));
+            const std::string bytes(reinterpret_cast<const char*>(room.get()),
+                                    static_cast<std::size_t>(out.end - room.get()));
             if (kernel == RecordKernel::Portable) {
                 reference = bytes;
                 referenceTaken = taken;

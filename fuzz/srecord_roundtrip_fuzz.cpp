@@ -49,7 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     constexpr std::uint32_t kHighest = 0x7FFFFFFF;
     const std::uint32_t raw = (std::uint32_t{data[0]} << 24 | std::uint32_t{data[1]} << 16 |
-                               std::uint32_t{data[2]} << 8 | std::uint32_t{data[3]}) & kHighest;
+                               std::uint32_t{data[2]} << 8 | std::uint32_t{data[3]}) &
+                              kHighest;
     const auto limit = static_cast<std::uint32_t>(kHighest - binary.size());
     const std::uint32_t start = raw <= limit ? raw : raw % (limit + 1);
     const auto end = static_cast<std::uint32_t>(start + binary.size() - 1);
@@ -66,7 +67,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (binary.size() % 2 == 0) {
         if (readBack(text.str(), {S3ToBinMode::DataOnly, 0xFF, false}).bytes != binary)
             fail("handset data-only reading differs from the input");
-    } else if (readBack(text.str(), {S3ToBinMode::FullAddress, 0xFF, true}).count != std::uint64_t{start} + binary.size()) {
+    } else if (readBack(text.str(), {S3ToBinMode::FullAddress, 0xFF, true}).count !=
+               std::uint64_t{start} + binary.size()) {
         fail("full-address output has the wrong length");
     }
     return 0;

@@ -39,8 +39,13 @@ void fail(const char* what, const ToneSlot& row)
 
 void plantTone(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t bodyLength)
 {
-    const std::uint8_t head[8] = {'M', 'M', 'M', 'D', static_cast<std::uint8_t>(bodyLength >> 24),
-                                  static_cast<std::uint8_t>(bodyLength >> 16), static_cast<std::uint8_t>(bodyLength >> 8),
+    const std::uint8_t head[8] = {'M',
+                                  'M',
+                                  'M',
+                                  'D',
+                                  static_cast<std::uint8_t>(bodyLength >> 24),
+                                  static_cast<std::uint8_t>(bodyLength >> 16),
+                                  static_cast<std::uint8_t>(bodyLength >> 8),
                                   static_cast<std::uint8_t>(bodyLength)};
     for (std::size_t i = 0; i < 8; ++i) bytes[at + i] = head[i];
 }
@@ -79,7 +84,8 @@ void checkExport(const ToneSlot& row)
     const image::ImageState& state = fixedImage();
     const auto start = offsetOf(row.start);
     const auto end = offsetOf(row.end);
-    const bool refused = !start || !end || (*end >= *start && *end >= static_cast<std::int64_t>(state.FirmwareImage.size()));
+    const bool refused =
+        !start || !end || (*end >= *start && *end >= static_cast<std::int64_t>(state.FirmwareImage.size()));
     try {
         const auto bytes = toneBytes(state, row);
         if (refused) fail("toneBytes gave bytes for a row outside the image", row);
@@ -128,7 +134,8 @@ void checkPatchRegion(const ToneSlot& slot)
     if (region.first < 0 || region.last < region.first ||
         static_cast<std::size_t>(region.last) >= state.FirmwareImage.size())
         fail("a patch region lies outside the image", slot);
-    if (region.bytes.size() != static_cast<std::size_t>(std::int64_t{region.last} - region.first + 1)) fail("a region's bytes differ from its range", slot);
+    if (region.bytes.size() != static_cast<std::size_t>(std::int64_t{region.last} - region.first + 1))
+        fail("a region's bytes differ from its range", slot);
     if (region.bytes.size() < 150) fail("a tone was let into a smaller slot", slot);
     for (std::size_t i = 0; i < region.bytes.size(); ++i)
         if (region.bytes[i] != (i < 150 ? 'N' : 0)) fail("a region is not the tone followed by zeros", slot);

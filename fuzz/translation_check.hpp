@@ -41,9 +41,11 @@ inline void checkImport(const char* target, const std::vector<strings::Translati
         const auto& region = r.region;
         if (region.first < 0 || region.last < region.first || static_cast<std::size_t>(region.last) >= image.size())
             failTranslation(target, "a fitting region lies outside the image");
-        if (region.bytes.size() != r.budget || region.bytes.size() != static_cast<std::size_t>(std::int64_t{region.last} - region.first + 1))
+        if (region.bytes.size() != r.budget ||
+            region.bytes.size() != static_cast<std::size_t>(std::int64_t{region.last} - region.first + 1))
             failTranslation(target, "a fitting region does not fill its stored string");
-        if (image[static_cast<std::size_t>(region.last) + 1] != 0) failTranslation(target, "a region reaches the terminator");
+        if (image[static_cast<std::size_t>(region.last) + 1] != 0)
+            failTranslation(target, "a region reaches the terminator");
     }
     if (fitting != result.fitting) failTranslation(target, "the fitting count is wrong");
 }

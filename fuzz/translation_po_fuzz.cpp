@@ -25,8 +25,8 @@ const std::string& inputPath()
 }  // namespace
 
 // libgettextpo keeps allocations past po_file_free (translation_po.cpp has LeakSanitizer
-// pass over them), so libFuzzer would scan for leaks after every input, at some 4 ms each. Leak checks stay off here unless the command
-// line asks for them after this default; the CSV and XLIFF targets check the import.
+// pass over them), so libFuzzer would scan for leaks after every input, at some 4 ms each. Leak checks stay off here
+// unless the command line asks for them after this default; the CSV and XLIFF targets check the import.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
     static std::vector<char*> arguments(*argv, *argv + *argc);

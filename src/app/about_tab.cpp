@@ -14,11 +14,30 @@ using image::named;
 namespace {
 
 const char* const kAboutText[AboutTab::kLines] = {
-    "Zevran Handset Workshop", "", "V1.11", "", "A workshop for the firmware image of a handset",
-    "ring tones - text strings - pictures - S-records", "", "Design and code", "The Zevran team", "",
-    "Built with C++20 and Qt 6", "", "Thanks to every tester", "who flashed a patch before us", "",
-    "Dedicated to everyone", "who keeps an old phone alive", "", "zevran-cli does every job", "from the command line",
-    "", "Exact to the byte", "", "Zevran Handset Workshop",
+    "Zevran Handset Workshop",
+    "",
+    "V1.11",
+    "",
+    "A workshop for the firmware image of a handset",
+    "ring tones - text strings - pictures - S-records",
+    "",
+    "Design and code",
+    "The Zevran team",
+    "",
+    "Built with C++20 and Qt 6",
+    "",
+    "Thanks to every tester",
+    "who flashed a patch before us",
+    "",
+    "Dedicated to everyone",
+    "who keeps an old phone alive",
+    "",
+    "zevran-cli does every job",
+    "from the command line",
+    "",
+    "Exact to the byte",
+    "",
+    "Zevran Handset Workshop",
 };
 
 }  // namespace

@@ -9,7 +9,9 @@ class QLabel;
 class QLineEdit;
 class QTimer;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::app {
 

@@ -65,7 +65,10 @@ void BytesLink::applyTexts()
     m_tab->applyTexts();
 }
 
-void BytesLink::updateWriteItem() { m_writePatch->setEnabled(m_host.takesSRecordPatch() && m_history.unwrittenChanges()); }
+void BytesLink::updateWriteItem()
+{
+    m_writePatch->setEnabled(m_host.takesSRecordPatch() && m_history.unwrittenChanges());
+}
 
 bool BytesLink::overwriteBytes(std::int64_t address, std::span<const std::uint8_t> bytes)
 {

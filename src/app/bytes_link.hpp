@@ -15,10 +15,18 @@ class QMenu;
 class QTabWidget;
 class QTreeWidget;
 
-namespace zevran::tones { class TonesTab; }
-namespace zevran::strings { class StringsTab; }
-namespace zevran::pictures { class PicturesTab; }
-namespace zevran::bytes { class BytesTab; }
+namespace zevran::tones {
+class TonesTab;
+}
+namespace zevran::strings {
+class StringsTab;
+}
+namespace zevran::pictures {
+class PicturesTab;
+}
+namespace zevran::bytes {
+class BytesTab;
+}
 
 namespace zevran::app {
 

@@ -29,7 +29,8 @@ QString hexAddress(std::int32_t address)
 }  // namespace
 
 CompareDialog::CompareDialog(const CompareTexts& texts, const QString& newerName, std::span<const std::uint8_t> older,
-                             std::vector<std::uint8_t> newer, std::optional<std::size_t> writableLength, QWidget* parent)
+                             std::vector<std::uint8_t> newer, std::optional<std::size_t> writableLength,
+                             QWidget* parent)
     : QDialog(parent), m_texts(texts), m_older(older), m_newer(std::move(newer)), m_writableLength(writableLength)
 {
     setObjectName("CompareDialog");
@@ -149,11 +150,15 @@ std::vector<image::DiffRange> CompareDialog::checkedRanges() const
 {
     std::vector<image::DiffRange> checked;
     for (int row = 0; row < m_list->topLevelItemCount(); ++row)
-        if (m_list->topLevelItem(row)->checkState(0) == Qt::Checked) checked.push_back(m_ranges[static_cast<std::size_t>(row)]);
+        if (m_list->topLevelItem(row)->checkState(0) == Qt::Checked)
+            checked.push_back(m_ranges[static_cast<std::size_t>(row)]);
     return checked;
 }
 
-std::vector<image::Region> CompareDialog::checkedRegions() const { return image::diffRegions(m_newer, checkedRanges()); }
+std::vector<image::Region> CompareDialog::checkedRegions() const
+{
+    return image::diffRegions(m_newer, checkedRanges());
+}
 
 void CompareDialog::setGap(int gap) { m_gap->setValue(gap); }
 

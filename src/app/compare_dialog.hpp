@@ -21,14 +21,14 @@ class QTreeWidget;
 namespace zevran::app {
 
 struct CompareTexts {
-    QString title;                  // the dialog's title; %1 is the second file's name
-    std::array<QString, 5> headers; // first, last, size, old bytes, new bytes
-    QString gap;                    // the caption of the gap box
+    QString title;                   // the dialog's title; %1 is the second file's name
+    std::array<QString, 5> headers;  // first, last, size, old bytes, new bytes
+    QString gap;                     // the caption of the gap box
     QString checkAll;
     QString checkNone;
     QString write;
     QString cancel;
-    QString summary;                // %1 regions, %2 bytes
+    QString summary;  // %1 regions, %2 bytes
 };
 
 class CompareDialog : public QDialog {
@@ -38,7 +38,8 @@ public:
     // past `writableLength` (the length of an image that cannot grow) is shown but
     // cannot be checked. Throws image::ShorterImage when `newer` is the shorter.
     CompareDialog(const CompareTexts& texts, const QString& newerName, std::span<const std::uint8_t> older,
-                  std::vector<std::uint8_t> newer, std::optional<std::size_t> writableLength, QWidget* parent = nullptr);
+                  std::vector<std::uint8_t> newer, std::optional<std::size_t> writableLength,
+                  QWidget* parent = nullptr);
 
     const std::vector<image::DiffRange>& ranges() const { return m_ranges; }
     std::vector<image::DiffRange> checkedRanges() const;

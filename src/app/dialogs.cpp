@@ -94,8 +94,8 @@ void QtDialogs::message(int, MessageKind kind, const QString& title, const QStri
 
 Answer QtDialogs::askYesNoCancel(const QString& title, const QString& text)
 {
-    const auto button = QMessageBox::question(m_parent, title, text,
-                                              QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    const auto button =
+        QMessageBox::question(m_parent, title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
     return button == QMessageBox::Yes ? Answer::Yes : button == QMessageBox::No ? Answer::No : Answer::Cancel;
 }
 

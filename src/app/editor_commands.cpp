@@ -100,8 +100,12 @@ void EditorCommands::compareWith()
             {m_host.text("CompareTitle"),
              {m_host.text("CompareHeader1"), m_host.text("CompareHeader2"), m_host.text("CompareHeader3"),
               m_host.text("CompareHeader4"), m_host.text("CompareHeader5")},
-             m_host.text("CompareGap"), m_host.text("CompareCheckAll"), m_host.text("CompareCheckNone"),
-             m_host.text("CompareWrite"), m_host.text("CompareCancel"), m_host.text("CompareSummary")},
+             m_host.text("CompareGap"),
+             m_host.text("CompareCheckAll"),
+             m_host.text("CompareCheckNone"),
+             m_host.text("CompareWrite"),
+             m_host.text("CompareCancel"),
+             m_host.text("CompareSummary")},
             QFileInfo(path).fileName(), state.FirmwareImage, std::move(newer), writable, m_window);
     } catch (const image::ShorterImage&) {
         m_host.showError(m_host.text("CompareShorter").arg(path).arg(newerLength).arg(state.FirmwareImage.size()));
@@ -110,7 +114,8 @@ void EditorCommands::compareWith()
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     if (dialog->ranges().empty()) {
         delete dialog;
-        m_host.dialogs().message(0, image::MessageKind::Information, m_host.texts().MsgTitle[2], m_host.text("CompareEqual"));
+        m_host.dialogs().message(0, image::MessageKind::Information, m_host.texts().MsgTitle[2],
+                                 m_host.text("CompareEqual"));
         return;
     }
     // Window-modal but not blocking: the image it lists cannot change while it is open.

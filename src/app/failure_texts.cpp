@@ -42,8 +42,10 @@ QString systemWord(const WorkshopTexts& texts, int errorNumber)
 QString failureText(const WorkshopTexts& texts, const image::Failure& failure)
 {
     QStringList values;
-    for (const std::string& value : failure.values) values << QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
-    if (failure.reason == image::Reason::SystemError && values.size() == 2) values[1] = systemWord(texts, values[1].toInt());
+    for (const std::string& value : failure.values)
+        values << QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
+    if (failure.reason == image::Reason::SystemError && values.size() == 2)
+        values[1] = systemWord(texts, values[1].toInt());
     if (failure.cause) values << failureText(texts, *failure.cause);
     const std::string_view key = image::failureKey(failure.reason);
     QString pattern = failure.reason == image::Reason::Text ? QString() : texts.text(key);

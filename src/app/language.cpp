@@ -70,15 +70,19 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     };
     auto panel = [window](int number) {
         return [window, number](const QString& text) {
-            if (auto* label = window->findChild<QLabel*>(QString("StatusBar1Panel%1").arg(number))) label->setText(text);
+            if (auto* label = window->findChild<QLabel*>(QString("StatusBar1Panel%1").arg(number)))
+                label->setText(text);
         };
     };
     auto keep = [](QString& slot) { return [&slot](const QString& text) { slot = text; }; };
 
     std::vector<Entry> entries{
-        {"Menu", "menufile", caption("file")},       {"Menu", "menuopen", caption("menuopen")},
-        {"Menu", "menulanguage", caption("menulanguage")}, {"Menu", "menuexit", caption("menuexit")},
-        {"Menu", "menuhelp", caption("menuhelp")},   {"Menu", "help", caption("help")},
+        {"Menu", "menufile", caption("file")},
+        {"Menu", "menuopen", caption("menuopen")},
+        {"Menu", "menulanguage", caption("menulanguage")},
+        {"Menu", "menuexit", caption("menuexit")},
+        {"Menu", "menuhelp", caption("menuhelp")},
+        {"Menu", "help", caption("help")},
         {"Menu", "homepage", caption("homepage")},
     };
     for (const char* item : {"outputselect", "outputall", "addaddress", "addmmf", "moveone", "moveall", "movemmf",
@@ -98,8 +102,10 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     }};
     for (int index = 0; index < 4; ++index) {
         const auto& [tabName, keys] = tabs[static_cast<std::size_t>(index)];
-        entries.push_back({"SSTab" + std::to_string(index + 1), "Tab" + std::to_string(index + 1) + "Name", tab(index)});
-        for (const image::CaptionKey& key : keys) entries.push_back({key.section, key.key, labelOf(window, tabName, key, texts)});
+        entries.push_back(
+            {"SSTab" + std::to_string(index + 1), "Tab" + std::to_string(index + 1) + "Name", tab(index)});
+        for (const image::CaptionKey& key : keys)
+            entries.push_back({key.section, key.key, labelOf(window, tabName, key, texts)});
     }
     entries.push_back({"SSTab5", "Tab5Name", tab(4)});
     entries.push_back({"SSTab5", "Label15", caption("Label15")});
@@ -108,12 +114,16 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     entries.push_back({"String", "StatusBar1Str2", panel(6)});
     entries.push_back({"String", "StatusBar1Str3", keep(texts.StatusBar1Str3)});
     entries.push_back({"String", "HelpStr", keep(texts.HelpStr)});
-    for (int n : {1, 2, 3, 5, 6, 7}) entries.push_back({"String", "MsgTitle" + std::to_string(n), keep(texts.MsgTitle[static_cast<std::size_t>(n)])});
+    for (int n : {1, 2, 3, 5, 6, 7})
+        entries.push_back(
+            {"String", "MsgTitle" + std::to_string(n), keep(texts.MsgTitle[static_cast<std::size_t>(n)])});
     // No key is read for message 38: it shows an empty text.
     for (int n = 1; n <= 39; ++n)
         if (n != 14 && n != 38)
-            entries.push_back({"String", "MsgStr" + std::to_string(n), keep(texts.MsgStr[static_cast<std::size_t>(n)])});
-    for (int n = 1; n <= 7; ++n) entries.push_back({"Filter", "Filter" + std::to_string(n), keep(texts.Filter[static_cast<std::size_t>(n)])});
+            entries.push_back(
+                {"String", "MsgStr" + std::to_string(n), keep(texts.MsgStr[static_cast<std::size_t>(n)])});
+    for (int n = 1; n <= 7; ++n)
+        entries.push_back({"Filter", "Filter" + std::to_string(n), keep(texts.Filter[static_cast<std::size_t>(n)])});
     return entries;
 }
 
@@ -125,8 +135,11 @@ bool isValidUtf8(std::string_view bytes)
     if (bytes.rfind("\xEF\xBB\xBF", 0) == 0) i = 3;
     while (i < bytes.size()) {
         const auto lead = static_cast<unsigned char>(bytes[i]);
-        const int extra = lead < 0x80 ? 0 : lead >= 0xC2 && lead < 0xE0 ? 1 : lead >= 0xE0 && lead < 0xF0 ? 2
-                                                                      : lead >= 0xF0 && lead < 0xF5 ? 3 : -1;
+        const int extra = lead < 0x80                   ? 0
+                          : lead >= 0xC2 && lead < 0xE0 ? 1
+                          : lead >= 0xE0 && lead < 0xF0 ? 2
+                          : lead >= 0xF0 && lead < 0xF5 ? 3
+                                                        : -1;
         if (extra < 0 || bytes.size() - i <= static_cast<std::size_t>(extra)) return false;
         for (int k = 1; k <= extra; ++k)
             if ((static_cast<unsigned char>(bytes[i + static_cast<std::size_t>(k)]) & 0xC0) != 0x80) return false;

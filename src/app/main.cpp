@@ -18,7 +18,8 @@ namespace {
 
 void describeOptions(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription("Zevran Handset Workshop: ring tones, texts and pictures of a handset's firmware image.");
+    parser.setApplicationDescription(
+        "Zevran Handset Workshop: ring tones, texts and pictures of a handset's firmware image.");
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOption({"home", "The portable program folder (zevran.ini, language/, help/, 16.dat).", "DIR"});
@@ -33,7 +34,8 @@ bool asksForTextOnly(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
         if (word == "--") return false;
-        if (word == "-h" || word == "--help" || word == "-?" || word == "--help-all" || word == "-v" || word == "--version")
+        if (word == "-h" || word == "--help" || word == "-?" || word == "--help-all" || word == "-v" ||
+            word == "--version")
             return true;
     }
     return false;

@@ -88,7 +88,10 @@ Form1::~Form1() = default;
 
 QString Form1::settingsPath() const { return QString::fromStdString(m_folders.settingsFile); }
 
-QString Form1::filter(int number) const { return qtFilterFromClassic(m_texts.Filter[static_cast<std::size_t>(number)]); }
+QString Form1::filter(int number) const
+{
+    return qtFilterFromClassic(m_texts.Filter[static_cast<std::size_t>(number)]);
+}
 
 void Form1::buildTabs()
 {
@@ -217,7 +220,8 @@ void Form1::buildStatusBar()
 void Form1::setBusy(bool busy)
 {
     if (QLabel* panel = m_statusPanels[6])
-        panel->setPixmap(style()->standardIcon(busy ? QStyle::SP_BrowserReload : QStyle::SP_DialogApplyButton).pixmap(16, 16));
+        panel->setPixmap(
+            style()->standardIcon(busy ? QStyle::SP_BrowserReload : QStyle::SP_DialogApplyButton).pixmap(16, 16));
 }
 
 void Form1::LoadSettings()
@@ -269,7 +273,8 @@ void Form1::BuildLanguageMenu()
     // Departure: a first run stores the bare name, which the classic second start
     // applied as a new, empty file, leaving a window without a caption. The bare name
     // now reads as its ".ini" file where that file exists.
-    if (!m_settings.Language.isEmpty() && !m_settings.Language.endsWith(".ini") && files.contains(m_settings.Language + ".ini"))
+    if (!m_settings.Language.isEmpty() && !m_settings.Language.endsWith(".ini") &&
+        files.contains(m_settings.Language + ".ini"))
         m_settings.Language += ".ini";
     for (int i = 0; i < files.size(); ++i) {
         QAction* item = i == 0 ? m_languageItems[0] : addLanguageItem(i + 1, QString());
@@ -280,10 +285,12 @@ void Form1::BuildLanguageMenu()
         // Departure: a first run took the first language's bare name and applied nothing,
         // leaving empty captions. It now takes the locale's language, as an installed
         // first start does, applies it and writes it at once.
-        const QString locale = QString::fromStdString(localeLanguageFile(QLocale().uiLanguages().value(0).toStdString()));
+        const QString locale =
+            QString::fromStdString(localeLanguageFile(QLocale().uiLanguages().value(0).toStdString()));
         m_settings.Language = files.contains(locale) ? locale : files.first();
         for (QAction* item : m_languageItems) item->setChecked(item->text() + ".ini" == m_settings.Language);
-        ProfileFile(settingsPath().toStdString()).WriteSetting("Language", "Language", m_settings.Language.toStdString());
+        ProfileFile(settingsPath().toStdString())
+            .WriteSetting("Language", "Language", m_settings.Language.toStdString());
     }
     applyLanguage(m_settings.Language);
 }
@@ -443,7 +450,8 @@ bool Form1::mayLeaveImage()
 {
     if (m_document.mayReplaceWithoutAsking()) return true;
     const bool bin = takesSRecordPatch();
-    const Answer answer = m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], bin ? text("BytesUnwrittenQuestion") : m_texts.MsgStr[35]);
+    const Answer answer =
+        m_dialogs->askYesNoCancel(m_texts.MsgTitle[7], bin ? text("BytesUnwrittenQuestion") : m_texts.MsgStr[35]);
     if (answer != Answer::Yes) return answer == Answer::No;
     return bin ? m_bytes->writeChangesAsPatch() : Saveaxf(false);
 }

@@ -25,10 +25,18 @@ class QMenu;
 class QTabWidget;
 class QToolBar;
 
-namespace zevran::tones { class TonesTab; }
-namespace zevran::strings { class StringsTab; }
-namespace zevran::pictures { class PicturesTab; }
-namespace zevran::image { class ConverterTab; }
+namespace zevran::tones {
+class TonesTab;
+}
+namespace zevran::strings {
+class StringsTab;
+}
+namespace zevran::pictures {
+class PicturesTab;
+}
+namespace zevran::image {
+class ConverterTab;
+}
 
 namespace zevran::app {
 
@@ -41,7 +49,8 @@ class Form1 : public QMainWindow, public image::TabHost {
 public:
     // `dialogs` answers every dialog; the Qt dialogs when null. A folder alone is portable.
     explicit Form1(const QString& programFolder, std::unique_ptr<Dialogs> dialogs = nullptr, QWidget* parent = nullptr);
-    explicit Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs = nullptr, QWidget* parent = nullptr);
+    explicit Form1(const ProgramFolders& folders, std::unique_ptr<Dialogs> dialogs = nullptr,
+                   QWidget* parent = nullptr);
     ~Form1() override;
 
     // Start-up: settings, language menu and language, folders, tabs 1 and 2 disabled.

@@ -24,7 +24,7 @@ void Form1::showMessageWith(int code, const QString& detail)
 {
     const auto style = image::messageStyle(code);
     if (!style) return;
-    const MessageKind kind = style->icon == image::MessageIcon::Stop        ? MessageKind::Critical
+    const MessageKind kind = style->icon == image::MessageIcon::Stop          ? MessageKind::Critical
                              : style->icon == image::MessageIcon::Exclamation ? MessageKind::Warning
                                                                               : MessageKind::Information;
     QString text = m_texts.MsgStr[static_cast<std::size_t>(code)];
@@ -39,7 +39,8 @@ void Form1::showError(const QString& text) { m_dialogs->message(0, MessageKind::
 void Form1::showInformation(const QString& text)
 {
     const auto style = image::messageStyle(10);
-    m_dialogs->message(0, MessageKind::Information, m_texts.MsgTitle[static_cast<std::size_t>(style ? style->titleNumber : 2)], text);
+    m_dialogs->message(0, MessageKind::Information,
+                       m_texts.MsgTitle[static_cast<std::size_t>(style ? style->titleNumber : 2)], text);
 }
 
 bool Form1::Saveaxf(bool showDone)

@@ -73,7 +73,8 @@ void RecentFilesMenu::rebuild()
     for (const std::string& path : m_files.paths()) {
         const QString name = QString::fromStdString(path);
         // "&1 " gives the first eight a key each; a "&" in the path is shown as itself.
-        QAction* item = m_menu->addAction(QStringLiteral("&%1 %2").arg(number++).arg(QDir::toNativeSeparators(name).replace("&", "&&")));
+        QAction* item = m_menu->addAction(
+            QStringLiteral("&%1 %2").arg(number++).arg(QDir::toNativeSeparators(name).replace("&", "&&")));
         item->setObjectName("recentfile");
         item->setData(name);
         item->setEnabled(present(path));

@@ -15,7 +15,10 @@ class Form1;
 class StagedDialogs : public Dialogs {
 public:
     QStringList files;
-    QString openFile(const QString&, const QString&, int) override { return files.isEmpty() ? QString() : files.takeFirst(); }
+    QString openFile(const QString&, const QString&, int) override
+    {
+        return files.isEmpty() ? QString() : files.takeFirst();
+    }
     QString saveFile(const QString&, const QString&, int) override { return QString(); }
     QString chooseFolder(const QString&) override { return QString(); }
     void message(int, MessageKind, const QString&, const QString&) override {}

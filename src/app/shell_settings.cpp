@@ -23,9 +23,9 @@ void write(const ProfileFile& settings, const char* section, const char* key, co
 void loadFolders(ShellSettings& folders, const ProfileFile& settings, const QString& programFolder)
 {
     const std::pair<const char*, QString*> keys[]{
-        {"mmf File Path", &folders.mmfFilePath},       {"Mobile File Path", &folders.MobileFilePath},
-        {"Ring Save Path", &folders.RingSavePath},     {"Picture Save Path", &folders.PictureSavePath},
-        {"S3 Save Path", &folders.S3SavePath},         {"Table Save Path", &folders.TableSavePath},
+        {"mmf File Path", &folders.mmfFilePath},   {"Mobile File Path", &folders.MobileFilePath},
+        {"Ring Save Path", &folders.RingSavePath}, {"Picture Save Path", &folders.PictureSavePath},
+        {"S3 Save Path", &folders.S3SavePath},     {"Table Save Path", &folders.TableSavePath},
     };
     for (auto [key, slot] : keys) {
         *slot = read(settings, "File Path", key);

@@ -63,9 +63,9 @@ bool SingleInstance::claim(const QString& file)
 
 bool SingleInstance::handOver(const QString& file, int attempts)
 {
-    const QByteArray request = file.isEmpty()
-                                   ? QByteArray("raise\n")
-                                   : "open " + QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath()).toEncoded() + "\n";
+    const QByteArray request =
+        file.isEmpty() ? QByteArray("raise\n")
+                       : "open " + QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath()).toEncoded() + "\n";
     for (int attempt = 0; attempt < attempts; ++attempt) {
         if (attempt > 0) QThread::msleep(100);
         QLocalSocket socket;
@@ -75,8 +75,7 @@ bool SingleInstance::handOver(const QString& file, int attempts)
         if (!socket.waitForBytesWritten(kWaitMs)) continue;
         // The window answers once the file is open; a window stuck in a dialog has it
         // anyway, so this start ends either way.
-        while (!socket.canReadLine() && socket.waitForReadyRead(kWaitMs)) {
-        }
+        while (!socket.canReadLine() && socket.waitForReadyRead(kWaitMs)) {}
         return true;
     }
     return false;

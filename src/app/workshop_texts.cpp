@@ -38,8 +38,8 @@ QString WorkshopTexts::text(std::string_view key) const
         const std::string_view text;
         bool utf8;
     };
-    for (const Source& source : {Source{m_language, m_languageUtf8}, Source{m_english, m_englishUtf8},
-                                 Source{kBuiltInEnglish, true}}) {
+    for (const Source& source :
+         {Source{m_language, m_languageUtf8}, Source{m_english, m_englishUtf8}, Source{kBuiltInEnglish, true}}) {
         const auto value = readProfileValue(source.text, kWorkshopSection, key);
         if (value && !value->empty()) return decodeLanguageValue(*value, source.utf8, m_codePage);
     }

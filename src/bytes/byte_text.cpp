@@ -79,7 +79,8 @@ char16_t handsetCharacter(std::uint8_t high, std::uint8_t low)
     return unit;
 }
 
-std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view typed, PatternKind kind, std::string_view codePage)
+std::optional<std::vector<std::uint8_t>> patternBytes(std::string_view typed, PatternKind kind,
+                                                      std::string_view codePage)
 {
     std::string hex;
     if (kind == PatternKind::Hex) {

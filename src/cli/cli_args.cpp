@@ -58,7 +58,8 @@ void Arguments::expectPositional(std::size_t count, const std::string& usage) co
 
 long numberArgument(const std::string& text, const std::string& what)
 {
-    if (text.empty() || text.size() > 9 || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+    if (text.empty() || text.size() > 9 ||
+        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
         throw UsageError(what + " \"" + text + "\" is not a number");
     return std::stol(text);
 }

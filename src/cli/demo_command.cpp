@@ -47,8 +47,7 @@ std::vector<Command> demoCommands()
         {"make-demo", "DIR",
          "writes demo.bin, demo.asf (the same made-up firmware), demo-pictures.txt and tones/*.mmf into DIR, "
          "and lists what lies where",
-         "",
-         runMakeDemo},
+         "", runMakeDemo},
     };
 }
 

@@ -70,9 +70,9 @@ Bytes melody(std::string_view title, std::size_t length)
     std::size_t step = random.below(std::size(kScale));
     while (sequence.size() + 8 <= length) {
         step = std::clamp<std::size_t>(step + random.below(5), 2, std::size(kScale) + 1) - 2;
-        sequence.insert(sequence.end(), {kWaits[random.below(std::size(kWaits))],
-                                         static_cast<std::uint8_t>(0x90 | random.below(2)), kScale[step],
-                                         static_cast<std::uint8_t>(kWaits[random.below(std::size(kWaits))] - 4)});
+        sequence.insert(sequence.end(),
+                        {kWaits[random.below(std::size(kWaits))], static_cast<std::uint8_t>(0x90 | random.below(2)),
+                         kScale[step], static_cast<std::uint8_t>(kWaits[random.below(std::size(kWaits))] - 4)});
     }
     sequence.resize(length, 0x00);
     return sequence;
@@ -159,7 +159,7 @@ void putVersion(Planter& planter)
 // Menu texts as the handset keeps them: each after a zero byte and ended by one.
 void putStrings(Planter& planter)
 {
-    const std::string_view singleByte[] = {"Welcome", "Call ended", "Messages", "Settings",
+    const std::string_view singleByte[] = {"Welcome",  "Call ended", "Messages", "Settings",
                                            "欢迎使用", "短信息",     "通话结束"};
     std::size_t at = kStringsAt;
     planter.write(at++, Bytes{0x00});
@@ -217,14 +217,14 @@ void putTones(Planter& planter, Random& random)
         std::string_view title;
         std::size_t size;
     };
-    const Planned tones[] = {{"Door Chime", 320},   {"Low Battery", 1100}, {"Morning Bell", 2900},
-                             {"Polka Dots", 6000},  {"Night Train", 11000}, {"Zevran Theme", 20000}};
+    const Planned tones[] = {{"Door Chime", 320},  {"Low Battery", 1100},  {"Morning Bell", 2900},
+                             {"Polka Dots", 6000}, {"Night Train", 11000}, {"Zevran Theme", 20000}};
     const Bytes inner = smafTone("Music Box", 700);
     std::size_t at = kTonesAt;
     for (const Planned& tone : tones) {
         const bool nesting = tone.title == "Polka Dots";
-        const Bytes bytes = smafTone(tone.title, tone.size, nesting ? std::span<const std::uint8_t>(inner)
-                                                                    : std::span<const std::uint8_t>());
+        const Bytes bytes = smafTone(tone.title, tone.size,
+                                     nesting ? std::span<const std::uint8_t>(inner) : std::span<const std::uint8_t>());
         planter.put(at, bytes, "tone \"" + std::string(tone.title) + "\"" + (nesting ? " holding \"Music Box\"" : ""));
         if (nesting) {
             const auto within = std::search(bytes.begin(), bytes.end(), inner.begin(), inner.end()) - bytes.begin();

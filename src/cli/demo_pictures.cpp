@@ -24,10 +24,7 @@ unsigned level(double value, unsigned top)
     return static_cast<unsigned>(std::lround(std::clamp(value, 0.0, 1.0) * top));
 }
 
-Rgb mix(Rgb a, Rgb b, double t)
-{
-    return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t};
-}
+Rgb mix(Rgb a, Rgb b, double t) { return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t}; }
 
 Rgb hue(double h)
 {
@@ -49,9 +46,9 @@ Bytes storePixels(int width, int height, int depth, const Painter& paint)
             const Rgb c = paint(x, y);
             switch (depth) {
             case 24:  // blue, green, red
-                out.insert(out.end(), {static_cast<std::uint8_t>(level(c.b, 255)),
-                                       static_cast<std::uint8_t>(level(c.g, 255)),
-                                       static_cast<std::uint8_t>(level(c.r, 255))});
+                out.insert(out.end(),
+                           {static_cast<std::uint8_t>(level(c.b, 255)), static_cast<std::uint8_t>(level(c.g, 255)),
+                            static_cast<std::uint8_t>(level(c.r, 255))});
                 break;
             case 16: {  // 5-6-5 with red on top, low byte first
                 const unsigned v = level(c.r, 31) << 11 | level(c.g, 63) << 5 | level(c.b, 31);
@@ -97,7 +94,8 @@ Bytes storeMono(const std::function<bool(int x, int y)>& lit)
         for (int x = 0; x < 64; ++x)
             if (lit(x, y)) {
                 const int row = 63 - x;
-                memory[static_cast<std::size_t>(row / 8) * 96 + static_cast<std::size_t>(y)] |= static_cast<std::uint8_t>(1u << (row % 8));
+                memory[static_cast<std::size_t>(row / 8) * 96 + static_cast<std::size_t>(y)] |=
+                    static_cast<std::uint8_t>(1u << (row % 8));
             }
     return memory;
 }

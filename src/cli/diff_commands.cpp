@@ -22,7 +22,8 @@ int runDiff(const std::vector<std::string>& words, const Context&)
 {
     Arguments args(words, {"--gap", "-o"}, {});
     args.expectPositional(2, kUsage);
-    const std::size_t gap = args.has("--gap") ? static_cast<std::size_t>(numberArgument(*args.value("--gap"), "--gap")) : 0;
+    const std::size_t gap =
+        args.has("--gap") ? static_cast<std::size_t>(numberArgument(*args.value("--gap"), "--gap")) : 0;
     const std::string& olderPath = args.positional()[0];
     const std::string& newerPath = args.positional()[1];
     const auto output = args.value("-o");
@@ -34,8 +35,8 @@ int runDiff(const std::vector<std::string>& words, const Context&)
     try {
         ranges = compareImageFiles(olderPath, newerPath, gap);
     } catch (const ShorterImage& error) {
-        throw std::runtime_error(newerPath + ": holds " + std::to_string(error.newerLength()) + " bytes, fewer than the " +
-                                 std::to_string(error.olderLength()) + " of " + olderPath +
+        throw std::runtime_error(newerPath + ": holds " + std::to_string(error.newerLength()) +
+                                 " bytes, fewer than the " + std::to_string(error.olderLength()) + " of " + olderPath +
                                  "; a patch cannot shorten an image");
     }
     std::string lines;
@@ -46,8 +47,8 @@ int runDiff(const std::vector<std::string>& words, const Context&)
             writeOutputFile(*output, [&](const std::string& path) { writeDiffPatchFromFile(path, newerPath, ranges); });
             return 0;
         }
-        std::cerr << "zevran-cli: " << olderPath << " and " << newerPath << " are equal; no patch written to " << *output
-                  << "\n";
+        std::cerr << "zevran-cli: " << olderPath << " and " << newerPath << " are equal; no patch written to "
+                  << *output << "\n";
     }
     return 0;
 }

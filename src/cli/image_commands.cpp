@@ -100,8 +100,8 @@ int runS3ToBin(const std::vector<std::string>& words, const Context&)
         skipped = converter->skippedLines();
     });
     if (skipped)
-        std::cerr << "zevran-cli: " << input << ": skipped " << skipped << (skipped == 1 ? " line that does" : " lines that do")
-                  << " not start with \"S\"\n";
+        std::cerr << "zevran-cli: " << input << ": skipped " << skipped
+                  << (skipped == 1 ? " line that does" : " lines that do") << " not start with \"S\"\n";
     return 0;
 }
 
@@ -203,8 +203,7 @@ std::vector<Command> imageCommands()
          "  -o OUT          the S-record file\n",
          runFillS3},
         {"apply-patch", "IMAGE PATCH -o OUT", "a copy of IMAGE with the S-record PATCH laid over it",
-         "  -o OUT          the patched copy; records past IMAGE's end grow it (a gap reads FF)\n",
-         runApplyPatch},
+         "  -o OUT          the patched copy; records past IMAGE's end grow it (a gap reads FF)\n", runApplyPatch},
     };
 }
 

@@ -47,7 +47,8 @@ void printHelp(std::ostream& out)
 // COMMAND --help (or -h) anywhere among a command's words asks for its own help.
 bool asksForHelp(const std::vector<std::string>& words)
 {
-    return std::any_of(words.begin() + 1, words.end(), [](const std::string& word) { return word == "--help" || word == "-h"; });
+    return std::any_of(words.begin() + 1, words.end(),
+                       [](const std::string& word) { return word == "--help" || word == "-h"; });
 }
 
 void printCommandHelp(std::ostream& out, const Command& command)
@@ -61,8 +62,8 @@ void printCommandHelp(std::ostream& out, const Command& command)
 // written nothing, and the message says so.
 bool failureWroteNothing(const std::string& command)
 {
-    static const std::set<std::string> oneOutput = {"s3-to-bin", "bin-to-s3", "fill-s3",       "apply-patch",
-                                                    "patch-strings", "picture", "picture-patch", "render",
+    static const std::set<std::string> oneOutput = {"s3-to-bin",      "bin-to-s3", "fill-s3",       "apply-patch",
+                                                    "patch-strings",  "picture",   "picture-patch", "render",
                                                     "import-picture", "diff"};
     return oneOutput.count(command) > 0;
 }
@@ -77,7 +78,8 @@ std::string failureText(const std::string& command, const std::string& what)
 zevran::cli::Context contextFor(const std::string& homeOption, const char* argv0)
 {
     const auto folders = zevran::app::findProgramFolders(
-        zevran::app::environmentOfThisProcess(homeOption, ZEVRAN_RELATIVE_DATA_DIR, argv0), [](const std::string& path) {
+        zevran::app::environmentOfThisProcess(homeOption, ZEVRAN_RELATIVE_DATA_DIR, argv0),
+        [](const std::string& path) {
             std::error_code error;
             return std::filesystem::is_directory(path, error);
         });

@@ -72,8 +72,7 @@ ReaderRun runReader(const std::string& reader, const std::string& picture, const
     if (spawned == 0) {
         run.out = readAll(out[0]);
         run.err = readAll(err[0]);
-        while (::waitpid(pid, &run.status, 0) < 0 && errno == EINTR) {
-        }
+        while (::waitpid(pid, &run.status, 0) < 0 && errno == EINTR) {}
     }
     ::close(out[0]), ::close(err[0]);
     if (spawned != 0) throw PictureFileError(reader + ": cannot be run (" + std::strerror(spawned) + ")");
@@ -100,7 +99,8 @@ pictures::PictureGrid readPictureThroughReader(const std::string& path, const pi
 {
     const std::string reader = pictureReaderPath();
     if (reader.empty())
-        throw PictureFileError(std::string(kReaderName) + ", which reads pictures for zevran-cli, is neither beside it nor in " +
+        throw PictureFileError(std::string(kReaderName) +
+                               ", which reads pictures for zevran-cli, is neither beside it nor in " +
                                ZEVRAN_RELATIVE_READER_DIR + " from its folder");
     const ReaderRun run = runReader(reader, path, hexOf(colours));
     if (!WIFEXITED(run.status) || WEXITSTATUS(run.status) != 0) {

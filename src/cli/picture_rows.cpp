@@ -37,8 +37,9 @@ std::int64_t frameNumberArgument(const Arguments& args)
 std::int64_t frameIndexOfRow(std::int64_t number, const pictures::PictureEntry& row, std::int64_t frames)
 {
     if (number > frames)
-        throw std::runtime_error(placeOf(row) + " has " + std::to_string(frames) + (frames == 1 ? " frame" : " frames") +
-                                 "; there is no frame " + std::to_string(number));
+        throw std::runtime_error(placeOf(row) + " has " + std::to_string(frames) +
+                                 (frames == 1 ? " frame" : " frames") + "; there is no frame " +
+                                 std::to_string(number));
     return number - 1;
 }
 

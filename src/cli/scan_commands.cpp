@@ -59,10 +59,11 @@ void printJson(const std::vector<PictureCandidate>& candidates, bool withKnown)
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         const PictureCandidate& c = candidates[i];
         char object[160];
-        std::snprintf(object, sizeof object, "{\"address\": %lld, \"depth\": %d, \"width\": %d, \"height\": %d, \"score\": %.3f",
+        std::snprintf(object, sizeof object,
+                      "{\"address\": %lld, \"depth\": %d, \"width\": %d, \"height\": %d, \"score\": %.3f",
                       static_cast<long long>(c.address), c.depth, c.width, c.height, c.score);
-        std::cout << (i ? ",\n " : "") << object << (withKnown ? (c.known ? ", \"known\": true" : ", \"known\": false") : "")
-                  << "}";
+        std::cout << (i ? ",\n " : "") << object
+                  << (withKnown ? (c.known ? ", \"known\": true" : ", \"known\": false") : "") << "}";
     }
     std::cout << "]\n";
 }
@@ -74,7 +75,8 @@ int runFindPictures(const std::vector<std::string>& words, const Context& contex
     ScanRequest request;
     if (args.has("--depth")) {
         request.depths.clear();
-        for (const std::string& depth : args.values("--depth")) request.depths.push_back(static_cast<int>(numberArgument(depth, "--depth")));
+        for (const std::string& depth : args.values("--depth"))
+            request.depths.push_back(static_cast<int>(numberArgument(depth, "--depth")));
     }
     if (args.has("--from")) request.first = rangeArgument(*args.value("--from"), "--from");
     if (args.has("--to")) request.last = rangeArgument(*args.value("--to"), "--to");
@@ -83,7 +85,8 @@ int runFindPictures(const std::vector<std::string>& words, const Context& contex
     const image::PhoneDocument document = openPhoneFile(file);
     const image::ImageState& state = document.state();
     ScanResult result = scanPictures(state.FirmwareImage, request);
-    if (result.failure) throw std::runtime_error(file + ": " + failureText(*result.failure, state.FirmwareImage.size()));
+    if (result.failure)
+        throw std::runtime_error(file + ": " + failureText(*result.failure, state.FirmwareImage.size()));
     const bool withKnown = args.has("--table");
     if (withKnown) markKnownCandidates(result.candidates, openPictureTable(*args.value("--table"), false));
     if (args.has("--json")) printJson(result.candidates, withKnown);

@@ -60,7 +60,8 @@ StringEditRow planRow(std::string_view line, std::size_t lineNumber, std::size_t
     if (last < first) throw std::runtime_error(where + "the end " + end + " lies before the start " + start);
     const std::int64_t bytes = last - first + 1;
     // The length as the search shows it: bytes, or characters in handset codes.
-    const std::string length = handsetCodes ? std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "") : std::to_string(bytes);
+    const std::string length =
+        handsetCodes ? std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "") : std::to_string(bytes);
     // Padded in bytes as the edit list pads it, so a GBK text shorter than its range fills it too.
     std::optional<StringEditRow> row;
     try {
@@ -77,7 +78,8 @@ int runPatchStrings(const std::vector<std::string>& words, const Context& contex
 {
     Arguments args(words, {"-o"}, {"--in-place", "--handset-codes"});
     args.expectPositional(2, "patch-strings FILE PLAN (-o OUT.s3 | --in-place) [--handset-codes]");
-    if (args.has("-o") == args.has("--in-place")) throw UsageError("patch-strings needs either -o OUT.s3 or --in-place");
+    if (args.has("-o") == args.has("--in-place"))
+        throw UsageError("patch-strings needs either -o OUT.s3 or --in-place");
     const std::string& phonePath = args.positional()[0];
     const std::string& planPath = args.positional()[1];
     image::PhoneDocument document = openPhoneFile(phonePath);

@@ -44,7 +44,8 @@ std::string toneDetails(const ImageState& state, const ToneSlot& row)
     }
     std::string title = check.title;
     // One tone, one line: a control byte in a damaged title must not break it.
-    std::replace_if(title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+    std::replace_if(
+        title.begin(), title.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
     return " crc=" + std::string(crcStateName(check.crc)) + " title=" + title;
 }
 
@@ -107,8 +108,7 @@ std::vector<Command> toneCommands()
     return {
         {"tones", "FILE [--details]",
          "every SMAF ring tone in the phone file: number, start, end, size (and its CRC and title)",
-         "  --details       adds each tone's CRC state and title\n",
-         runTones},
+         "  --details       adds each tone's CRC state and title\n", runTones},
         {"export-tones", "FILE --to PATH [--rows 001,004,...]",
          "writes tones as PATH less its last four characters + \"-NNN.mmf\" (all rows without --rows)",
          "  --to PATH       the picked file name: PATH less its last four characters + -NNN.mmf\n"

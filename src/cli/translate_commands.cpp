@@ -32,7 +32,8 @@ CodesWanted codesArgument(const Arguments& args)
 int runExportStrings(const std::vector<std::string>& words, const Context& context)
 {
     Arguments args(words, {"-o", "--codes", "--min-bytes"}, {});
-    const std::string usage = "export-strings FILE -o OUT.po|OUT.xlf|OUT.csv [--codes single|handset|both] [--min-bytes N]";
+    const std::string usage =
+        "export-strings FILE -o OUT.po|OUT.xlf|OUT.csv [--codes single|handset|both] [--min-bytes N]";
     args.expectPositional(1, usage);
     if (!args.has("-o")) throw UsageError("export-strings needs -o OUT (" + usage + ")");
     const std::string& phonePath = args.positional()[0];
@@ -84,7 +85,8 @@ int runImportStrings(const std::vector<std::string>& words, const Context& conte
 {
     Arguments args(words, {"-o", "--report"}, {"--in-place", "--partial"});
     args.expectPositional(2, "import-strings FILE TRANSLATION (-o OUT.s3 | --in-place) [--partial] [--report R.csv]");
-    if (args.has("-o") == args.has("--in-place")) throw UsageError("import-strings needs either -o OUT.s3 or --in-place");
+    if (args.has("-o") == args.has("--in-place"))
+        throw UsageError("import-strings needs either -o OUT.s3 or --in-place");
     const std::string& phonePath = args.positional()[0];
     const std::string& translationPath = args.positional()[1];
     if (!formatOfPath(translationPath))

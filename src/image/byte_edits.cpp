@@ -37,7 +37,8 @@ void OriginalBytes::remember(std::span<const std::uint8_t> image, std::int64_t f
     std::vector<std::uint8_t> joined(image.begin() + static_cast<std::ptrdiff_t>(begin),
                                      image.begin() + static_cast<std::ptrdiff_t>(end));
     for (auto run = from; run != to; ++run)
-        std::copy(run->second.begin(), run->second.end(), joined.begin() + static_cast<std::ptrdiff_t>(run->first - begin));
+        std::copy(run->second.begin(), run->second.end(),
+                  joined.begin() + static_cast<std::ptrdiff_t>(run->first - begin));
     m_kept.erase(from, to);
     m_kept.emplace(begin, std::move(joined));
 }
@@ -81,7 +82,8 @@ std::vector<Region> OriginalBytes::changedRegions(std::span<const std::uint8_t> 
         Region region;
         region.first = static_cast<std::int32_t>(begin);
         region.last = static_cast<std::int32_t>(end - 1);
-        region.bytes.assign(image.begin() + static_cast<std::ptrdiff_t>(begin), image.begin() + static_cast<std::ptrdiff_t>(end));
+        region.bytes.assign(image.begin() + static_cast<std::ptrdiff_t>(begin),
+                            image.begin() + static_cast<std::ptrdiff_t>(end));
         regions.push_back(std::move(region));
     }
     return regions;

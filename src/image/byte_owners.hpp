@@ -43,8 +43,8 @@ private:
     template <typename Visit>
     void visitOwners(std::int64_t address, Visit visit) const;
 
-    std::vector<ByteOwner> m_ranges;     // by start address
-    std::vector<std::int64_t> m_reach;   // the furthest end among ranges 0..k
+    std::vector<ByteOwner> m_ranges;    // by start address
+    std::vector<std::int64_t> m_reach;  // the furthest end among ranges 0..k
 };
 
 }  // namespace zevran::image

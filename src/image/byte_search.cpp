@@ -42,8 +42,7 @@ std::size_t findWideNeedle(const std::uint8_t* hay, std::size_t hayLength, const
 
 }  // namespace
 
-std::size_t findBytes(std::span<const std::uint8_t> haystack, std::span<const std::uint8_t> needle,
-                      std::size_t from)
+std::size_t findBytes(std::span<const std::uint8_t> haystack, std::span<const std::uint8_t> needle, std::size_t from)
 {
     if (needle.empty() || from >= haystack.size() || haystack.size() - from < needle.size()) return kNotFound;
     const std::uint8_t* start = haystack.data() + from;

@@ -39,9 +39,7 @@ const std::vector<std::uint8_t>& fillBlock(std::uint8_t fill)
 }  // namespace
 
 SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOptions options)
-    : m_in(&in),
-      m_out(out),
-      m_options(options),
+    : m_in(&in), m_out(out), m_options(options),
       m_inBuffer(std::make_unique_for_overwrite<char[]>(std::max<std::size_t>(options.readBlock, 1))),
       m_outCapacity(firstOutCapacity(options.readBlock)),
       m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
@@ -49,18 +47,13 @@ SRecordToBinary::SRecordToBinary(std::istream& in, std::ostream& out, S3ToBinOpt
 }
 
 SRecordToBinary::SRecordToBinary(MappedFile& in, std::ostream& out, S3ToBinOptions options)
-    : m_mapped(&in),
-      m_out(out),
-      m_options(options),
-      m_outCapacity(firstOutCapacity(in.size())),
+    : m_mapped(&in), m_out(out), m_options(options), m_outCapacity(firstOutCapacity(in.size())),
       m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
 
 SRecordToBinary::SRecordToBinary(std::ostream& out, S3ToBinOptions options)
-    : m_out(out),
-      m_options(options),
-      m_outCapacity(kOutCapacity),
+    : m_out(out), m_options(options), m_outCapacity(kOutCapacity),
       m_outBuffer(std::make_unique_for_overwrite<std::uint8_t[]>(m_outCapacity))
 {
 }
@@ -244,12 +237,10 @@ bool SRecordToBinary::convertSomeMapped(std::size_t workBytes)
 
 void SRecordToBinary::convertAll()
 {
-    while (convertSome(std::size_t{64} << 20)) {
-    }
+    while (convertSome(std::size_t{64} << 20)) {}
 }
 
-void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t start, std::uint32_t end,
-                     std::uint8_t fill)
+void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t start, std::uint32_t end, std::uint8_t fill)
 {
     out.write(S0Line.data(), static_cast<std::streamsize>(S0Line.size()));
     std::uint64_t remaining = std::uint64_t{end} - start + 1;
@@ -274,7 +265,8 @@ void binaryToSRecord(std::istream* binary, std::ostream& out, std::uint32_t star
                 fileLeft = false;
             }
         }
-        std::fill(block.begin() + static_cast<std::ptrdiff_t>(got), block.begin() + static_cast<std::ptrdiff_t>(piece), fill);
+        std::fill(block.begin() + static_cast<std::ptrdiff_t>(got), block.begin() + static_cast<std::ptrdiff_t>(piece),
+                  fill);
         text.clear();
         appendSRecordLines(text, std::span<const std::uint8_t>(block.data(), piece), address);
         out.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -16,87 +16,87 @@ namespace zevran::image {
 enum class Reason {
     Text,  // a sentence from outside the workshop's own reasons: %1
     // files
-    SystemError,      // path, errno number: the system's own words
-    IsFolder,         // path
-    IsDevice,         // path
-    IsDeviceOrPipe,   // path
-    IsOpenPhoneFile,  // path
-    DiskFull,         // path
-    OverwritesInput,  // output, input
-    PatchNotWritten,  // path
+    SystemError,        // path, errno number: the system's own words
+    IsFolder,           // path
+    IsDevice,           // path
+    IsDeviceOrPipe,     // path
+    IsOpenPhoneFile,    // path
+    DiskFull,           // path
+    OverwritesInput,    // output, input
+    PatchNotWritten,    // path
     PictureNotWritten,  // path
-    NothingWrittenTo,  // output; the cause
-    EmptyFile,        // path
-    TooLargeToHold,   // path
-    NotAsfFile,       // path
+    NothingWrittenTo,   // output; the cause
+    EmptyFile,          // path
+    TooLargeToHold,     // path
+    NotAsfFile,         // path
     SizeOnDiskDiffers,  // path, bytes on disk, bytes in memory
     PatchUnreadable,
-    VersionPastEnd,   // marker, address
+    VersionPastEnd,  // marker, address
     // rows and lines around a failure
-    OnRow,            // row number; the cause
-    OnLine,           // line number; the cause
+    OnRow,   // row number; the cause
+    OnLine,  // line number; the cause
     // picture tables and pictures
-    TableTooFewFields,  // line, fields found
-    TableNoStar,      // line, dimensions
-    WidthTooLarge,    // the cell
-    HeightTooLarge,   // the cell
-    FrameSizeTooLarge,  // the cell
-    FrameCountTooLarge,  // the cell
-    DepthTooLarge,    // the cell
+    TableTooFewFields,     // line, fields found
+    TableNoStar,           // line, dimensions
+    WidthTooLarge,         // the cell
+    HeightTooLarge,        // the cell
+    FrameSizeTooLarge,     // the cell
+    FrameCountTooLarge,    // the cell
+    DepthTooLarge,         // the cell
     ComputedSizeTooLarge,  // the dimensions
-    FramesAbove32767,   // row, frame count
-    PictureEndPast32Bit,  // row
+    FramesAbove32767,      // row, frame count
+    PictureEndPast32Bit,   // row
     NegativeFramesOrSize,  // row
-    FramesPastImage,  // row, first, last, image bytes
-    PictureTooLarge,  // width, height
+    FramesPastImage,       // row, first, last, image bytes
+    PictureTooLarge,       // width, height
     NegativeDimensions,
     FrameNumberOutOfRange,  // frame number
-    FramePast32Bit,   // frame, address
+    FramePast32Bit,         // frame, address
     MonoHasNoWidth,
-    NotAPictureDepth,  // depth
-    WidthRangeWrong,  // least, most, widest
-    NoWidthFits,      // least, most
+    NotAPictureDepth,      // depth
+    WidthRangeWrong,       // least, most, widest
+    NoWidthFits,           // least, most
     AddressOutside32Bits,  // address
-    NameWithSpace,    // name
+    NameWithSpace,         // name
     NoFrames,
     PictureUnreadable,  // path, the reader's words
     // tones
     ToneCellNotOffset,  // row, "start" or "end", cell
-    ToneEndPastImage,  // row, end, image bytes
-    SlotOutsideImage,  // row, start, size, image bytes
+    ToneEndPastImage,   // row, end, image bytes
+    SlotOutsideImage,   // row, start, size, image bytes
     FileNotReadToEnd,
     // strings
-    TextTooLongSingle,  // text, bytes used, bytes there, address
-    TextTooLongHandset,  // text, bytes used, bytes there, address
-    OddCountForHandset,  // address, bytes
-    EditRowAt,        // row, start, end; the cause
-    TextLengthDiffersSingle,  // text, bytes used, bytes there
+    TextTooLongSingle,         // text, bytes used, bytes there, address
+    TextTooLongHandset,        // text, bytes used, bytes there, address
+    OddCountForHandset,        // address, bytes
+    EditRowAt,                 // row, start, end; the cause
+    TextLengthDiffersSingle,   // text, bytes used, bytes there
     TextLengthDiffersHandset,  // text, bytes used, bytes there
-    StringPastImage,  // image bytes
-    CodePageUnknown,  // code page
-    NotInCodePage,    // character, code page
+    StringPastImage,           // image bytes
+    CodePageUnknown,           // code page
+    NotInCodePage,             // character, code page
     // S-records
-    CountBelowFive,   // count field, the line shown
-    NotAnSRecord,     // the line shown
+    CountBelowFive,  // count field, the line shown
+    NotAnSRecord,    // the line shown
     S4NotMotorola,
-    CountNotHex,      // count field
+    CountNotHex,          // count field
     CountLengthMismatch,  // count field, characters asked for, characters there
-    CountTooSmall,    // count field, record type
-    DigitNotHex,      // the two digits, character position
-    ChecksumMismatch,  // checksum, the sum expected
-    RecordGrowsTooFar,  // address, bytes
-    RecordPastImageEnd,  // address, bytes, image bytes
+    CountTooSmall,        // count field, record type
+    DigitNotHex,          // the two digits, character position
+    ChecksumMismatch,     // checksum, the sum expected
+    RecordGrowsTooFar,    // address, bytes
+    RecordPastImageEnd,   // address, bytes, image bytes
     RecordBelowExpected,  // address, address expected
     // conversions
-    OnFile,           // path; the cause
+    OnFile,  // path; the cause
     BinaryOutputNotWritten,
     SRecordOutputNotWritten,
     SRecordInputNotRead,
     BinaryInputNotRead,
-    NothingToConvert,  // path
+    NothingToConvert,    // path
     PastHighestAddress,  // path
-    NotRegularFile,   // path
-    HexTooLarge,      // hex text
+    NotRegularFile,      // path
+    HexTooLarge,         // hex text
 };
 
 struct Failure {
@@ -133,7 +133,10 @@ template <class Base>
 class TypedError : public Base, public FailureCarrier {
 public:
     explicit TypedError(Failure failure) : Base(englishText(failure)), FailureCarrier(std::move(failure)) {}
-    TypedError(Reason reason, std::vector<std::string> values = {}) : TypedError(Failure{reason, std::move(values), nullptr}) {}
+    TypedError(Reason reason, std::vector<std::string> values = {})
+        : TypedError(Failure{reason, std::move(values), nullptr})
+    {
+    }
     // `reason` about `cause`: "row 003: " before the row's own failure.
     TypedError(Reason reason, std::vector<std::string> values, const Failure& cause)
         : TypedError(Failure{reason, std::move(values), std::make_shared<const Failure>(cause)})

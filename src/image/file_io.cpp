@@ -120,8 +120,7 @@ void closeOutputFile(std::ofstream& out, const std::string& path)
 void refuseSameFile(const std::string& input, const std::string& output)
 {
     std::error_code error;
-    if (std::filesystem::equivalent(input, output, error))
-        throw FileError(Reason::OverwritesInput, {output, input});
+    if (std::filesystem::equivalent(input, output, error)) throw FileError(Reason::OverwritesInput, {output, input});
 }
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path)

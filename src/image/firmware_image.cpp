@@ -43,9 +43,10 @@ bool FindHexInImage(ImageState& state, std::string_view hexText)
     state.SearchStart = state.LastMatch + 1;
     std::size_t hit = kNotFound;
     if (valid && state.SearchStart >= 0) {
-        std::span<const std::uint8_t> image(state.FirmwareImage.data(),
-                                            std::min<std::size_t>(state.FirmwareImage.size(),
-                                                                  static_cast<std::size_t>(std::max(state.FirmwareLength, 0))));
+        std::span<const std::uint8_t> image(
+            state.FirmwareImage.data(),
+            std::min<std::size_t>(state.FirmwareImage.size(),
+                                  static_cast<std::size_t>(std::max(state.FirmwareLength, 0))));
         hit = findBytes(image, state.SearchPattern, static_cast<std::size_t>(state.SearchStart));
     }
     if (hit == kNotFound) {
@@ -65,12 +66,17 @@ bool CopyToImage(ImageState& state, std::span<const std::uint8_t> source, std::i
     if (offset < 0) return false;
     const std::size_t imageSize = state.FirmwareImage.size();
     const std::size_t begin = static_cast<std::size_t>(offset);
-    const std::size_t fits = begin >= imageSize ? 0 : std::min<std::size_t>(imageSize - begin, static_cast<std::size_t>(count));
-    std::copy_n(source.begin(), fits, state.FirmwareImage.begin() + static_cast<std::ptrdiff_t>(std::min(begin, imageSize)));
+    const std::size_t fits =
+        begin >= imageSize ? 0 : std::min<std::size_t>(imageSize - begin, static_cast<std::size_t>(count));
+    std::copy_n(source.begin(), fits,
+                state.FirmwareImage.begin() + static_cast<std::ptrdiff_t>(std::min(begin, imageSize)));
     return fits == static_cast<std::size_t>(count);
 }
 
-std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset) { return ChunkSizeAt(state.FirmwareImage, offset); }
+std::int64_t ChunkSizeAt(const ImageState& state, std::int64_t offset)
+{
+    return ChunkSizeAt(state.FirmwareImage, offset);
+}
 
 std::int64_t ChunkSizeAt(std::span<const std::uint8_t> image, std::int64_t offset)
 {

@@ -16,8 +16,7 @@ std::int32_t hexValueOrThrow(std::string_view text)
     for (char c : text) {
         int digit = hexDigitOrMinusOne(c);
         total = total * 16 + static_cast<std::uint64_t>(digit < 0 ? 0 : digit);
-        if (total > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
-            throw HexOverflow(text);
+        if (total > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) throw HexOverflow(text);
     }
     return static_cast<std::int32_t>(total);
 }
@@ -47,9 +46,7 @@ char32_t nextCodePoint(std::string_view text, std::size_t& pos)
 
 }  // namespace
 
-HexOverflow::HexOverflow(std::string_view text) : TypedError(Reason::HexTooLarge, {std::string(text)})
-{
-}
+HexOverflow::HexOverflow(std::string_view text) : TypedError(Reason::HexTooLarge, {std::string(text)}) {}
 
 std::uint8_t HexDigitValue(std::string_view digit)
 {

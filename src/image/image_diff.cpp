@@ -49,8 +49,8 @@ constexpr std::size_t kWindow = std::size_t{4} << 20;
 // Bit i set where byte i of the 16 at a and b is equal.
 unsigned equalBytes(const std::uint8_t* a, const std::uint8_t* b)
 {
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a)),
-                                                                  _mm_loadu_si128(reinterpret_cast<const __m128i*>(b)))));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(a)), _mm_loadu_si128(reinterpret_cast<const __m128i*>(b)))));
 }
 #endif
 
@@ -61,15 +61,15 @@ std::size_t findDifference(const std::uint8_t* a, const std::uint8_t* b, std::si
     // 64 bytes a step, compared 16 at a time and the four results joined, so an equal
     // stretch costs one test a step.
     for (; from + 64 <= to; from += 64) {
-        const __m128i equal =
-            _mm_and_si128(_mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from)),
-                                                       _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from))),
-                                        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 16)),
-                                                       _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 16)))),
-                          _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 32)),
-                                                       _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 32))),
-                                        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 48)),
-                                                       _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 48)))));
+        const __m128i equal = _mm_and_si128(
+            _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from)),
+                                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from))),
+                          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 16)),
+                                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 16)))),
+            _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 32)),
+                                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 32))),
+                          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + from + 48)),
+                                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + from + 48)))));
         if (_mm_movemask_epi8(equal) != 0xFFFF) break;
     }
     for (; from + 16 <= to; from += 16) {
@@ -136,7 +136,8 @@ void checkLengths(std::uint64_t olderLength, std::uint64_t newerLength)
         throw ShorterImage(static_cast<std::size_t>(olderLength), static_cast<std::size_t>(newerLength));
     constexpr auto kAddresses = std::uint64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     if (newerLength > kAddresses)
-        throw std::length_error("an image of " + std::to_string(newerLength) + " bytes has addresses beyond 0x7FFFFFFF");
+        throw std::length_error("an image of " + std::to_string(newerLength) +
+                                " bytes has addresses beyond 0x7FFFFFFF");
 }
 
 void checkRange(std::uint64_t imageSize, const DiffRange& range)
@@ -157,8 +158,7 @@ std::span<const std::uint8_t> rangeBytes(std::span<const std::uint8_t> image, co
 ShorterImage::ShorterImage(std::size_t olderLength, std::size_t newerLength)
     : std::runtime_error("the second image holds " + std::to_string(newerLength) + " bytes, fewer than the " +
                          std::to_string(olderLength) + " of the first; a patch cannot shorten an image"),
-      m_olderLength(olderLength),
-      m_newerLength(newerLength)
+      m_olderLength(olderLength), m_newerLength(newerLength)
 {
 }
 
@@ -191,7 +191,8 @@ std::vector<DiffRange> compareImageFiles(const std::string& olderPath, const std
         addRuns(ranges, olderWindow.data(), newerWindow.data(), length, static_cast<std::size_t>(offset), gap,
                 std::numeric_limits<std::size_t>::max());
     }
-    if (newer.size() > common) addRun(ranges, static_cast<std::size_t>(common), static_cast<std::size_t>(newer.size() - 1), gap);
+    if (newer.size() > common)
+        addRun(ranges, static_cast<std::size_t>(common), static_cast<std::size_t>(newer.size() - 1), gap);
     return ranges;
 }
 
@@ -219,7 +220,8 @@ bool writeDiffPatch(const std::string& path, std::span<const std::uint8_t> newer
     PatchFile file;
     for (std::size_t k = 0; k < ranges.size(); ++k) {
         const DiffRange& range = ranges[k];
-        WriteSRecordRegion(file, rangeBytes(newer, range), range.first, range.last, path, k == 0, k + 1 == ranges.size());
+        WriteSRecordRegion(file, rangeBytes(newer, range), range.first, range.last, path, k == 0,
+                           k + 1 == ranges.size());
     }
     return !ranges.empty();
 }
@@ -236,7 +238,8 @@ bool writeDiffPatchFromFile(const std::string& path, const std::string& newerPat
         const DiffRange& range = ranges[k];
         for (std::int64_t first = range.first; first <= range.last; first += kPiece) {
             const std::int64_t last = std::min<std::int64_t>(range.last, first + kPiece - 1);
-            const auto bytes = newer.window(static_cast<std::uint64_t>(first), static_cast<std::size_t>(last - first + 1));
+            const auto bytes =
+                newer.window(static_cast<std::uint64_t>(first), static_cast<std::size_t>(last - first + 1));
             WriteSRecordRegion(file, bytes, static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), path,
                                k == 0 && first == range.first, k + 1 == ranges.size() && last == range.last);
         }
@@ -255,7 +258,8 @@ std::string previewBytes(std::span<const std::uint8_t> image, const DiffRange& r
     std::string text;
     if (range.first < 0 || range.last < range.first) return text;
     const auto first = static_cast<std::size_t>(range.first);
-    const auto end = std::min<std::uint64_t>(std::uint64_t{first} + std::min<std::uint64_t>(limit, range.size()), image.size());
+    const auto end =
+        std::min<std::uint64_t>(std::uint64_t{first} + std::min<std::uint64_t>(limit, range.size()), image.size());
     for (std::size_t at = first; at < end; ++at) {
         if (!text.empty()) text += ' ';
         text += ByteToHex(image[at]);

@@ -49,7 +49,8 @@ std::vector<DiffRange> compareImages(std::span<const std::uint8_t> older, std::s
 // The same for two files, read in place through mappings a window at a time, so
 // memory stays a few MiB whatever the images' size. Also throws FileError for a file
 // that cannot be opened.
-std::vector<DiffRange> compareImageFiles(const std::string& olderPath, const std::string& newerPath, std::size_t gap = 0);
+std::vector<DiffRange> compareImageFiles(const std::string& olderPath, const std::string& newerPath,
+                                         std::size_t gap = 0);
 
 // The same, given up as soon as there are more than `maxRanges` regions (nullopt), so
 // that two images differing in every other byte cost neither the time nor the memory
@@ -69,7 +70,8 @@ bool writeDiffPatch(const std::string& path, std::span<const std::uint8_t> newer
 
 // The same patch with the bytes read from the file `newerPath`, a piece at a time,
 // so a range of any size costs a MiB of memory.
-bool writeDiffPatchFromFile(const std::string& path, const std::string& newerPath, const std::vector<DiffRange>& ranges);
+bool writeDiffPatchFromFile(const std::string& path, const std::string& newerPath,
+                            const std::vector<DiffRange>& ranges);
 
 // "0x00001234 0x0000123F 12": first and last address, then the size in decimal.
 std::string describeRange(const DiffRange& range);

@@ -25,8 +25,8 @@ bool patchImage(ImageState& state, const std::vector<Region>& regions)
 {
     bool allInside = true;
     for (const Region& region : regions)
-        allInside = CopyToImage(state, region.bytes, region.first, static_cast<std::int32_t>(region.bytes.size())) &&
-                    allInside;
+        allInside =
+            CopyToImage(state, region.bytes, region.first, static_cast<std::int32_t>(region.bytes.size())) && allInside;
     return allInside;
 }
 
@@ -35,8 +35,7 @@ void Saveaxf(const ImageState& state)
     // The image always has the length of the file it was read from. A file of another
     // length is not that file (an empty file opened since, say): it is left alone.
     // A "bin" phone file is never written: its changes leave as S-record patches.
-    if (classifyPhoneFile(state.FirmwarePath) != "asf")
-        throw FileError(Reason::NotAsfFile, {state.FirmwarePath});
+    if (classifyPhoneFile(state.FirmwarePath) != "asf") throw FileError(Reason::NotAsfFile, {state.FirmwarePath});
     std::error_code error;
     const std::uintmax_t onDisk = std::filesystem::file_size(state.FirmwarePath, error);
     if (!error && onDisk != state.FirmwareImage.size())
@@ -61,8 +60,9 @@ void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch, Pa
             image.resize(static_cast<std::size_t>(end), 0xFF);
         }
         if (end > image.size())
-            throw SRecordError(lineNumber, Reason::RecordPastImageEnd,
-                               {HexPad(record.address, 8), std::to_string(record.bytes.size()), std::to_string(image.size())});
+            throw SRecordError(
+                lineNumber, Reason::RecordPastImageEnd,
+                {HexPad(record.address, 8), std::to_string(record.bytes.size()), std::to_string(image.size())});
         std::copy(record.bytes.begin(), record.bytes.end(), image.begin() + record.address);
     };
     // Patches are small; reading them in 64 KiB pieces costs nothing, and the block

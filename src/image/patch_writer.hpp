@@ -42,8 +42,7 @@ inline constexpr std::uint64_t kLargestGrownImage = 0x7FFFFFFF;
 // Throws SRecordError naming the line of a bad record, or of one that reaches past the
 // image's end (Refuse) or past kLargestGrownImage bytes (GrowWithFF); the records
 // before it are laid over already.
-void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch,
-                       PatchGrowth growth = PatchGrowth::Refuse);
+void applySRecordPatch(std::vector<std::uint8_t>& image, std::istream& patch, PatchGrowth growth = PatchGrowth::Refuse);
 
 // Writes the whole image back over its phone file through a temporary file, so the
 // phone file is either the old one or the new one, never a mix. A phone file whose

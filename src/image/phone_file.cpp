@@ -10,7 +10,7 @@ namespace zevran::image {
 namespace {
 
 constexpr std::string_view kVersionStringMarker = "56657273696F6E537472696E673A";  // "VersionString:"
-constexpr std::string_view kRevisionMarker = "5265762053";                       // "Rev S"
+constexpr std::string_view kRevisionMarker = "5265762053";                         // "Rev S"
 constexpr std::int64_t kVersionLength = 8;
 
 std::string versionBytes(const ImageState& state, std::int64_t first, std::string_view marker)

@@ -117,8 +117,10 @@ bool WriteSRecordRegion(PatchFile& file, std::span<const std::uint8_t> data, std
         if (!file.stream) throw fileSystemError(path, errno ? errno : EIO);
         file.stream.write(S0Line.data(), static_cast<std::streamsize>(S0Line.size()));
     }
-    if (!file.stream.is_open()) throw std::logic_error("no patch file is open for region 0x" + HexPad(static_cast<std::uint32_t>(first), 8));
-    std::string text = sRecordRegionText(data.first(static_cast<std::size_t>(length)), static_cast<std::uint32_t>(first));
+    if (!file.stream.is_open())
+        throw std::logic_error("no patch file is open for region 0x" + HexPad(static_cast<std::uint32_t>(first), 8));
+    std::string text =
+        sRecordRegionText(data.first(static_cast<std::size_t>(length)), static_cast<std::uint32_t>(first));
     file.stream.write(text.data(), static_cast<std::streamsize>(text.size()));
     if (closeFile) {
         file.stream.write(S7Line.data(), static_cast<std::streamsize>(S7Line.size()));

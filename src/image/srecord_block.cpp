@@ -67,8 +67,8 @@ ZEVRAN_KERNEL bool strictHeader(const char* line, const char*, std::size_t addre
 #if ZEVRAN_X86_KERNELS
 
 // Bytes 0..n-1 of the 16 at kKeep + 16 - n are FF, the rest 0: masks a vector's tail.
-alignas(32) constexpr std::uint8_t kKeep[32] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                                0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+alignas(32) constexpr std::uint8_t kKeep[32] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                                0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
 std::uint32_t bigEndianAddress(std::uint64_t headerBytes)
 {
@@ -84,10 +84,12 @@ namespace sse2 {
 // Digit values of 16 characters, a non-hex one as 0; `hex` marks the hex digits.
 ZEVRAN_KERNEL __m128i digitValues(__m128i c, __m128i& hex)
 {
-    const __m128i isDecimal = _mm_and_si128(_mm_cmpgt_epi8(c, _mm_set1_epi8('0' - 1)), _mm_cmpgt_epi8(_mm_set1_epi8('9' + 1), c));
+    const __m128i isDecimal =
+        _mm_and_si128(_mm_cmpgt_epi8(c, _mm_set1_epi8('0' - 1)), _mm_cmpgt_epi8(_mm_set1_epi8('9' + 1), c));
     // Setting bit 5 turns only 'A'..'F' into 'a'..'f'; bytes from 0x80 stay negative.
     const __m128i lower = _mm_or_si128(c, _mm_set1_epi8(0x20));
-    const __m128i isLetter = _mm_and_si128(_mm_cmpgt_epi8(lower, _mm_set1_epi8('a' - 1)), _mm_cmpgt_epi8(_mm_set1_epi8('f' + 1), lower));
+    const __m128i isLetter =
+        _mm_and_si128(_mm_cmpgt_epi8(lower, _mm_set1_epi8('a' - 1)), _mm_cmpgt_epi8(_mm_set1_epi8('f' + 1), lower));
     hex = _mm_or_si128(isDecimal, isLetter);
     return _mm_or_si128(_mm_and_si128(isDecimal, _mm_sub_epi8(c, _mm_set1_epi8('0'))),
                         _mm_and_si128(isLetter, _mm_sub_epi8(lower, _mm_set1_epi8('a' - 10))));
@@ -115,8 +117,8 @@ ZEVRAN_KERNEL const char* findLineEnd(const char* from, const char* textEnd)
 {
     for (; from + 16 <= textEnd; from += 16) {
         const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-        const auto ends = static_cast<unsigned>(
-            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(c, _mm_set1_epi8('\r')), _mm_cmpeq_epi8(c, _mm_set1_epi8('\n')))));
+        const auto ends = static_cast<unsigned>(_mm_movemask_epi8(
+            _mm_or_si128(_mm_cmpeq_epi8(c, _mm_set1_epi8('\r')), _mm_cmpeq_epi8(c, _mm_set1_epi8('\n')))));
         if (ends != 0) return from + std::countr_zero(ends);
     }
     return portable::findLineEnd(from, textEnd);
@@ -131,7 +133,8 @@ ZEVRAN_KERNEL void tolerantBytes(const char* digitText, std::size_t count, std::
     portable::tolerantBytes(digitText + 2 * i, count - std::min(i, count), out + i, textEnd);
 }
 
-ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint32_t& countField, std::uint32_t& address)
+ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint32_t& countField,
+                                std::uint32_t& address)
 {
     if (line + 18 > textEnd) return portable::headerFields(line, textEnd, countField, address);
     __m128i hex;
@@ -141,9 +144,11 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint
     address = bigEndianAddress(bytes);
 }
 
-ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd, unsigned& sum)
+ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd,
+                               unsigned& sum)
 {
-    if (digitText + (2 * count + 31) / 32 * 32 > textEnd) return portable::strictBytes(digitText, count, out, textEnd, sum);
+    if (digitText + (2 * count + 31) / 32 * 32 > textEnd)
+        return portable::strictBytes(digitText, count, out, textEnd, sum);
     __m128i sums = _mm_setzero_si128();
     for (std::size_t i = 0; i < count; i += 16) {
         std::uint32_t hexMask;
@@ -157,7 +162,8 @@ ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::ui
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
         sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, _mm_setzero_si128()));
     }
-    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) + static_cast<unsigned>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
+    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) +
+           static_cast<unsigned>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
     return true;
 }
 
@@ -170,7 +176,8 @@ ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size
     const unsigned wanted = (1u << (2 * addressBytes + 2)) - 1;
     if ((static_cast<unsigned>(_mm_movemask_epi8(hex)) & wanted) != wanted) return false;
     const __m128i bytes = _mm_packus_epi16(pairs, _mm_setzero_si128());
-    const __m128i header = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - addressBytes - 1)));
+    const __m128i header =
+        _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - addressBytes - 1)));
     sum += static_cast<unsigned>(_mm_cvtsi128_si32(_mm_sad_epu8(header, _mm_setzero_si128())));
     address = bigEndianAddress(static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes))) >> (8 * (4 - addressBytes));
     return true;
@@ -194,14 +201,15 @@ namespace avx2 {
 ZEVRAN_KERNEL __m128i sixteenBytes(const char* at, std::uint32_t& hexMask)
 {
     const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
-    const __m256i isDecimal =
-        _mm256_and_si256(_mm256_cmpgt_epi8(c, _mm256_set1_epi8('0' - 1)), _mm256_cmpgt_epi8(_mm256_set1_epi8('9' + 1), c));
+    const __m256i isDecimal = _mm256_and_si256(_mm256_cmpgt_epi8(c, _mm256_set1_epi8('0' - 1)),
+                                               _mm256_cmpgt_epi8(_mm256_set1_epi8('9' + 1), c));
     const __m256i lower = _mm256_or_si256(c, _mm256_set1_epi8(0x20));
     const __m256i isLetter = _mm256_and_si256(_mm256_cmpgt_epi8(lower, _mm256_set1_epi8('a' - 1)),
                                               _mm256_cmpgt_epi8(_mm256_set1_epi8('f' + 1), lower));
     hexMask = static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_or_si256(isDecimal, isLetter)));
-    const __m256i values = _mm256_or_si256(_mm256_and_si256(isDecimal, _mm256_sub_epi8(c, _mm256_set1_epi8('0'))),
-                                           _mm256_and_si256(isLetter, _mm256_sub_epi8(lower, _mm256_set1_epi8('a' - 10))));
+    const __m256i values =
+        _mm256_or_si256(_mm256_and_si256(isDecimal, _mm256_sub_epi8(c, _mm256_set1_epi8('0'))),
+                        _mm256_and_si256(isLetter, _mm256_sub_epi8(lower, _mm256_set1_epi8('a' - 10))));
     // high * 16 + low in each 16-bit lane, the first character being the high digit.
     const __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi16(0x0110));
     return _mm_packus_epi16(_mm256_castsi256_si128(pairs), _mm256_extracti128_si256(pairs, 1));
@@ -211,8 +219,8 @@ ZEVRAN_KERNEL const char* findLineEnd(const char* from, const char* textEnd)
 {
     for (; from + 32 <= textEnd; from += 32) {
         const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
-        const auto ends = static_cast<std::uint32_t>(_mm256_movemask_epi8(
-            _mm256_or_si256(_mm256_cmpeq_epi8(c, _mm256_set1_epi8('\r')), _mm256_cmpeq_epi8(c, _mm256_set1_epi8('\n')))));
+        const auto ends = static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_or_si256(
+            _mm256_cmpeq_epi8(c, _mm256_set1_epi8('\r')), _mm256_cmpeq_epi8(c, _mm256_set1_epi8('\n')))));
         if (ends != 0) return from + std::countr_zero(ends);
     }
     return sse2::findLineEnd(from, textEnd);
@@ -227,14 +235,17 @@ ZEVRAN_KERNEL void tolerantBytes(const char* digitText, std::size_t count, std::
     portable::tolerantBytes(digitText + 2 * i, count - std::min(i, count), out + i, textEnd);
 }
 
-ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint32_t& countField, std::uint32_t& address)
+ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint32_t& countField,
+                                std::uint32_t& address)
 {
     sse2::headerFields(line, textEnd, countField, address);
 }
 
-ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd, unsigned& sum)
+ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd,
+                               unsigned& sum)
 {
-    if (digitText + (2 * count + 31) / 32 * 32 > textEnd) return portable::strictBytes(digitText, count, out, textEnd, sum);
+    if (digitText + (2 * count + 31) / 32 * 32 > textEnd)
+        return portable::strictBytes(digitText, count, out, textEnd, sum);
     __m128i sums = _mm_setzero_si128();
     for (std::size_t i = 0; i < count; i += 16) {
         std::uint32_t hexMask;

@@ -49,8 +49,7 @@ SRecordError::SRecordError(std::uint64_t line, const std::string& what) : SRecor
 void LineSplitter::keep(std::string_view piece)
 {
     m_havePartial = true;
-    if (m_partial.size() < kMaxKeptLine)
-        m_partial.append(piece.substr(0, kMaxKeptLine - m_partial.size()));
+    if (m_partial.size() < kMaxKeptLine) m_partial.append(piece.substr(0, kMaxKeptLine - m_partial.size()));
 }
 
 void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordData& record)
@@ -73,7 +72,8 @@ void readDesignRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
         record.bytes.assign(bytes, bytes + count);
     } else {
         record.bytes.resize(count);
-        for (std::size_t i = 0; i < count; ++i) record.bytes[i] = static_cast<std::uint8_t>(tolerantHex(line, 12 + 2 * i, 2));
+        for (std::size_t i = 0; i < count; ++i)
+            record.bytes[i] = static_cast<std::uint8_t>(tolerantHex(line, 12 + 2 * i, 2));
     }
 }
 
@@ -96,8 +96,9 @@ void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     if (count < 0) throw SRecordError(lineNumber, Reason::CountNotHex, {std::string(line.substr(2, 2))});
     const std::size_t expectedLength = 4 + 2 * static_cast<std::size_t>(count);
     if (line.size() != expectedLength)
-        throw SRecordError(lineNumber, Reason::CountLengthMismatch,
-                           {std::string(line.substr(2, 2)), std::to_string(expectedLength), std::to_string(line.size())});
+        throw SRecordError(
+            lineNumber, Reason::CountLengthMismatch,
+            {std::string(line.substr(2, 2)), std::to_string(expectedLength), std::to_string(line.size())});
     const int addressBytes = type == 2 || type == 8 ? 3 : type == 3 || type == 7 ? 4 : 2;
     if (count < addressBytes + 1)
         throw SRecordError(lineNumber, Reason::CountTooSmall, {std::string(line.substr(2, 2)), std::to_string(type)});
@@ -107,8 +108,9 @@ void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     for (int i = 0; i < count - 1; ++i) {
         int value = strictByte(line, 4 + 2 * static_cast<std::size_t>(i));
         if (value < 0)
-            throw SRecordError(lineNumber, Reason::DigitNotHex,
-                               {std::string(line.substr(4 + 2 * static_cast<std::size_t>(i), 2)), std::to_string(5 + 2 * i)});
+            throw SRecordError(
+                lineNumber, Reason::DigitNotHex,
+                {std::string(line.substr(4 + 2 * static_cast<std::size_t>(i), 2)), std::to_string(5 + 2 * i)});
         sum += static_cast<unsigned>(value);
         if (i < addressBytes) address = (address << 8) | static_cast<std::uint32_t>(value);
         else record.bytes.push_back(static_cast<std::uint8_t>(value));
@@ -116,7 +118,8 @@ void readStrictRecord(std::string_view line, std::uint64_t lineNumber, SRecordDa
     const int checksum = strictByte(line, line.size() - 2);
     const unsigned expected = 255 - (sum & 0xFF);
     if (checksum < 0 || static_cast<unsigned>(checksum) != expected)
-        throw SRecordError(lineNumber, Reason::ChecksumMismatch, {std::string(line.substr(line.size() - 2)), HexPad(expected, 2)});
+        throw SRecordError(lineNumber, Reason::ChecksumMismatch,
+                           {std::string(line.substr(line.size() - 2)), HexPad(expected, 2)});
     record.address = address;
     record.isData = type >= 1 && type <= 3;
     if (!record.isData) record.bytes.clear();

@@ -15,7 +15,8 @@ void removeStaleTemporaries(const std::string& target, std::string_view marker)
     const std::string prefix = path.filename().string() + std::string(marker);
     const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
     std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
         const std::string name = entry->path().filename().string();
         // mkstemp's six characters follow the marker, and nothing else does.
         if (name.size() == prefix.size() + 6 && name.rfind(prefix, 0) == 0 && entry->is_regular_file(error))

@@ -14,12 +14,12 @@ namespace {
 // The mono display memory: 96 columns by 8 pages of 8 pixel rows.
 constexpr std::int64_t kMonoBytes = 768;
 
-std::string sizeText(std::int64_t width, std::int64_t height) { return std::to_string(width) + "*" + std::to_string(height); }
-
-std::string addressText(std::int64_t address)
+std::string sizeText(std::int64_t width, std::int64_t height)
 {
-    return "0x" + image::HexPad(static_cast<std::uint32_t>(address), 8);
+    return std::to_string(width) + "*" + std::to_string(height);
 }
+
+std::string addressText(std::int64_t address) { return "0x" + image::HexPad(static_cast<std::uint32_t>(address), 8); }
 
 // Walks every image bit that the preview shows of the frame, pixel by pixel, top row
 // first. For each piece it calls visit(pixel, image index, mask, value): the bits of
@@ -45,7 +45,8 @@ void walkCopiedRows(const FrameLayout& frame, CodeOf&& codeOf, Visit&& visit)
                 const std::int64_t i = x / 2;
                 if (i >= count) continue;
                 const bool high = x % 2 == 0;
-                visit(pixel, copiedByteIndex(rowStart, i, frame.address), static_cast<std::uint8_t>(high ? 0xF0u : 0x0Fu),
+                visit(pixel, copiedByteIndex(rowStart, i, frame.address),
+                      static_cast<std::uint8_t>(high ? 0xF0u : 0x0Fu),
                       static_cast<std::uint8_t>(high ? code << 4 : code));
                 continue;
             }
@@ -128,13 +129,15 @@ std::string englishText(ImportRefusal reason, const std::vector<std::string>& v)
 {
     auto at = [&](std::size_t i) { return i < v.size() ? v[i] : std::string(); };
     switch (reason) {
-    case ImportRefusal::Depth: return "a picture of depth " + at(0) + " cannot be imported (depths 1, 4, 8, 12, 16 and 24 can)";
+    case ImportRefusal::Depth:
+        return "a picture of depth " + at(0) + " cannot be imported (depths 1, 4, 8, 12, 16 and 24 can)";
     case ImportRefusal::NegativeSize: return "a frame of " + at(0) + " pixels has a negative dimension";
     case ImportRefusal::TooLarge: return "a frame of " + at(0) + " pixels is too large for a handset picture";
     case ImportRefusal::PictureSize: return "the picture is " + at(0) + " pixels, the row's frames are " + at(1);
     case ImportRefusal::PixelData: return "the picture's pixel data does not match its " + at(0) + " pixels";
     case ImportRefusal::NoBytes: return "a frame of " + at(0) + " pixels shows no image byte";
-    case ImportRefusal::PastEnd: return "the frame's bytes " + at(0) + "-" + at(1) + " run past the image (" + at(2) + " bytes)";
+    case ImportRefusal::PastEnd:
+        return "the frame's bytes " + at(0) + "-" + at(1) + " run past the image (" + at(2) + " bytes)";
     case ImportRefusal::Clash:
         return "pixels " + at(0) + " and " + at(1) + " show the same bits of the image byte at " + at(2) +
                " but differ in colour";
@@ -151,14 +154,14 @@ bool importableDepth(int depth)
 
 void checkLayout(const FrameLayout& frame)
 {
-    if (!importableDepth(frame.depth))
-        throw PictureImportError(ImportRefusal::Depth, {std::to_string(frame.depth)});
+    if (!importableDepth(frame.depth)) throw PictureImportError(ImportRefusal::Depth, {std::to_string(frame.depth)});
     if (frame.width < 0 || frame.height < 0)
         throw PictureImportError(ImportRefusal::NegativeSize, {sizeText(frame.width, frame.height)});
     const int bmpBits = frame.depth == 1 || frame.depth == 4 || frame.depth == 16 ? frame.depth : 24;
     const std::int64_t dataSize =
-        frame.depth == 1 ? static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame.width) * frame.height / 8))
-                         : bmpStride(frame.width, bmpBits) * frame.height;
+        frame.depth == 1
+            ? static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame.width) * frame.height / 8))
+            : bmpStride(frame.width, bmpBits) * frame.height;
     if (dataSize > kLargestPixelData)
         throw PictureImportError(ImportRefusal::TooLarge, {sizeText(frame.width, frame.height)});
 }
@@ -214,8 +217,7 @@ void writeWholeBytes(const PictureGrid& picture, const FrameLayout& frame, image
             }
         }
         break;
-    default:
-        break;
+    default: break;
     }
 }
 
@@ -285,8 +287,9 @@ std::optional<ShownBytes> shownImageBytes(const FrameLayout& frame)
         // At depth 4 the last byte a row copies may lie past its last pixel.
         const std::int64_t lastByte = frame.depth == 4 ? std::min(count - 1, (width - 1) / 2) : count - 1;
         if (lastByte < 0) return std::nullopt;
-        return ShownBytes{copiedByteIndex(copiedRowStart(bytesPerPixel, 0, frame.width), 0, frame.address),
-                          copiedByteIndex(copiedRowStart(bytesPerPixel, height - 1, frame.width), lastByte, frame.address)};
+        return ShownBytes{
+            copiedByteIndex(copiedRowStart(bytesPerPixel, 0, frame.width), 0, frame.address),
+            copiedByteIndex(copiedRowStart(bytesPerPixel, height - 1, frame.width), lastByte, frame.address)};
     }
     default: break;
     }
@@ -387,7 +390,9 @@ void writeNibblePairs(const FrameLayout& frame, std::int64_t first, image::Regio
         if (earlier < 0 && index == clashIndex && (mask & clashMask)) earlier = pixel;
     });
     const std::int64_t w = frame.width;
-    auto place = [w](std::int64_t pixel) { return "(" + std::to_string(pixel % w) + ", " + std::to_string(pixel / w) + ")"; };
+    auto place = [w](std::int64_t pixel) {
+        return "(" + std::to_string(pixel % w) + ", " + std::to_string(pixel / w) + ")";
+    };
     throw PictureImportError(ImportRefusal::Clash, {place(earlier), place(clashPixel), addressText(clashIndex)});
 }
 

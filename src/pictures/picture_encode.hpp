@@ -38,15 +38,15 @@ struct FrameLayout {
 // reason and its values (the %1, %2, ... of a translated text) let the window say
 // it in the user's language. The caller adds the row, frame and file.
 enum class ImportRefusal {
-    Depth,        // %1 the depth
-    NegativeSize, // %1 the frame's size "W*H"
-    TooLarge,     // %1 the frame's size
-    PictureSize,  // %1 the picture's size, %2 the frame's size
-    PixelData,    // %1 the picture's size (pixel data of another size: a caller's slip)
-    NoBytes,      // %1 the frame's size
-    PastEnd,      // %1 first address, %2 last address, %3 the image's size in bytes
-    Clash,        // %1 and %2 the two pixels "(x, y)", %3 the image byte's address
-    NoSuchFrame,  // %1 the frame asked for (from 1), %2 the row's frame count
+    Depth,         // %1 the depth
+    NegativeSize,  // %1 the frame's size "W*H"
+    TooLarge,      // %1 the frame's size
+    PictureSize,   // %1 the picture's size, %2 the frame's size
+    PixelData,     // %1 the picture's size (pixel data of another size: a caller's slip)
+    NoBytes,       // %1 the frame's size
+    PastEnd,       // %1 first address, %2 last address, %3 the image's size in bytes
+    Clash,         // %1 and %2 the two pixels "(x, y)", %3 the image byte's address
+    NoSuchFrame,   // %1 the frame asked for (from 1), %2 the row's frame count
 };
 class PictureImportError : public std::runtime_error {
 public:

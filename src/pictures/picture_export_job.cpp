@@ -35,7 +35,8 @@ ExportTally exportRows(const image::PhoneDocument& document, const std::vector<P
                 const std::string output = pictureFramePath(slashed, row.name, frame);
                 const FrameExport outcome = exportFrame(document, geometry, frame, output, colourTablePath);
                 if (outcome == FrameExport::Written) ++tally.written;
-                else if (std::find(tally.skippedRows.begin(), tally.skippedRows.end(), row.number) == tally.skippedRows.end())
+                else if (std::find(tally.skippedRows.begin(), tally.skippedRows.end(), row.number) ==
+                         tally.skippedRows.end())
                     tally.skippedRows.push_back(row.number);
                 if (listener.frameDone) listener.frameDone(r, frame, outcome);
             }

@@ -74,10 +74,10 @@ std::int64_t pixelAddress(const ViewGeometry& view, std::int32_t x, std::int32_t
     if (x < 0 || y < 0 || x >= view.width || y >= view.rows) return -1;
     const std::int64_t pixel = std::int64_t{y} * view.width + x;
     switch (view.depth) {
-    case 4: {  // the same half-to-even rounding as the row assembly
+    case 4: {                         // the same half-to-even rounding as the row assembly
         const int byteInRow = x / 2;  // two pixels a byte
-        return static_cast<std::int64_t>(std::nearbyint(0.5 * static_cast<double>(y) * view.width + byteInRow +
-                                                        static_cast<double>(view.address)));
+        return static_cast<std::int64_t>(
+            std::nearbyint(0.5 * static_cast<double>(y) * view.width + byteInRow + static_cast<double>(view.address)));
     }
     case 12: return view.address + pixel / 2 * 3;
     default: return view.address + pixel * (view.depth / 8);
@@ -105,7 +105,8 @@ std::string nextPictureNumber(const std::vector<PictureEntry>& rows)
 PictureEntry foundPictureEntry(const FoundPicture& picture, std::string number, std::string name)
 {
     if (picture.address < 0 || picture.address > 0xFFFFFFFF)
-        throw image::TypedError<std::invalid_argument>(image::Reason::AddressOutside32Bits, {std::to_string(picture.address)});
+        throw image::TypedError<std::invalid_argument>(image::Reason::AddressOutside32Bits,
+                                                       {std::to_string(picture.address)});
     if (!pictureNameAllowed(name)) throw image::TypedError<std::invalid_argument>(image::Reason::NameWithSpace, {name});
     if (picture.frames < 1) throw image::TypedError<std::invalid_argument>(image::Reason::NoFrames);
     return {std::move(number),

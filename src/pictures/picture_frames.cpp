@@ -37,7 +37,10 @@ bool frameRunsPastImage(const FrameGeometry& geometry, std::int64_t address, std
     return address < 0 || static_cast<double>(address) + bytes > static_cast<double>(imageSize);
 }
 
-std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k) { return geometry.start + k * geometry.frameSize; }
+std::int64_t frameAddress(const FrameGeometry& geometry, std::int64_t k)
+{
+    return geometry.start + k * geometry.frameSize;
+}
 
 std::string pictureFramePath(std::string_view folder, std::string_view name, std::int64_t frameIndex)
 {
@@ -55,8 +58,7 @@ std::optional<Region> picturePatchRegion(const ImageState& state, const PictureE
     const std::string_view address = row.address;
     const std::int64_t start = HexToLong(address.substr(std::min<std::size_t>(2, address.size())));
     const double frames = std::nearbyint(leadingNumber(row.frames));
-    if (std::fabs(frames) > kMostPatchFrames)
-        throw onRow(Reason::FramesAbove32767, {row.frames});
+    if (std::fabs(frames) > kMostPatchFrames) throw onRow(Reason::FramesAbove32767, {row.frames});
     const double last = std::nearbyint(frames * leadingNumber(row.frameSize) + static_cast<double>(start) - 1);
     if (!(last >= std::numeric_limits<std::int32_t>::min() && last <= std::numeric_limits<std::int32_t>::max()))
         throw onRow(Reason::PictureEndPast32Bit);
@@ -64,9 +66,9 @@ std::optional<Region> picturePatchRegion(const ImageState& state, const PictureE
     if (length == 0) return std::nullopt;
     if (length < 0) throw onRow(Reason::NegativeFramesOrSize);
     if (start + length > static_cast<std::int64_t>(state.FirmwareImage.size()))
-        throw onRow(Reason::FramesPastImage, {HexPad(static_cast<std::uint32_t>(start), 8),
-                                              HexPad(static_cast<std::uint32_t>(last), 8),
-                                              std::to_string(state.FirmwareImage.size())});
+        throw onRow(Reason::FramesPastImage,
+                    {HexPad(static_cast<std::uint32_t>(start), 8), HexPad(static_cast<std::uint32_t>(last), 8),
+                     std::to_string(state.FirmwareImage.size())});
     const auto begin = state.FirmwareImage.begin() + start;
     return Region{static_cast<std::int32_t>(start), static_cast<std::int32_t>(last),
                   std::vector<std::uint8_t>(begin, begin + length)};

@@ -43,7 +43,8 @@ std::optional<PictureGrid> pictureGridFromBytes(std::string_view bytes)
     picture.height = littleEndianAt(bytes, 8);
     const auto flag = static_cast<unsigned char>(bytes[12]);
     if (picture.width < 0 || picture.height < 0 || flag > 1) return std::nullopt;
-    const std::uint64_t pixels = std::uint64_t{static_cast<std::uint32_t>(picture.width)} * static_cast<std::uint32_t>(picture.height);
+    const std::uint64_t pixels =
+        std::uint64_t{static_cast<std::uint32_t>(picture.width)} * static_cast<std::uint32_t>(picture.height);
     if (bytes.size() - kHeaderSize != pixels * (flag ? 4 : 3)) return std::nullopt;
     const std::string_view rgb = bytes.substr(kHeaderSize, static_cast<std::size_t>(pixels * 3));
     picture.rgb.assign(rgb.begin(), rgb.end());

@@ -38,7 +38,8 @@ FrameLayout RowImport::layoutOf(std::int64_t frame) const
 void requireFrameOfRow(const FrameGeometry& geometry, std::int64_t frame)
 {
     if (frame < 0 || frame >= geometry.frames)
-        throw PictureImportError(ImportRefusal::NoSuchFrame, {std::to_string(frame + 1), std::to_string(geometry.frames)});
+        throw PictureImportError(ImportRefusal::NoSuchFrame,
+                                 {std::to_string(frame + 1), std::to_string(geometry.frames)});
 }
 
 std::int64_t RowImport::importFrame(std::int64_t frame, const PictureGrid& picture)
@@ -49,8 +50,9 @@ std::int64_t RowImport::importFrame(std::int64_t frame, const PictureGrid& pictu
     // shown do not depend on what the frames before left in the image.
     EncodedFrame encoded = encodePictureFrameCounted(picture, layout, m_image, m_colours);
     image::Region& region = encoded.region;
-    const bool shared = std::any_of(m_regions.begin(), m_regions.end(),
-                                    [&](const image::Region& earlier) { return overlaps(earlier, region.first, region.last); });
+    const bool shared = std::any_of(m_regions.begin(), m_regions.end(), [&](const image::Region& earlier) {
+        return overlaps(earlier, region.first, region.last);
+    });
     if (shared) {
         // Again over the bytes as the earlier frames left them. The copy starts at an
         // even address: the 4-bit rows round half-way indices to even, so an even shift
@@ -72,7 +74,8 @@ std::vector<image::Region> RowImport::regions() const
     std::vector<image::Region> result = m_regions;
     for (std::size_t i = 0; i < result.size(); ++i)
         for (std::size_t j = i + 1; j < m_regions.size(); ++j)
-            if (overlaps(m_regions[j], result[i].first, result[i].last)) overlay(result[i].bytes, result[i].first, m_regions[j]);
+            if (overlaps(m_regions[j], result[i].first, result[i].last))
+                overlay(result[i].bytes, result[i].first, m_regions[j]);
     return result;
 }
 

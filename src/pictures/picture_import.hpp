@@ -53,6 +53,7 @@ void requireFrameOfRow(const FrameGeometry& geometry, std::int64_t frame);
 
 // The picture of frame `frameIndex` in an export folder (ending in "/"): NAME-NN.bmp as
 // the export writes it, else NAME-NN.png; nullopt when neither is a file there.
-std::optional<std::string> exportedFramePicture(std::string_view folder, std::string_view name, std::int64_t frameIndex);
+std::optional<std::string> exportedFramePicture(std::string_view folder, std::string_view name,
+                                                std::int64_t frameIndex);
 
 }  // namespace zevran::pictures

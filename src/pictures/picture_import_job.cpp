@@ -58,7 +58,8 @@ std::vector<FramePicture> onePicture(const ImportableRow& row, std::int64_t fram
 std::vector<FramePicture> folderPictures(const ImportableRow& row, const std::string& folder)
 {
     if (row.geometry.frames <= 0) {
-        RowImportError none(ImportStop::NoFrames, sentence("the row has " + std::to_string(row.geometry.frames) + " frames"));
+        RowImportError none(ImportStop::NoFrames,
+                            sentence("the row has " + std::to_string(row.geometry.frames) + " frames"));
         none.frames = row.geometry.frames;
         throw none;
     }
@@ -102,12 +103,14 @@ RowImportResult importPictures(std::span<const std::uint8_t> image, const Import
 
 std::int64_t changedByteCount(std::span<const std::uint8_t> image, std::vector<image::Region> regions)
 {
-    std::sort(regions.begin(), regions.end(), [](const image::Region& a, const image::Region& b) { return a.first < b.first; });
+    std::sort(regions.begin(), regions.end(),
+              [](const image::Region& a, const image::Region& b) { return a.first < b.first; });
     std::int64_t changed = 0;
     std::int64_t counted = -1;  // the last address counted
     for (const image::Region& region : regions)
         for (std::int64_t at = std::max<std::int64_t>(region.first, counted + 1); at <= region.last; ++at) {
-            if (region.bytes[static_cast<std::size_t>(at - region.first)] != image[static_cast<std::size_t>(at)]) ++changed;
+            if (region.bytes[static_cast<std::size_t>(at - region.first)] != image[static_cast<std::size_t>(at)])
+                ++changed;
             counted = at;
         }
     return changed;

@@ -42,7 +42,8 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        const std::string bytes = zevran::pictures::pictureGridBytes(zevran::pictures::readPictureFile(argv[1], colours));
+        const std::string bytes =
+            zevran::pictures::pictureGridBytes(zevran::pictures::readPictureFile(argv[1], colours));
         if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || std::fflush(stdout) != 0) return 1;
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";

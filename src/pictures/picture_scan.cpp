@@ -80,7 +80,8 @@ bool trimAgainst(PictureCandidate& candidate, const PictureCandidate& other)
     } else if (other.address <= candidate.address && otherEnd < end) {
         first = (otherEnd - candidate.address + rowBytes - 1) / rowBytes;
         rows -= first;
-    } else if (static_cast<double>(overlap(candidate, other)) <= kMostShared * static_cast<double>(candidateBytes(candidate))) {
+    } else if (static_cast<double>(overlap(candidate, other)) <=
+               kMostShared * static_cast<double>(candidateBytes(candidate))) {
         return true;
     } else {
         // The other lies inside: the larger part beside it stays (a picture that ran on
@@ -108,12 +109,14 @@ std::vector<PictureCandidate> joinedAcrossEdges(const std::vector<PictureCandida
             PictureCandidate& last = joined.back();
             const std::int64_t rowBytes = std::max<std::int64_t>(1, foundFrameSize(last.width, 1, last.depth));
             const std::int64_t gap = next.address - (last.address + candidateBytes(last));
-            if (next.depth == last.depth && next.width == last.width && gap >= -rowBytes && gap <= kMostEdgeRows * rowBytes) {
+            if (next.depth == last.depth && next.width == last.width && gap >= -rowBytes &&
+                gap <= kMostEdgeRows * rowBytes) {
                 // The first part's rows set the place of the whole: the second part may
                 // have started part way along one. Only whole rows within both parts'
                 // bytes are kept: a rounded-up row could reach past the scanned range.
                 const std::int64_t rows = (next.address + candidateBytes(next) - last.address) / rowBytes;
-                last.score = (last.score * last.height + next.score * next.height) / static_cast<double>(last.height + next.height);
+                last.score = (last.score * last.height + next.score * next.height) /
+                             static_cast<double>(last.height + next.height);
                 last.height = static_cast<std::int32_t>(std::min<std::int64_t>(rows, 0x7FFFFFFF));
                 continue;
             }
@@ -150,9 +153,11 @@ double likenessWithin(const ScannedBytes& bytes, const PictureCandidate& c, std:
 bool yieldsHead(PictureCandidate& earlier, const PictureCandidate& later, const ScannedBytes& bytes)
 {
     const std::int64_t earlierEnd = earlier.address + candidateBytes(earlier);
-    if (!(earlier.address < later.address && later.address < earlierEnd && earlierEnd < later.address + candidateBytes(later)))
+    if (!(earlier.address < later.address && later.address < earlierEnd &&
+          earlierEnd < later.address + candidateBytes(later)))
         return true;
-    if (likenessWithin(bytes, later, later.address, earlierEnd) <= likenessWithin(bytes, earlier, later.address, earlierEnd))
+    if (likenessWithin(bytes, later, later.address, earlierEnd) <=
+        likenessWithin(bytes, earlier, later.address, earlierEnd))
         return true;
     const std::int64_t rowBytes = std::max<std::int64_t>(1, foundFrameSize(earlier.width, 1, earlier.depth));
     const std::int64_t rows = (later.address - earlier.address) / rowBytes;
@@ -207,7 +212,8 @@ ScanResult scanPictures(std::span<const std::uint8_t> image, const ScanRequest& 
     if (size == 0 && request.first == 0 && request.last < 0) return result;
     if ((result.failure = refusal(size, request, last))) return result;
 
-    const auto range = image.subspan(static_cast<std::size_t>(request.first), static_cast<std::size_t>(last - request.first + 1));
+    const auto range =
+        image.subspan(static_cast<std::size_t>(request.first), static_cast<std::size_t>(last - request.first + 1));
     const std::vector<ScanLane> lanes = scanLanes(request.depths);
     const auto rangeBytes = static_cast<std::int64_t>(range.size());
     const std::int64_t pieces = (rangeBytes + kPieceBytes - 1) / kPieceBytes;
@@ -224,7 +230,9 @@ ScanResult scanPictures(std::span<const std::uint8_t> image, const ScanRequest& 
             const ScanLane lane = lanes[static_cast<std::size_t>(task % static_cast<std::int64_t>(lanes.size()))];
             const std::int64_t from = task / static_cast<std::int64_t>(lanes.size()) * kPieceBytes;
             const std::int64_t to = std::min(rangeBytes, from + kPieceBytes);
-            const auto windowAt = [&](std::int64_t byte) { return (lane.pixelAt(byte) + kScanWindow - 1) / kScanWindow; };
+            const auto windowAt = [&](std::int64_t byte) {
+                return (lane.pixelAt(byte) + kScanWindow - 1) / kScanWindow;
+            };
             LaneScanner scanner(range, lane, request.colours);
             scanner.scan(windowAt(from), to == rangeBytes ? scanner.windowCount() : windowAt(to),
                          found[static_cast<std::size_t>(task)]);
@@ -255,7 +263,8 @@ void markKnownCandidates(std::vector<PictureCandidate>& candidates, const std::v
     for (const PictureEntry& row : rows) {
         try {
             const FrameGeometry geometry = frameGeometry(row);
-            const std::int64_t bytes = std::max<std::int64_t>(1, geometry.frameSize) * std::max<std::int64_t>(1, geometry.frames);
+            const std::int64_t bytes =
+                std::max<std::int64_t>(1, geometry.frameSize) * std::max<std::int64_t>(1, geometry.frames);
             spans.emplace_back(geometry.start, geometry.start + bytes);
         } catch (const std::exception&) {
             // A row whose cells are not numbers lies nowhere.

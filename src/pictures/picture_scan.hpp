@@ -76,8 +76,8 @@ struct ScanResult {
 
 // Scans on `threads` threads (0: as many as the machine has cores). The image must
 // stay unchanged until it returns.
-ScanResult scanPictures(std::span<const std::uint8_t> image, const ScanRequest& request,
-                        ScanControl* control = nullptr, unsigned threads = 0);
+ScanResult scanPictures(std::span<const std::uint8_t> image, const ScanRequest& request, ScanControl* control = nullptr,
+                        unsigned threads = 0);
 
 // Marks each candidate that shares a byte with some row's frames (rows that cannot be
 // read as numbers are passed over).

@@ -64,7 +64,8 @@ LaneScanner::LaneScanner(std::span<const std::uint8_t> range, ScanLane lane, con
 void LaneScanner::load(std::int64_t first, std::int64_t end)
 {
     const auto draw = [&](ViewRenderer& renderer, std::int64_t from, std::int64_t to) {
-        renderer.render(m_range, {m_lane.byteOf(from), m_lane.depth, static_cast<std::int32_t>(to - from), 1}, m_colours);
+        renderer.render(m_range, {m_lane.byteOf(from), m_lane.depth, static_cast<std::int32_t>(to - from), 1},
+                        m_colours);
         return renderer.pixels().data();
     };
     if (first < 0 || end <= m_wholeEnd || first >= m_wholeEnd) {
@@ -87,7 +88,8 @@ const std::uint32_t* LaneScanner::pixels(std::int64_t from, std::int64_t to)
         // Growing a picture back row by row asks for pixels a little before the last
         // ones each time: then the block ends where asked and holds the rows before.
         const bool back = from < m_loadedFrom && to <= m_loadedTo;
-        const std::int64_t first = back ? std::min(from, std::max(to - kSortBlock * kScanWindow, std::min<std::int64_t>(from, 0))) : from;
+        const std::int64_t first =
+            back ? std::min(from, std::max(to - kSortBlock * kScanWindow, std::min<std::int64_t>(from, 0))) : from;
         m_loadedFrom = first >= 0 ? first / step * step : -((-first + step - 1) / step * step);
         // A block at a time, but no further past the lane's end than asked.
         m_loadedTo = std::max(to, std::min(m_loadedFrom + kSortBlock * kScanWindow, m_pixelCount));

@@ -50,8 +50,8 @@ private:
     };
 
     struct RowRun {
-        std::int64_t rows = 0;  // rows alike with the next
-        double likeness = 0;    // the sum of their likeness
+        std::int64_t rows = 0;       // rows alike with the next
+        double likeness = 0;         // the sum of their likeness
         std::int64_t plainRows = 0;  // of those, rows of one colour
         struct Crossing {
             std::int64_t rows;
@@ -95,12 +95,12 @@ private:
     ColourTable m_colours;
     std::int64_t m_pixelCount = 0;  // pixels of the lane inside the range
     std::int64_t m_windows = 0;
-    std::int64_t m_wholeEnd = 0;    // pixels before this one are drawn reading nothing past the range
+    std::int64_t m_wholeEnd = 0;  // pixels before this one are drawn reading nothing past the range
     ViewRenderer m_renderer;
-    ViewRenderer m_tail;   // the lane's last pixels, drawn apart
-    ViewRenderer m_probe;  // the phase check's own lines
-    std::vector<std::uint32_t> m_joined;           // a block and the lane's last pixels
-    const std::uint32_t* m_line = nullptr;         // the pixels loaded
+    ViewRenderer m_tail;                            // the lane's last pixels, drawn apart
+    ViewRenderer m_probe;                           // the phase check's own lines
+    std::vector<std::uint32_t> m_joined;            // a block and the lane's last pixels
+    const std::uint32_t* m_line = nullptr;          // the pixels loaded
     std::int64_t m_loadedFrom = 0, m_loadedTo = 0;  // pixels in m_line
     std::int64_t m_kindsBase = 0;                   // the window of m_kinds[0]
     std::vector<std::uint8_t> m_kinds;              // by window, Unknown until read

@@ -105,14 +105,17 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
     if (most < kScanLeastWidth) return false;
     pixels(at, std::min(end, at + kSample + most) + 8);  // one decoding for all the widths
     const auto pairsFor = [&](std::int64_t lag) { return std::min(kSample, end - at - lag); };
-    const auto sampled = [&](std::int64_t lag, std::int64_t stride) { return meanDistance(at, lag, pairsFor(lag), stride); };
+    const auto sampled = [&](std::int64_t lag, std::int64_t stride) {
+        return meanDistance(at, lag, pairsFor(lag), stride);
+    };
     guess.horizontal = sampled(1, 1);
     double shortest = 765;
     for (std::int64_t lag = 2; lag < kScanLeastWidth; ++lag) shortest = std::min(shortest, sampled(lag, 2));
     if (guess.horizontal > kLeastReference && shortest < 0.5 * guess.horizontal) return false;
     // Every width on a sparse sample first; the likeliest few then on the whole sample.
     std::vector<std::pair<double, std::int64_t>> coarse;
-    for (std::int64_t lag = kScanLeastWidth; lag <= most; lag += step) coarse.emplace_back(sampled(lag, kCoarseStride), lag);
+    for (std::int64_t lag = kScanLeastWidth; lag <= most; lag += step)
+        coarse.emplace_back(sampled(lag, kCoarseStride), lag);
     auto middle = coarse.begin() + static_cast<std::ptrdiff_t>(coarse.size() / 2);
     std::nth_element(coarse.begin(), middle, coarse.end());
     guess.reference = middle->first;
@@ -121,11 +124,14 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
     if (guess.reference < kLeastReference || coarse.front().first > 0.5 * guess.reference) return false;
     // Plain stretches are alike at every distance; the edges in them line up only a
     // row on, so each width is measured by both.
-    const auto measured = [&](std::int64_t lag) { return sampled(lag, 1) + kStepWeight * meanStepDistance(at, lag, pairsFor(lag) - 1); };
+    const auto measured = [&](std::int64_t lag) {
+        return sampled(lag, 1) + kStepWeight * meanStepDistance(at, lag, pairsFor(lag) - 1);
+    };
     std::int64_t best = 0;
     double bestMeasure = 0;
     for (std::size_t i = 0; i < shortlist; ++i)
-        if (const double m = measured(coarse[i].second); best == 0 || m < bestMeasure || (m == bestMeasure && coarse[i].second < best))
+        if (const double m = measured(coarse[i].second);
+            best == 0 || m < bestMeasure || (m == bestMeasure && coarse[i].second < best))
             best = coarse[i].second, bestMeasure = m;
     // Two to five rows on are alike too: the smallest width about as alike is the row.
     for (std::int64_t parts : {5, 4, 3, 2})
@@ -165,14 +171,16 @@ double LaneScanner::rowLikeness(std::int64_t rowStart, std::int32_t width, int a
             }
     }
     const double pixelsAlike = static_cast<double>(count) / width;
-    return edges < kLeastEdges ? pixelsAlike : std::min(pixelsAlike, kEdgeAllowance + static_cast<double>(kept) / edges);
+    return edges < kLeastEdges ? pixelsAlike
+                               : std::min(pixelsAlike, kEdgeAllowance + static_cast<double>(kept) / edges);
 }
 
 double LaneScanner::rowsLikeness(std::int64_t first, std::int32_t width, std::int64_t rows)
 {
     double total = 0;
     bool plain = false;
-    for (std::int64_t row = 0; row < rows; ++row) total += std::min(1.0, rowLikeness(first + row * width, width, kAlikePixel, plain));
+    for (std::int64_t row = 0; row < rows; ++row)
+        total += std::min(1.0, rowLikeness(first + row * width, width, kAlikePixel, plain));
     return rows > 0 ? total / static_cast<double>(rows) : 0;
 }
 
@@ -299,7 +307,8 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
         if (const std::uint32_t ends = backgroundOf(row, width); ends != kNoDataPixel) background = ends;
         const auto goesOn = [&](std::int64_t at) {
             bool nextPlain = false;
-            if (rowLikeness(at, width, alike, nextPlain) < kAlikeRow || shareAlike(row, at, width, alike) < kLeastAcross)
+            if (rowLikeness(at, width, alike, nextPlain) < kAlikeRow ||
+                shareAlike(row, at, width, alike) < kLeastAcross)
                 return false;
             if (!nextPlain) return true;
             const std::uint32_t colour = *pixels(at, at + 1);
@@ -389,7 +398,8 @@ void LaneScanner::cutAtOtherPictures(Reading& reading, int alike, std::int64_t l
     const auto& crossings = reading.run.crossings;
     for (std::size_t i = 0; i < crossings.size() && crossings[i].rows < reading.run.rows; ++i) {
         const std::int64_t nextRow = i + 1 < crossings.size() ? crossings[i + 1].rows : reading.run.rows;
-        if (otherWidthIn(reading.start + (crossings[i].rows + 1) * width, reading.start + (nextRow + 1) * width, width)) {
+        if (otherWidthIn(reading.start + (crossings[i].rows + 1) * width, reading.start + (nextRow + 1) * width,
+                         width)) {
             reading.run = {crossings[i].rows, crossings[i].likeness, crossings[i].plainRows, {}};
             break;
         }

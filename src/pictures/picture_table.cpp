@@ -68,9 +68,15 @@ std::vector<PictureEntry> readPictureTable(std::string_view text, bool recompute
         if (line.empty()) continue;
         const auto fields = splitAtSpaces(line);
         const std::string lineText = std::to_string(lineNumber);
-        if (fields.size() < 11) throw PictureTableError(Reason::TableTooFewFields, {lineText, std::to_string(fields.size())});
-        PictureEntry row{ZeroPad(std::to_string(rows.size() + 1), 3), Del_TAb(fields[1]), Del_TAb(fields[2]),
-                         Del_TAb(fields[4]),  Del_TAb(fields[6]), Del_TAb(fields[8]), Del_TAb(fields[10])};
+        if (fields.size() < 11)
+            throw PictureTableError(Reason::TableTooFewFields, {lineText, std::to_string(fields.size())});
+        PictureEntry row{ZeroPad(std::to_string(rows.size() + 1), 3),
+                         Del_TAb(fields[1]),
+                         Del_TAb(fields[2]),
+                         Del_TAb(fields[4]),
+                         Del_TAb(fields[6]),
+                         Del_TAb(fields[8]),
+                         Del_TAb(fields[10])};
         if (recomputeSize) {
             // The cell is split at "*" into two parts; a cell without one has no second part.
             if (row.dimensions.find('*') == std::string::npos)
@@ -94,7 +100,8 @@ bool isHexText(std::string_view text)
 {
     if (text.size() > 2 && text[0] == '0' && (text[1] == 'X' || text[1] == 'x')) text.remove_prefix(2);
     if (text.empty()) return false;
-    return std::all_of(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; });
 }
 
 // A cell read through leadingNumber names a number only when it starts with one.

@@ -58,9 +58,9 @@ std::vector<PictureEntry> readPictureTable(std::string_view text, bool recompute
 // A field of a table line that the list would take leniently (a non-hex digit as 0)
 // but that can name no picture: said at load, line by line.
 enum class TableFieldProblem {
-    AddressNotHex,      // value: the address field
-    FramesNotANumber,   // value: the frame count field
-    SizeBelowOne,       // value: the frame size field
+    AddressNotHex,     // value: the address field
+    FramesNotANumber,  // value: the frame count field
+    SizeBelowOne,      // value: the frame size field
 };
 struct TableFieldWarning {
     std::size_t line;  // from 1, as the file counts its lines

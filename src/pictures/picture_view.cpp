@@ -48,8 +48,7 @@ bool ViewRenderer::render(std::span<const std::uint8_t> image, const ViewGeometr
         m_rows.assign(kMonoMemoryBytes, 0);
         assembleMonoColumns(image, geometry.address, m_rows.data());
     } else {
-        if (geometry.width < 0 || geometry.rows < 0 ||
-            std::int64_t{geometry.width} * geometry.rows > kLargestView)
+        if (geometry.width < 0 || geometry.rows < 0 || std::int64_t{geometry.width} * geometry.rows > kLargestView)
             throw std::length_error("a view of " + std::to_string(geometry.width) + " by " +
                                     std::to_string(geometry.rows) + " pixels is too large to draw");
         m_width = geometry.width;
@@ -79,8 +78,7 @@ void ViewRenderer::convertRows(const std::uint8_t* rows, std::int64_t stride, in
                 *out++ = (row[x >> 3] >> (7 - (x & 7))) & 1 ? 0xFFFFFFFF : kOpaque;
             break;
         case 4:
-            for (std::int32_t x = 0; x < m_width; ++x)
-                *out++ = palette[x & 1 ? row[x >> 1] & 0xF : row[x >> 1] >> 4];
+            for (std::int32_t x = 0; x < m_width; ++x) *out++ = palette[x & 1 ? row[x >> 1] & 0xF : row[x >> 1] >> 4];
             break;
         case 16:
             for (std::int32_t x = 0; x < m_width; ++x, row += 2) {
@@ -106,9 +104,8 @@ void ViewRenderer::markMissing(std::span<const std::uint8_t> image, const ViewGe
     const std::int64_t size = static_cast<std::int64_t>(image.size());
     // Every byte the assembly reads lies in [low, high).
     const std::int64_t low = geometry.address;
-    const std::int64_t high =
-        depth == 1 ? low + static_cast<std::int64_t>(kMonoMemoryBytes)
-                   : low + (std::int64_t{m_width} * m_height * depth + 7) / 8 + 3;
+    const std::int64_t high = depth == 1 ? low + static_cast<std::int64_t>(kMonoMemoryBytes)
+                                         : low + (std::int64_t{m_width} * m_height * depth + 7) / 8 + 3;
     if (low >= 0 && high <= size) return;
     // The stand-in starts at an even offset: rounding half to even then meets the
     // same halves at the same places.

@@ -91,7 +91,8 @@ void copyRows(std::span<const std::uint8_t> image, std::int64_t address, std::in
             }
         }
         const double rowStart = copiedRowStart(bytesPerPixel, r, width);
-        for (std::int64_t i = 0; i < count; ++i) data[r * stride + i] = imageByte(image, copiedByteIndex(rowStart, i, address));
+        for (std::int64_t i = 0; i < count; ++i)
+            data[r * stride + i] = imageByte(image, copiedByteIndex(rowStart, i, address));
     }
 }
 
@@ -165,15 +166,19 @@ void assembleMonoColumns(std::span<const std::uint8_t> image, std::int64_t addre
 int bmpBitsPerPixel(int depth)
 {
     switch (depth) {
-    case 1: case 4: case 16: case 24: return depth;
-    case 8: case 12: return 24;
+    case 1:
+    case 4:
+    case 16:
+    case 24: return depth;
+    case 8:
+    case 12: return 24;
     default: return 0;
     }
 }
 
 std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
-                                                        std::int32_t width, std::int32_t height, int depth,
-                                                        const ColourTable& colours)
+                                                         std::int32_t width, std::int32_t height, int depth,
+                                                         const ColourTable& colours)
 {
     static constexpr std::uint8_t masks[16] = {0x00, 0xF8, 0, 0, 0xE0, 0x07, 0, 0, 0x1F, 0, 0, 0, 0, 0, 0, 0};
     std::span<const std::uint8_t> table;
@@ -181,7 +186,9 @@ std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::ui
     switch (depth) {
     case 4: table = colours; break;
     case 16: table = masks, compression = 3; break;
-    case 24: case 8: case 12: break;
+    case 24:
+    case 8:
+    case 12: break;
     default: return std::nullopt;
     }
     const int bitsPerPixel = bmpBitsPerPixel(depth);
@@ -206,7 +213,8 @@ std::vector<std::uint8_t> monoFrameBmp(std::span<const std::uint8_t> image, std:
     std::array<std::uint8_t, kMonoMemoryBytes> columns{};
     assembleMonoColumns(image, address, columns.data());
     // Dimensions whose product is below 6144 pixels hold only the first columns.
-    std::copy_n(columns.begin(), std::min(columns.size(), bmp.size() - offset), bmp.begin() + static_cast<std::ptrdiff_t>(offset));
+    std::copy_n(columns.begin(), std::min(columns.size(), bmp.size() - offset),
+                bmp.begin() + static_cast<std::ptrdiff_t>(offset));
     if (width >= 0) flipRows(bmp, offset, bmpStride(width, 1), height);
     return bmp;
 }

@@ -54,8 +54,8 @@ inline std::int64_t copiedByteIndex(double rowStart, std::int64_t i, std::int64_
 // The BMP bytes of one frame at `address` for depths 4, 8, 12, 16 and 24; nullopt for
 // any other depth. Bytes of the frame that lie outside the image read as zero.
 std::optional<std::vector<std::uint8_t>> pictureFrameBmp(std::span<const std::uint8_t> image, std::int64_t address,
-                                                        std::int32_t width, std::int32_t height, int depth,
-                                                        const ColourTable& colours);
+                                                         std::int32_t width, std::int32_t height, int depth,
+                                                         const ColourTable& colours);
 
 // The BMP bytes of a mono frame: always the 768 bytes of the 96-column, 8-page display
 // memory at `address`, whatever the dimensions say; they only size the header.

@@ -12,9 +12,9 @@ namespace zevran::app {
 namespace {
 
 struct Line {
-    std::size_t begin;    // first byte of the line
-    std::size_t end;      // one past its last byte, before the line end
-    std::size_t next;     // first byte of the next line
+    std::size_t begin;  // first byte of the line
+    std::size_t end;    // one past its last byte, before the line end
+    std::size_t next;   // first byte of the next line
 };
 
 // The table-file line reading, with each line's place in the text kept, since a write
@@ -26,8 +26,8 @@ std::vector<Line> splitLines(std::string_view text)
     lines.reserve(views.size());
     for (std::size_t i = 0; i < views.size(); ++i) {
         const auto begin = static_cast<std::size_t>(views[i].data() - text.data());
-        const std::size_t next = i + 1 < views.size() ? static_cast<std::size_t>(views[i + 1].data() - text.data())
-                                                     : text.size();
+        const std::size_t next =
+            i + 1 < views.size() ? static_cast<std::size_t>(views[i + 1].data() - text.data()) : text.size();
         lines.push_back({begin, begin + views[i].size(), next});
     }
     return lines;

@@ -81,7 +81,8 @@ ProgramFolders portableFolders(const std::string& folder)
     return folders;
 }
 
-ProgramFolders findProgramFolders(const StartEnvironment& start, const std::function<bool(const std::string&)>& isFolder)
+ProgramFolders findProgramFolders(const StartEnvironment& start,
+                                  const std::function<bool(const std::string&)>& isFolder)
 {
     if (!start.homeOption.empty()) return portableFolders(start.homeOption);
     if (!start.zevranHome.empty()) return portableFolders(start.zevranHome);
@@ -125,9 +126,10 @@ StartEnvironment environmentOfThisProcess(const std::string& homeOption, const s
 
 std::string localeLanguageFile(std::string_view localeName)
 {
-    const bool chinese = localeName.size() >= 2 && (localeName[0] == 'z' || localeName[0] == 'Z') &&
-                         (localeName[1] == 'h' || localeName[1] == 'H') &&
-                         (localeName.size() == 2 || localeName[2] == '_' || localeName[2] == '-' || localeName[2] == '.');
+    const bool chinese =
+        localeName.size() >= 2 && (localeName[0] == 'z' || localeName[0] == 'Z') &&
+        (localeName[1] == 'h' || localeName[1] == 'H') &&
+        (localeName.size() == 2 || localeName[2] == '_' || localeName[2] == '-' || localeName[2] == '.');
     return chinese ? "ChineseS.ini" : "English.ini";
 }
 

@@ -24,8 +24,8 @@ struct ProgramFolders {
 
 // What the start of a program sees: its options, environment and executable.
 struct StartEnvironment {
-    std::string homeOption;          // --home DIR
-    std::string zevranHome;          // $ZEVRAN_HOME
+    std::string homeOption;  // --home DIR
+    std::string zevranHome;  // $ZEVRAN_HOME
     std::string executableFolder;
     std::string relativeDataFolder;  // from the executable's folder to PREFIX/share/zevran
     std::string home;                // $HOME

@@ -49,7 +49,8 @@ void RecentFiles::add(const std::string& path)
 
 bool RecentFiles::remove(const std::string& path)
 {
-    const auto end = std::remove_if(m_paths.begin(), m_paths.end(), [&](const std::string& kept) { return samePath(kept, path); });
+    const auto end =
+        std::remove_if(m_paths.begin(), m_paths.end(), [&](const std::string& kept) { return samePath(kept, path); });
     const bool found = end != m_paths.end();
     m_paths.erase(end, m_paths.end());
     return found;
@@ -58,8 +59,8 @@ bool RecentFiles::remove(const std::string& path)
 bool RecentFiles::storable(std::string_view path)
 {
     const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    return !path.empty() && path.size() <= app::kProfileValueLimit && path.find_first_of("\r\n") == std::string_view::npos &&
-           !blank(path.front()) && !blank(path.back());
+    return !path.empty() && path.size() <= app::kProfileValueLimit &&
+           path.find_first_of("\r\n") == std::string_view::npos && !blank(path.front()) && !blank(path.back());
 }
 
 RecentFiles readRecentFiles(std::string_view profileText)

@@ -81,7 +81,8 @@ bool isHandsetScript(char32_t cp)
 
 void fillClasses(CodePageTable& table)
 {
-    for (int b = 0; b < 256; ++b) table.singleClass[b] = table.single[b] ? classOf(table.single[b]) : CharacterClass::NotText;
+    for (int b = 0; b < 256; ++b)
+        table.singleClass[b] = table.single[b] ? classOf(table.single[b]) : CharacterClass::NotText;
     table.pairClass.assign(0x10000, CharacterClass::NotText);
     for (std::size_t i = 0; i < table.pair.size(); ++i)
         if (table.pair[i]) table.pairClass[i] = classOf(table.pair[i]);
@@ -125,7 +126,8 @@ CharacterClass classOf(char32_t cp)
         return CharacterClass::Common;
     if (cp >= 0xC0 && cp <= 0xFF && cp != 0xD7 && cp != 0xF7) return CharacterClass::Common;  // Latin-1 letters
     if (cp < 0x10000 && commonChinese()[cp]) return CharacterClass::Common;
-    if ((cp >= 0x3001 && cp <= 0x3011) || (cp >= 0xFF01 && cp <= 0xFF1F)) return CharacterClass::Common;  // 、。「」，：？
+    if ((cp >= 0x3001 && cp <= 0x3011) || (cp >= 0xFF01 && cp <= 0xFF1F))
+        return CharacterClass::Common;  // 、。「」，：？
     return CharacterClass::Rare;
 }
 

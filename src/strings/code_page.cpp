@@ -46,10 +46,7 @@ private:
     iconv_t m_handle;
 };
 
-std::size_t sequenceLength(unsigned char lead)
-{
-    return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-}
+std::size_t sequenceLength(unsigned char lead) { return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1; }
 
 }  // namespace
 
@@ -66,7 +63,8 @@ std::vector<std::string> encodeCharacters(std::string_view utf8Text, std::string
     Converter converter(codePage, "UTF-8");
     std::vector<std::string> characters;
     for (std::size_t pos = 0; pos < utf8Text.size();) {
-        const std::size_t length = std::min(sequenceLength(static_cast<unsigned char>(utf8Text[pos])), utf8Text.size() - pos);
+        const std::size_t length =
+            std::min(sequenceLength(static_cast<unsigned char>(utf8Text[pos])), utf8Text.size() - pos);
         const std::string_view character = utf8Text.substr(pos, length);
         std::string bytes;
         std::size_t consumed = 0;

@@ -54,7 +54,9 @@ std::vector<Region> editListRegions(std::span<const StringEditRow> rows, bool ha
     std::vector<Region> regions;
     for (const StringEditRow& row : rows) {
         // A failure here names the row it is about.
-        auto onRow = [&row](const Failure& cause) { return EditRowError(Reason::EditRowAt, {row.number, row.start, row.end}, cause); };
+        auto onRow = [&row](const Failure& cause) {
+            return EditRowError(Reason::EditRowAt, {row.number, row.start, row.end}, cause);
+        };
         const bool rowHandsetCodes = row.handsetCodes.value_or(handsetCodes);
         Region region;
         try {
@@ -65,9 +67,9 @@ std::vector<Region> editListRegions(std::span<const StringEditRow> rows, bool ha
         const std::int64_t bytes = rangeBytes(region.first, region.last);
         if (static_cast<std::int64_t>(region.bytes.size()) != bytes)
             throw onRow({rowHandsetCodes ? Reason::TextLengthDiffersHandset : Reason::TextLengthDiffersSingle,
-                         {row.text, std::to_string(region.bytes.size()), std::to_string(bytes)}, nullptr});
-        if (region.last >= imageLength)
-            throw onRow({Reason::StringPastImage, {std::to_string(imageLength)}, nullptr});
+                         {row.text, std::to_string(region.bytes.size()), std::to_string(bytes)},
+                         nullptr});
+        if (region.last >= imageLength) throw onRow({Reason::StringPastImage, {std::to_string(imageLength)}, nullptr});
         regions.push_back(std::move(region));
     }
     return regions;

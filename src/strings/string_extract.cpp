@@ -51,7 +51,8 @@ public:
     Scanner(std::span<const std::uint8_t> image, const CodePageTable& table, std::uint32_t shortest)
         : m_image(image), m_table(table), m_units(handsetUnitClasses()), m_shortest(shortest)
     {
-        for (unsigned b = 1; b < 256; ++b) m_mayBeText[b] = table.singleClass[b] != CharacterClass::NotText || table.lead[b];
+        for (unsigned b = 1; b < 256; ++b)
+            m_mayBeText[b] = table.singleClass[b] != CharacterClass::NotText || table.lead[b];
         for (unsigned pair = 0x100; pair < 0x10000; ++pair)
             if (table.pairClass[pair] != CharacterClass::NotText) m_mayBeText[pair & 0xFF] = true;
     }
@@ -125,8 +126,8 @@ void Scanner::handsetEndingAt(std::size_t zero)
             break;
         }
     }
-    Candidate string{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(zero - start), 0, 0, 0,
-                     StringCodes::Handset};
+    Candidate string{
+        static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(zero - start), 0, 0, 0, StringCodes::Handset};
     for (std::size_t pos = start; pos < zero; pos += 2) string.count(m_units[m_image[pos] << 8 | m_image[pos + 1]], 2);
     keep(string);
 }
@@ -144,7 +145,8 @@ bool ranksAbove(const Candidate& a, const Candidate& b)
 
 std::vector<Candidate> withoutOverlaps(std::vector<Candidate> candidates)
 {
-    std::sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
     std::vector<Candidate> kept;
     std::vector<Candidate> group;
     auto settle = [&] {
@@ -156,7 +158,8 @@ std::vector<Candidate> withoutOverlaps(std::vector<Candidate> candidates)
             });
             if (!clashes) chosen.push_back(c);
         }
-        std::sort(chosen.begin(), chosen.end(), [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
+        std::sort(chosen.begin(), chosen.end(),
+                  [](const Candidate& a, const Candidate& b) { return a.start < b.start; });
         kept.insert(kept.end(), chosen.begin(), chosen.end());
         group.clear();
     };
@@ -246,7 +249,8 @@ std::optional<Candidate> reread(std::span<const std::uint8_t> image, const Candi
 // to kMaxSkippedBytes on) that leaves a long text of common characters reading as words:
 // a text stored among other data often follows bytes that read as characters, or that
 // take its first letter as the second byte of a two-byte character.
-std::optional<Candidate> settledStart(std::span<const std::uint8_t> image, const Candidate& c, const CodePageTable& table)
+std::optional<Candidate> settledStart(std::span<const std::uint8_t> image, const Candidate& c,
+                                      const CodePageTable& table)
 {
     const bool words = readsAsWords(image, c, table);
     if (words && c.common == c.characters) return c;
@@ -322,7 +326,8 @@ ExtractResult extractStrings(std::span<const std::uint8_t> image, const ExtractO
                                    (i + 1 < strings.size() && adjacent(image, c, strings[i + 1]));
         const bool longAndCommon = c.bytes >= kLoneStringBytes && c.common == c.characters;
         if (!besideAnother && !longAndCommon) continue;
-        result.strings.push_back({c.start, c.codes, c.bytes, decodeStored(image.subspan(c.start, c.bytes), c.codes, options.codePage)});
+        result.strings.push_back(
+            {c.start, c.codes, c.bytes, decodeStored(image.subspan(c.start, c.bytes), c.codes, options.codePage)});
     }
     return result;
 }

@@ -55,13 +55,15 @@ std::optional<StringHit> findNextString(ImageState& state, std::string_view hexP
 
 std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes, std::string_view codePage)
 {
-    if (!handsetCodes) return decodeText(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()), codePage);
+    if (!handsetCodes)
+        return decodeText(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()), codePage);
     std::string text;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const char32_t unit = static_cast<char32_t>(bytes[i] << 8 | bytes[i + 1]);
         if (bytes[i] == 0xA1) {
             appendUtf8(text, bytes[i + 1]);
-        } else if (unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size() && bytes[i + 2] >= 0xDC && bytes[i + 2] < 0xE0) {
+        } else if (unit >= 0xD800 && unit < 0xDC00 && i + 3 < bytes.size() && bytes[i + 2] >= 0xDC &&
+                   bytes[i + 2] < 0xE0) {
             const char32_t low = static_cast<char32_t>(bytes[i + 2] << 8 | bytes[i + 3]);
             appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
             i += 2;

@@ -23,10 +23,10 @@ std::string searchPattern(std::string_view utf8Text, bool handsetCodes, std::str
 
 // What one search shows.
 struct StringHit {
-    std::string Text10;  // start, eight hex digits
-    std::string Text9;   // last byte before the terminating zero, eight hex digits
-    std::string Text8;   // length: bytes, or characters (possibly "2.5") in handset codes
-    int maxLength = 0;   // the longest replacement that fits
+    std::string Text10;     // start, eight hex digits
+    std::string Text9;      // last byte before the terminating zero, eight hex digits
+    std::string Text8;      // length: bytes, or characters (possibly "2.5") in handset codes
+    int maxLength = 0;      // the longest replacement that fits
     std::size_t start = 0;  // the stored string's bytes: [start, end)
     std::size_t end = 0;
 };
@@ -41,6 +41,7 @@ std::optional<StringHit> findNextString(image::ImageState& state, std::string_vi
 // The stored string's text in UTF-8, decoded in the encoding it was found in: pairs of
 // handset codes (A1 xx for a character up to FF, else UTF-16 high byte first; an odd
 // last byte is left out) or the single-byte code page.
-std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes, std::string_view codePage = kDefaultCodePage);
+std::string storedText(std::span<const std::uint8_t> bytes, bool handsetCodes,
+                       std::string_view codePage = kDefaultCodePage);
 
 }  // namespace zevran::strings

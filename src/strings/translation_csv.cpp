@@ -46,7 +46,8 @@ std::vector<Record> parseRecords(std::string_view text, const std::string& fileN
                     field += text[pos];
                 }
             }
-            while (pos < text.size() && text[pos] != ',' && text[pos] != '\n' && text[pos] != '\r') field += text[pos++];
+            while (pos < text.size() && text[pos] != ',' && text[pos] != '\n' && text[pos] != '\r')
+                field += text[pos++];
             record.fields.push_back(std::move(field));
             if (pos < text.size() && text[pos] == ',') {
                 ++pos;

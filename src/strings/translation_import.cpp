@@ -108,9 +108,10 @@ StringEditRow editRowOf(const EntryResult& result, std::size_t rowsBefore, std::
     const bool handset = result.entry.codes == StringCodes::Handset;
     // Text8 as the search shows it: characters in handset codes, bytes otherwise.
     const std::string length = handset ? std::to_string(result.budget / 2) : std::to_string(result.budget);
-    StringEditRow row = *makeFittedEditRow(rowsBefore, image::HexPad(static_cast<std::uint32_t>(result.region.first), 8),
-                                           image::HexPad(static_cast<std::uint32_t>(result.region.last), 8),
-                                           result.entry.target, length, handset, codePage);
+    StringEditRow row =
+        *makeFittedEditRow(rowsBefore, image::HexPad(static_cast<std::uint32_t>(result.region.first), 8),
+                           image::HexPad(static_cast<std::uint32_t>(result.region.last), 8), result.entry.target,
+                           length, handset, codePage);
     row.handsetCodes = handset;
     return row;
 }
@@ -122,8 +123,8 @@ std::string outcomeText(const EntryResult& result)
     case ImportOutcome::OverBudget:
         return "over budget by " + std::to_string(result.overBy) + (result.overBy == 1 ? " byte" : " bytes");
     case ImportOutcome::NotEncodable:
-        return "character " + codePointName(result.character) +
-               " not encodable in " + (result.entry.codes == StringCodes::Handset ? "handset codes" : "the code page");
+        return "character " + codePointName(result.character) + " not encodable in " +
+               (result.entry.codes == StringCodes::Handset ? "handset codes" : "the code page");
     case ImportOutcome::StoredTextChanged: return "stored text changed";
     case ImportOutcome::OutsideImage: return "address outside the image";
     }

@@ -28,10 +28,10 @@ enum class ImportOutcome : std::uint8_t {
 struct EntryResult {
     TranslationEntry entry;
     ImportOutcome outcome = ImportOutcome::Fits;
-    std::uint32_t budget = 0;   // the stored string's bytes, measured in the image
-    std::uint32_t overBy = 0;   // OverBudget
-    char32_t character = 0;     // NotEncodable
-    image::Region region;       // Fits: the padded bytes over the stored string
+    std::uint32_t budget = 0;  // the stored string's bytes, measured in the image
+    std::uint32_t overBy = 0;  // OverBudget
+    char32_t character = 0;    // NotEncodable
+    image::Region region;      // Fits: the padded bytes over the stored string
 };
 
 struct ImportResult {

@@ -48,8 +48,8 @@ void onError(int severity, po_message_t, const char*, std::size_t line, std::siz
     noteProblem(severity, line, text);
 }
 
-void onError2(int severity, po_message_t, const char*, std::size_t line, std::size_t, int, const char* text, po_message_t,
-              const char*, std::size_t, std::size_t, int, const char*)
+void onError2(int severity, po_message_t, const char*, std::size_t line, std::size_t, int, const char* text,
+              po_message_t, const char*, std::size_t, std::size_t, int, const char*)
 {
     noteProblem(severity, line, text);
 }

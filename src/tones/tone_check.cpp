@@ -11,8 +11,8 @@ namespace {
 
 std::uint32_t bigEndian32(std::span<const std::uint8_t> bytes, std::size_t at)
 {
-    return (std::uint32_t{bytes[at]} << 24) | (std::uint32_t{bytes[at + 1]} << 16) | (std::uint32_t{bytes[at + 2]} << 8) |
-           bytes[at + 3];
+    return (std::uint32_t{bytes[at]} << 24) | (std::uint32_t{bytes[at + 1]} << 16) |
+           (std::uint32_t{bytes[at + 2]} << 8) | bytes[at + 3];
 }
 
 std::uint16_t bigEndian16(std::span<const std::uint8_t> bytes, std::size_t at)
@@ -53,7 +53,8 @@ std::optional<std::string> optionalDataTitle(std::span<const std::uint8_t> body)
     while (chunk + 8 <= body.size()) {
         const std::uint64_t chunkEnd = std::uint64_t{chunk} + 8 + bigEndian32(body, chunk + 4);
         if (chunkEnd > body.size()) return std::nullopt;
-        if (std::equal(body.begin() + static_cast<std::ptrdiff_t>(chunk), body.begin() + static_cast<std::ptrdiff_t>(chunk) + 3, "Dch")) {
+        if (std::equal(body.begin() + static_cast<std::ptrdiff_t>(chunk),
+                       body.begin() + static_cast<std::ptrdiff_t>(chunk) + 3, "Dch")) {
             std::size_t item = chunk + 8;
             while (item + 4 <= chunkEnd) {
                 const std::size_t itemEnd = item + 4 + bigEndian16(body, item + 2);

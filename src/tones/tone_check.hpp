@@ -17,9 +17,9 @@ enum class CrcState { Ok, Bad, None };
 
 struct ToneCheck {
     CrcState crc = CrcState::None;
-    std::string storedTitle;     // the title's bytes as stored; "" when absent
-    std::uint8_t codeType = 0;   // the contents chunk's code type (see tone_title.hpp)
-    std::string title;           // storedTitle decoded by codeType, as UTF-8
+    std::string storedTitle;    // the title's bytes as stored; "" when absent
+    std::uint8_t codeType = 0;  // the contents chunk's code type (see tone_title.hpp)
+    std::string title;          // storedTitle decoded by codeType, as UTF-8
 };
 
 // Checks the bytes of one tone, from its "MMMD" signature on. A body whose chunks

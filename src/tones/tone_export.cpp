@@ -35,7 +35,7 @@ std::int64_t offsetOf(const std::string& cell, const ToneSlot& row, const char* 
 std::string sizeText(std::size_t bytes)
 {
     return bytes >= (1u << 20) && bytes % (1u << 20) == 0 ? std::to_string(bytes >> 20) + " MiB"
-                                                         : std::to_string(bytes) + " bytes";
+                                                          : std::to_string(bytes) + " bytes";
 }
 
 }  // namespace
@@ -52,10 +52,10 @@ std::span<const std::uint8_t> toneBytes(const ImageState& state, const ToneSlot&
     if (end < start) return {};
     const auto length = static_cast<std::int64_t>(state.FirmwareImage.size());
     if (end >= length)
-        throw ToneExportError(Reason::ToneEndPastImage,
-                              {row.number, HexPad(static_cast<std::uint32_t>(end), 8), sizeText(state.FirmwareImage.size())});
-    return std::span<const std::uint8_t>(state.FirmwareImage).subspan(static_cast<std::size_t>(start),
-                                                                        static_cast<std::size_t>(end - start + 1));
+        throw ToneExportError(Reason::ToneEndPastImage, {row.number, HexPad(static_cast<std::uint32_t>(end), 8),
+                                                         sizeText(state.FirmwareImage.size())});
+    return std::span<const std::uint8_t>(state.FirmwareImage)
+        .subspan(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start + 1));
 }
 
 void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> bytes)

@@ -70,7 +70,8 @@ PlanFileFields planFileFields(std::string_view fileText)
     if (last == std::string_view::npos || last == 0) return {std::string(fileText), 0};
     const std::size_t secondLast = fileText.rfind(' ', last - 1);
     if (secondLast == std::string_view::npos) return {std::string(fileText.substr(0, last)), 0};
-    return {std::string(fileText.substr(0, secondLast)), decimalCell(fileText.substr(secondLast + 1, last - secondLast - 1))};
+    return {std::string(fileText.substr(0, secondLast)),
+            decimalCell(fileText.substr(secondLast + 1, last - secondLast - 1))};
 }
 
 PlanRowPatch tonePatchRegion(const ReplacementRow& row, std::string_view folder, std::int64_t imageLength)

@@ -39,7 +39,8 @@ std::string planSlotText(const ToneSlot& slot)
 
 std::size_t FindPlanRow(std::vector<ReplacementRow>& rows, PlanColumn column)
 {
-    const auto free = std::find_if(rows.begin(), rows.end(), [&](ReplacementRow& row) { return cellOf(row, column).empty(); });
+    const auto free =
+        std::find_if(rows.begin(), rows.end(), [&](ReplacementRow& row) { return cellOf(row, column).empty(); });
     if (free != rows.end()) return static_cast<std::size_t>(free - rows.begin());
     rows.push_back({rowNumber(rows.size() + 1), "", "", false});
     return rows.size() - 1;

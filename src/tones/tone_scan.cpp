@@ -58,8 +58,8 @@ ToneStreamScan scanToneStream(std::istream& in, std::size_t chunkBytes)
     chunkBytes = std::max(chunkBytes, kHeaderBytes);
     std::vector<std::uint8_t> buffer(chunkBytes + kHeaderBytes - 1);
     ToneStreamScan scan;
-    std::size_t carried = 0;   // bytes kept from the chunk before, at the buffer's front
-    std::size_t from = 1;      // a fresh scan starts one byte in
+    std::size_t carried = 0;  // bytes kept from the chunk before, at the buffer's front
+    std::size_t from = 1;     // a fresh scan starts one byte in
     for (;;) {
         in.read(reinterpret_cast<char*>(buffer.data() + carried), static_cast<std::streamsize>(chunkBytes));
         const auto got = static_cast<std::size_t>(in.gcount());

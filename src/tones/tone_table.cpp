@@ -38,8 +38,8 @@ ToneTableRead readToneTable(std::string_view text)
             result.stoppedAtLine = i + 1;
             break;
         }
-        result.rows.push_back({std::string(fields[1]), Del_TAb(fields[3]), Del_TAb(fields[5]), Del_TAb(fields[8]),
-                               Del_TAb(fields[9])});
+        result.rows.push_back(
+            {std::string(fields[1]), Del_TAb(fields[3]), Del_TAb(fields[5]), Del_TAb(fields[8]), Del_TAb(fields[9])});
     }
     return result;
 }

@@ -106,7 +106,10 @@ public:
 };
 
 // The logic speaks UTF-8 in std::string; the window speaks QString.
-inline QString fromUtf8(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+inline QString fromUtf8(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
 {

@@ -109,7 +109,7 @@ private:
         auto* tab = window.findChild<zevran::pictures::PicturesTab*>();
         writeBytes(path("pictures.txt"), "001 pic\t 0X00000500\t Frames: 2\t Size: 12\t Pixels: 3*2\t Bits: 16\t\r\n");
         m_dialogs->files = {path("pictures.txt"), path("out/pictures.txt"), path("out/pictures.s3")};
-        m_dialogs->folders = {path("out/") , path("out/")};
+        m_dialogs->folders = {path("out/"), path("out/")};
         tab->OpenPicTable_Click();
         QCOMPARE(tab->ListView5->topLevelItemCount(), 1);
         tab->ListView5->topLevelItem(0)->setSelected(true);

@@ -28,7 +28,8 @@ using zevran::test::writeBytes;
 
 namespace {
 
-const QByteArray kTwoRecords = "S00600004844521B\r\nS3090000001001020304DC\r\nS3090000002005060708BC\r\nS705A002000058\r\n";
+const QByteArray kTwoRecords =
+    "S00600004844521B\r\nS3090000001001020304DC\r\nS3090000002005060708BC\r\nS705A002000058\r\n";
 
 // Counts the paint events a widget receives.
 class PaintCounter : public QObject {
@@ -56,10 +57,7 @@ private slots:
         startWindow();
         m_tab = m_window->findChild<ConverterTab*>();
     }
-    void cleanup()
-    {
-        stopWindow();
-    }
+    void cleanup() { stopWindow(); }
 
     void emptyS3InputShowsMessage31()
     {
@@ -101,7 +99,8 @@ private slots:
         m_tab->ComS3ToBin->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.contains("line 2"));
-        QVERIFY(m_dialogs->messages[0].text.endsWith("(" + path("bad.bin") + " was not written; an existing file stays as it was)"));
+        QVERIFY(m_dialogs->messages[0].text.endsWith("(" + path("bad.bin") +
+                                                     " was not written; an existing file stays as it was)"));
         QCOMPARE(QDir(m_home.path()).entryList({"bad*"}, QDir::Files), QStringList{"bad.s3"});
         QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
     }
@@ -142,7 +141,8 @@ private slots:
         m_tab->PartAdd->setChecked(true);
         m_dialogs->answers = {zevran::app::Answer::No, zevran::app::Answer::Yes};
         m_tab->ComS3ToBin->click();
-        QCOMPARE(m_dialogs->asked, QStringList{"question Replace file|" + path("two.bin") + " already exists. Replace it?"});
+        QCOMPARE(m_dialogs->asked,
+                 QStringList{"question Replace file|" + path("two.bin") + " already exists. Replace it?"});
         QCOMPARE(readBytes(path("two.bin")), QByteArray("keep me"));
         QVERIFY(m_dialogs->messages.empty());
         m_tab->ComS3ToBin->click();
@@ -205,10 +205,12 @@ private slots:
             // Posted, not sent: the click arrives only if the event loop turns.
             if (ticks == 2) {
                 const QPoint centre = button->rect().center();
-                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonPress, centre, button->mapToGlobal(centre),
-                                                                    Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
-                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonRelease, centre, button->mapToGlobal(centre),
-                                                                    Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
+                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonPress, centre,
+                                                                    button->mapToGlobal(centre), Qt::LeftButton,
+                                                                    Qt::LeftButton, Qt::NoModifier));
+                QCoreApplication::postEvent(button, new QMouseEvent(QEvent::MouseButtonRelease, centre,
+                                                                    button->mapToGlobal(centre), Qt::LeftButton,
+                                                                    Qt::NoButton, Qt::NoModifier));
             }
         });
         m_tab->Text1->setText(path("large.s3"));
@@ -227,7 +229,8 @@ private slots:
 
     void seventeenByteFileGivesAFullLineAndACountSixLine()
     {
-        writeBytes(path("b.bin"), QByteArray("\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10", 17));
+        writeBytes(path("b.bin"),
+                   QByteArray("\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10", 17));
         m_tab->Text19->setText(path("b.bin"));
         m_tab->ComBinToS3->click();
         QCOMPARE(readBytes(path("b.s3")), QByteArray("S00600004844521B\r\n"
@@ -255,8 +258,9 @@ private slots:
         m_tab->Text20->setText("FF");
         m_dialogs->files.push_back(path("fill.s3"));
         m_tab->ComBinToS3->click();
-        QCOMPARE(readBytes(path("fill.s3")),
-                 QByteArray("S00600004844521B\r\nS31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\nS705A002000058\r\n"));
+        QCOMPARE(
+            readBytes(path("fill.s3")),
+            QByteArray("S00600004844521B\r\nS31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\nS705A002000058\r\n"));
         QCOMPARE(m_window->settings().MobileFilePath, m_home.path());
     }
 

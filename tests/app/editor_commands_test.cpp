@@ -30,8 +30,8 @@
 using zevran::app::Answer;
 using zevran::app::CompareDialog;
 using zevran::app::Form1;
-using zevran::test::closeWindow;
 using zevran::app::MessageKind;
+using zevran::test::closeWindow;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
@@ -66,7 +66,8 @@ private:
         QDir().mkpath(path("language"));
         for (const char* name : {"English.ini", "ChineseS.ini"})
             QFile::copy(QStringLiteral(ZEVRAN_DATA_DIR "/language/") + name, path("language/") + name);
-        if (!QFile::exists(path("zevran.ini"))) writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
+        if (!QFile::exists(path("zevran.ini")))
+            writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
         return startedWindow();
     }
 

@@ -66,14 +66,8 @@ private:
     }
 
 private slots:
-    void init()
-    {
-        startWindow();
-    }
-    void cleanup()
-    {
-        stopWindow();
-    }
+    void init() { startWindow(); }
+    void cleanup() { stopWindow(); }
 
     void saveOnAFullDiskKeepsThePhoneFileAndSaveEnabled()
     {
@@ -85,7 +79,8 @@ private slots:
             QVERIFY(!m_window->Saveaxf(true));
         }
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{13, 0}));
-        QVERIFY2(m_dialogs->messages.back().text.contains(path("phone.asf")), qPrintable(m_dialogs->messages.back().text));
+        QVERIFY2(m_dialogs->messages.back().text.contains(path("phone.asf")),
+                 qPrintable(m_dialogs->messages.back().text));
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());
         QVERIFY(action("Save")->isEnabled());
         QCOMPARE(QDir(m_home.path()).entryList(QDir::Files).filter("phone.asf"), QStringList{"phone.asf"});
@@ -176,7 +171,9 @@ private slots:
     {
         writeBytes(path("phone.asf"), phoneImage());
         m_window->openPhoneFile(path("phone.asf"));
-        writeBytes(path("odd.txt"), " 0x1 : 0xZZ - 0xQQ  Size: -5 \t\r\n 002 : 0x00000040 - 0x0000013F  Size: 99999999999999999999 \t\r\n");
+        writeBytes(
+            path("odd.txt"),
+            " 0x1 : 0xZZ - 0xQQ  Size: -5 \t\r\n 002 : 0x00000040 - 0x0000013F  Size: 99999999999999999999 \t\r\n");
         m_dialogs->files = {path("odd.txt")};
         tones()->OpenToneTable->click();
         QCOMPARE(tones()->ListView4->topLevelItemCount(), 2);

@@ -23,9 +23,9 @@
 #include <QUrl>
 
 using zevran::app::Form1;
-using zevran::test::closeWindow;
 using zevran::app::Layout;
 using zevran::app::ProgramFolders;
+using zevran::test::closeWindow;
 using zevran::test::readBytes;
 using zevran::test::ScriptedDialogs;
 using zevran::test::writeBytes;
@@ -176,10 +176,11 @@ private slots:
         auto window = startWindow();
         window->homepage_Click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
-        QCOMPARE(m_dialogs->messages[0].text,
-                 QString::fromUtf8("\xE6\x9C\xAC\xE6\x9C\xBA\xE6\xB2\xA1\xE6\x9C\x89\xE8\x83\xBD\xE6\x89\x93\xE5\xBC\x80"
-                                   "\xE4\xB8\xBB\xE9\xA1\xB5 https://zevran-workshop.example.org/ "
-                                   "\xE7\x9A\x84\xE7\xA8\x8B\xE5\xBA\x8F\xE3\x80\x82"));
+        QCOMPARE(
+            m_dialogs->messages[0].text,
+            QString::fromUtf8("\xE6\x9C\xAC\xE6\x9C\xBA\xE6\xB2\xA1\xE6\x9C\x89\xE8\x83\xBD\xE6\x89\x93\xE5\xBC\x80"
+                              "\xE4\xB8\xBB\xE9\xA1\xB5 https://zevran-workshop.example.org/ "
+                              "\xE7\x9A\x84\xE7\xA8\x8B\xE5\xBA\x8F\xE3\x80\x82"));
     }
 };
 

@@ -134,7 +134,8 @@ private slots:
             QVERIFY(closeWindow(*window));
         }
         const QByteArray settings = readBytes(path("zevran.ini"));
-        for (const char* key : {"\r\nTonesSplitter=", "\r\nTonesRightSplitter=", "\r\nTonesFolderSplitter=", "\r\nPicturesSplitter="})
+        for (const char* key :
+             {"\r\nTonesSplitter=", "\r\nTonesRightSplitter=", "\r\nTonesFolderSplitter=", "\r\nPicturesSplitter="})
             QVERIFY2(settings.contains(key), key);
         auto window = startedWindow();
         window->show();
@@ -209,7 +210,8 @@ private slots:
     {
         auto window = startWindowOnPhoneFile();
         auto* list = window->findChild<QTreeWidget*>("ListView2");
-        auto* row = new QTreeWidgetItem(list, {"01", "00000400", "00000404", "a replacement text longer than its column"});
+        auto* row =
+            new QTreeWidgetItem(list, {"01", "00000400", "00000404", "a replacement text longer than its column"});
         QCOMPARE(row->toolTip(3), QString("a replacement text longer than its column"));
         row->setText(3, "short");
         QCOMPARE(row->toolTip(3), QString("short"));

@@ -18,13 +18,13 @@ struct ShownMessage {
 
 class ScriptedDialogs : public app::Dialogs {
 public:
-    std::deque<QString> files;       // answers of open and save dialogs, in order; "" cancels;
-                                     // a saved name without an extension gets the filter's
-    std::deque<QString> folders;     // answers of the folder chooser
-    std::deque<app::Answer> answers; // answers of the Yes/No/Cancel question
+    std::deque<QString> files;        // answers of open and save dialogs, in order; "" cancels;
+                                      // a saved name without an extension gets the filter's
+    std::deque<QString> folders;      // answers of the folder chooser
+    std::deque<app::Answer> answers;  // answers of the Yes/No/Cancel question
     std::vector<ShownMessage> messages;
-    int chosenFilter = 0;            // the filter (from 1) picked in save dialogs; 0 keeps the preselected one
-    QStringList asked;               // "open FOLDER|FILTER|INDEX", "save ...", "folder PROMPT", "question TEXT"
+    int chosenFilter = 0;  // the filter (from 1) picked in save dialogs; 0 keeps the preselected one
+    QStringList asked;     // "open FOLDER|FILTER|INDEX", "save ...", "folder PROMPT", "question TEXT"
 
     QString openFile(const QString& folder, const QString& filter, int index) override
     {

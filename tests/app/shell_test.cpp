@@ -71,8 +71,10 @@ private slots:
             if (text.isEmpty() || text.startsWith(';') || text.startsWith('[')) continue;
             QVERIFY2(text.indexOf('=') > 0 && !text.endsWith('='), text.constData());
         }
-        for (int code : {1, 2, 3, 4, 6, 8, 9, 10, 11, 12, 13, 15, 16, 17, 18, 21, 25, 26, 27, 28, 29, 30, 31, 32, 33, 35, 36, 37, 39})
-            QVERIFY2(!window->texts().MsgStr[static_cast<std::size_t>(code)].isEmpty(), qPrintable(QString::number(code)));
+        for (int code : {1,  2,  3,  4,  6,  8,  9,  10, 11, 12, 13, 15, 16, 17, 18,
+                         21, 25, 26, 27, 28, 29, 30, 31, 32, 33, 35, 36, 37, 39})
+            QVERIFY2(!window->texts().MsgStr[static_cast<std::size_t>(code)].isEmpty(),
+                     qPrintable(QString::number(code)));
         for (int filter = 1; filter <= 7; ++filter) {
             // Every file first, the useful pattern second: filter index 2 preselects it.
             const QStringList entries = window->filter(filter).split(";;");
@@ -84,8 +86,8 @@ private slots:
     void languageFileInTheCodePageIsDecoded()
     {
         // "铃声" and "扫描" in GBK, not UTF-8.
-        const std::string gbk = "[SSTab1]\r\nTab1Name=" + zevran::strings::encodeText("铃声") + "\r\nGetTone=" +
-                                zevran::strings::encodeText("扫描") + "\r\n";
+        const std::string gbk = "[SSTab1]\r\nTab1Name=" + zevran::strings::encodeText("铃声") +
+                                "\r\nGetTone=" + zevran::strings::encodeText("扫描") + "\r\n";
         useLanguage("Gbk.ini", QByteArray::fromStdString(gbk));
         auto window = startWindow();
         QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->tabText(0), QString::fromUtf8("铃声"));

@@ -83,8 +83,7 @@ private slots:
                 // The tone tab's table buttons are read a second time among the text tab's keys.
                 if (key.kept || (QString(tabName) == "StringsTab" && QString(key.section) == "SSTab1")) continue;
                 QVERIFY2(tab->findChild<QObject*>(key.objectName), (QString(tabName) + " " + key.objectName).toUtf8());
-                if (key.column >= 0)
-                    QVERIFY(key.column < tab->findChild<QTreeWidget*>(key.objectName)->columnCount());
+                if (key.column >= 0) QVERIFY(key.column < tab->findChild<QTreeWidget*>(key.objectName)->columnCount());
                 ++labelled;
             }
         }
@@ -124,13 +123,14 @@ private slots:
         QCOMPARE(window->findChild<QTreeWidget*>("ListView3")->columnCount(), 3);
         QCOMPARE(window->findChild<QTreeWidget*>("ListView4")->columnCount(), 5);
         QCOMPARE(window->findChild<QTreeWidget*>("ListView5")->columnCount(), 7);
-        for (const char* name : {"GetTone", "SaveToneTable", "OpenToneTable", "SeachString", "Add2List", "OpenPicTable",
-                                 "SavePicTable", "OpenS3File", "OpenBinFile", "ComS3ToBin", "ComBinToS3", "Option1",
-                                 "Option4", "SearchBegin", "Check1", "RepeatPlay", "AllAdd", "PartAddressOption",
-                                 "Text1", "Text21", "Label16", "Picture1", "Picture2", "Slider1", "ET1"})
+        for (const char* name : {"GetTone",      "SaveToneTable", "OpenToneTable",     "SeachString", "Add2List",
+                                 "OpenPicTable", "SavePicTable",  "OpenS3File",        "OpenBinFile", "ComS3ToBin",
+                                 "ComBinToS3",   "Option1",       "Option4",           "SearchBegin", "Check1",
+                                 "RepeatPlay",   "AllAdd",        "PartAddressOption", "Text1",       "Text21",
+                                 "Label16",      "Picture1",      "Picture2",          "Slider1",     "ET1"})
             QVERIFY2(window->findChild<QWidget*>(name), name);
-        for (const char* name : {"menufile1", "menufile2", "menufile3", "menufile4", "menufile5", "file", "menuhelp",
-                                 "menulanguage"})
+        for (const char* name :
+             {"menufile1", "menufile2", "menufile3", "menufile4", "menufile5", "file", "menuhelp", "menulanguage"})
             QVERIFY2(window->findChild<QMenu*>(name), name);
         for (const char* name : {"outputselect", "addmmf", "movealladdress", "outputStraxf", "outputpics3", "Open",
                                  "Save", "Exit", "help", "homepage", "menuexit"})
@@ -158,9 +158,14 @@ private slots:
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("language");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("C locale") << "C" << "English.ini" << "Tones";
-        QTest::newRow("English locale") << "en_GB" << "English.ini" << "Tones";
-        QTest::newRow("Chinese locale") << "zh_CN" << "ChineseS.ini" << QString::fromUtf8("\xE9\x93\x83\xE5\xA3\xB0");
+        QTest::newRow("C locale") << "C"
+                                  << "English.ini"
+                                  << "Tones";
+        QTest::newRow("English locale") << "en_GB"
+                                        << "English.ini"
+                                        << "Tones";
+        QTest::newRow("Chinese locale") << "zh_CN"
+                                        << "ChineseS.ini" << QString::fromUtf8("\xE9\x93\x83\xE5\xA3\xB0");
     }
     void firstStartTakesTheLocalesLanguageAndWritesItAtOnce()
     {
@@ -175,7 +180,8 @@ private slots:
         QCOMPARE(items[language == "ChineseS.ini" ? 0 : 1]->isChecked(), true);
         QCOMPARE(items[language == "ChineseS.ini" ? 1 : 0]->isChecked(), false);
         QCOMPARE(window->findChild<QTabWidget*>("SSTab1")->tabText(0), caption);
-        QVERIFY(readBytes(m_home.path() + "/zevran.ini").startsWith("[Language]\r\nLanguage=" + language.toUtf8() + "\r\n"));
+        QVERIFY(readBytes(m_home.path() + "/zevran.ini")
+                    .startsWith("[Language]\r\nLanguage=" + language.toUtf8() + "\r\n"));
         QVERIFY(closeWindow(*window));
         const QByteArray written = readBytes(m_home.path() + "/zevran.ini");
         QVERIFY2(written.startsWith("[Language]\r\nLanguage=" + language.toUtf8() + "\r\n"), written.constData());
@@ -214,7 +220,8 @@ private slots:
         QVERIFY(!window->findChild<QAction*>("outputaxf")->isEnabled());
         QVERIFY(!window->findChild<QAction*>("outputStraxf")->isEnabled());
         QCOMPARE(window->settings().MobileFilePath, m_home.path());
-        QVERIFY(m_dialogs->asked.first().startsWith("open " + m_home.path() + "|All files (*);;Phone files (*.bin *.asf)|2"));
+        QVERIFY(m_dialogs->asked.first().startsWith("open " + m_home.path() +
+                                                    "|All files (*);;Phone files (*.bin *.asf)|2"));
         QVERIFY(m_dialogs->messages.empty());
     }
 
@@ -222,7 +229,8 @@ private slots:
     {
         auto window = startWindow();
         window->openPhoneFile(phoneFile("PHONE.BIN", QByteArray("..VersionString:...V1.2.3.4rest", 31)));
-        writeBytes(m_home.path() + "/language/ChineseS.ini", "[String]\r\nStatusBar1Str1=(none)\r\nStatusBar1Str2=no file\r\n");
+        writeBytes(m_home.path() + "/language/ChineseS.ini",
+                   "[String]\r\nStatusBar1Str1=(none)\r\nStatusBar1Str2=no file\r\n");
         window->languagNum_Click(1);
         QCOMPARE(window->findChild<QLabel*>("StatusBar1Panel4")->text(), QString("V1.2.3.4"));
         QCOMPARE(window->findChild<QLabel*>("StatusBar1Panel6")->text(), QString("PHONE.BIN"));
@@ -335,9 +343,10 @@ private slots:
         QVERIFY(m_dialogs->asked.isEmpty());
         const QString home = m_home.path();
         const QByteArray written = readBytes(home + "/zevran.ini");
-        const QByteArray folders = ("[File Path]\r\nmmf File Path=" + home + "\r\nMobile File Path=" + home +
-                                    "\r\nRing Save Path=" + home + "\r\nPicture Save Path=" + home +
-                                    "\r\nS3 Save Path=" + home + "\r\nTable Save Path=" + home + "\r\n").toUtf8();
+        const QByteArray folders =
+            ("[File Path]\r\nmmf File Path=" + home + "\r\nMobile File Path=" + home + "\r\nRing Save Path=" + home +
+             "\r\nPicture Save Path=" + home + "\r\nS3 Save Path=" + home + "\r\nTable Save Path=" + home + "\r\n")
+                .toUtf8();
         QVERIFY2(written.startsWith("[Language]\r\nLanguage=English.ini\r\n" + folders), written.constData());
     }
 
@@ -396,7 +405,10 @@ private slots:
         QCOMPARE(window->BrowseForFolder(), QString("/data/pictures/"));
         QCOMPARE(window->BrowseForFolder(), QString("/"));
         QCOMPARE(window->BrowseForFolder(), QString());
-        QCOMPARE(m_dialogs->asked.first(), QString::fromUtf8("folder \xE8\xAF\xB7\xE9\x80\x89\xE6\x8B\xA9\xE8\xBD\xAF\xE4\xBB\xB6\xE5\xAE\x89\xE8\xA3\x85\xE8\xB7\xAF\xE5\xBE\x84\xEF\xBC\x9A"));
+        QCOMPARE(
+            m_dialogs->asked.first(),
+            QString::fromUtf8(
+                "folder \xE8\xAF\xB7\xE9\x80\x89\xE6\x8B\xA9\xE8\xBD\xAF\xE4\xBB\xB6\xE5\xAE\x89\xE8\xA3\x85\xE8\xB7\xAF\xE5\xBE\x84\xEF\xBC\x9A"));
     }
 
     void secondStartInTheSameProgramFolderEndsQuietly()

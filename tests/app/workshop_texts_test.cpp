@@ -158,7 +158,8 @@ private slots:
         window->BrowseForFolder();
         window->languagNum_Click(1);
         window->BrowseForFolder();
-        QCOMPARE(m_dialogs->asked, (QStringList{QString::fromUtf8("folder 请选择软件安装路径："), "folder Choose the folder:"}));
+        QCOMPARE(m_dialogs->asked,
+                 (QStringList{QString::fromUtf8("folder 请选择软件安装路径："), "folder Choose the folder:"}));
     }
 
     void shippedChineseTranslatesEveryWorkshopKeyButTheFixedTexts()

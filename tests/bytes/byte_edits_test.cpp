@@ -59,7 +59,7 @@ TEST(ByteEdits, ChangedBytesAreThoseThatDifferFromTheFileAsOpened)
     UndoHistory history;
     overwrite(state, originals, history, 1, {0xAA, 0x12});  // the second byte is unchanged
     overwrite(state, originals, history, 5, {0xBB});
-    overwrite(state, originals, history, 1, {0xCC});        // over an edited byte: the file's stays kept
+    overwrite(state, originals, history, 1, {0xCC});  // over an edited byte: the file's stays kept
     EXPECT_TRUE(originals.changedAt(state.FirmwareImage, 1));
     EXPECT_FALSE(originals.changedAt(state.FirmwareImage, 2));
     EXPECT_TRUE(originals.changedAt(state.FirmwareImage, 5));

@@ -130,10 +130,10 @@ private slots:
         QCOMPARE(m_tab->BytesStatus->text(), QString("0x00000040"));
         const auto& numbers = m_tab->inspector->numbers;
         QCOMPARE(numbers[0][0]->text(), QString("1"));
-        QCOMPARE(numbers[1][0]->text(), QString("513"));         // 02 01
-        QCOMPARE(numbers[1][2]->text(), QString("258"));         // 01 02
-        QCOMPARE(numbers[2][0]->text(), QString("67305985"));    // 04 03 02 01
-        QCOMPARE(numbers[2][2]->text(), QString("16909060"));    // 01 02 03 04
+        QCOMPARE(numbers[1][0]->text(), QString("513"));       // 02 01
+        QCOMPARE(numbers[1][2]->text(), QString("258"));       // 01 02
+        QCOMPARE(numbers[2][0]->text(), QString("67305985"));  // 04 03 02 01
+        QCOMPARE(numbers[2][2]->text(), QString("16909060"));  // 01 02 03 04
         QCOMPARE(m_tab->inspector->pixelHex[0]->text(), QString("01"));
         QCOMPARE(m_tab->inspector->pixelHex[1]->text(), QString("010"));
         QCOMPARE(m_tab->inspector->pixelHex[2]->text(), QString("0201"));

@@ -60,7 +60,8 @@ TEST(ApplyPatchCommand, RecordPastTheImageEndGrowsTheOutputAndSaysHowFar)
     const RunResult result = runCli(folder, {"apply-patch", "image.bin", "patch.s3", "-o", "patched.bin"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "zevran-cli: patch.s3 reaches past the end of image.bin: patched.bin grew from 32 to 37 bytes\n");
+    EXPECT_EQ(result.err,
+              "zevran-cli: patch.s3 reaches past the end of image.bin: patched.bin grew from 32 to 37 bytes\n");
     Bytes expected = counting(32);
     expected[0x1F] = 0xCC;
     expected.insert(expected.end(), {0xDD, 0xFF, 0xFF, 0xFF, 0xEE});

@@ -50,7 +50,8 @@ TEST(BadPlaces, FullDiskIsReportedForEveryKindOfOutput)
     writeFile(folder.path("plan.txt"), std::string("00000010 00000013 abcd\n"));
     EXPECT_TRUE(failedWith(runCli(folder, {"s3-to-bin", "image.s3", "--data-only", "-o", "/dev/full"}), {"/dev/full"}));
     EXPECT_TRUE(failedWith(runCli(folder, {"bin-to-s3", "image.bin", "-o", "/dev/full"}), {"/dev/full"}));
-    EXPECT_TRUE(failedWith(runCli(folder, {"patch-strings", "image.bin", "plan.txt", "-o", "/dev/full"}), {"/dev/full"}));
+    EXPECT_TRUE(
+        failedWith(runCli(folder, {"patch-strings", "image.bin", "plan.txt", "-o", "/dev/full"}), {"/dev/full"}));
     EXPECT_TRUE(failedWith(runCli(folder, {"apply-patch", "image.bin", "image.s3", "-o", "/dev/full"}), {"/dev/full"}));
 }
 
@@ -74,7 +75,8 @@ TEST(BadPlaces, ToneExportWhereNoFileCanBeMadeNamesTheFile)
     std::copy(head.begin(), head.end(), image.begin() + 0x40);
     writeFile(folder.path("image.bin"), image);
     // A folder under /proc takes no new file, whoever asks.
-    EXPECT_TRUE(failedWith(runCli(folder, {"export-tones", "image.bin", "--to", "/proc/ring.mmf"}), {"/proc/ring-001.mmf"}));
+    EXPECT_TRUE(
+        failedWith(runCli(folder, {"export-tones", "image.bin", "--to", "/proc/ring.mmf"}), {"/proc/ring-001.mmf"}));
 }
 
 TEST(BadTables, LettersWhereNumbersBelongGiveAnUndrawableDepth)
@@ -97,8 +99,9 @@ TEST(BadTables, DimensionsWhoseProductOverflowsAreRefused)
     const std::string table = pictureLine("00000010", "1", "12", "65536*65536", "16");
     EXPECT_TRUE(failedWith(pictureWith(folder, table, {"picture", "image.bin", "table.txt", "1", "-o", "out.bmp"}),
                            {"65536*65536"}));
-    EXPECT_TRUE(failedWith(pictureWith(folder, table, {"picture", "image.bin", "table.txt", "1", "--recompute-size", "-o", "out.bmp"}),
-                           {"table.txt", "line 1", "65536*65536"}));
+    EXPECT_TRUE(failedWith(
+        pictureWith(folder, table, {"picture", "image.bin", "table.txt", "1", "--recompute-size", "-o", "out.bmp"}),
+        {"table.txt", "line 1", "65536*65536"}));
     EXPECT_FALSE(exists(folder.path("out.bmp")));
 }
 

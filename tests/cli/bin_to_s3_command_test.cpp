@@ -72,7 +72,8 @@ TEST(BinToS3Command, RangeLongerThanTheFileIsFilledWithTheChosenByte)
 {
     TempFolder folder;
     writeFile(folder.path("four.bin"), Bytes{1, 2, 3, 4});
-    ASSERT_TRUE(succeeded(runCli(folder, {"bin-to-s3", "four.bin", "--start", "0x20", "--end", "0x33", "--fill", "00"})));
+    ASSERT_TRUE(
+        succeeded(runCli(folder, {"bin-to-s3", "four.bin", "--start", "0x20", "--end", "0x33", "--fill", "00"})));
     // 15 + 20 + 0A = 3F, checksum C0; 09 + 30 = 39, checksum C6.
     EXPECT_EQ(readText(folder.path("four.s3")), kHeader +
                                                     "S3150000002001020304000000000000000000000000C0\r\n"
@@ -135,7 +136,8 @@ TEST(FillS3Command, SixteenFFBytesGiveOneFullLine)
     TempFolder folder;
     ASSERT_TRUE(succeeded(runCli(folder, {"fill-s3", "--start", "0", "--end", "0F", "--fill", "FF", "-o", "fill.s3"})));
     // 15 (count) + 0 (address) + 16 * FF = 15 + FF0 = 1005, low byte 05, checksum FF - 05 = FA.
-    EXPECT_EQ(readText(folder.path("fill.s3")), kHeader + "S31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\n" + kTrailer);
+    EXPECT_EQ(readText(folder.path("fill.s3")),
+              kHeader + "S31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\n" + kTrailer);
 }
 
 TEST(FillS3Command, SeventeenZeroBytesGiveAFullLineAndAOneByteLine)

@@ -69,8 +69,8 @@ inline ::testing::AssertionResult succeeded(const RunResult& result)
 inline ::testing::AssertionResult failedWith(const RunResult& result, std::initializer_list<std::string> mentions)
 {
     auto failure = [&] {
-        return ::testing::AssertionFailure() << "exit " << result.exitCode << ", stdout: \"" << result.out
-                                             << "\", stderr: \"" << result.err << "\"";
+        return ::testing::AssertionFailure()
+               << "exit " << result.exitCode << ", stdout: \"" << result.out << "\", stderr: \"" << result.err << "\"";
     };
     if (result.exitCode != 1) return failure() << " (expected exit 1)";
     if (!result.out.empty()) return failure() << " (expected no stdout)";

@@ -138,8 +138,7 @@ TEST(MakeDemo, OneToneLiesInsideAnother)
     const auto rows = demoTones();
     bool nested = false;
     for (const ToneRow& outer : rows)
-        for (const ToneRow& inner : rows)
-            nested = nested || (inner.start > outer.start && inner.end <= outer.end);
+        for (const ToneRow& inner : rows) nested = nested || (inner.start > outer.start && inner.end <= outer.end);
     EXPECT_TRUE(nested);
 }
 
@@ -198,17 +197,16 @@ TEST_P(MakeDemoString, IsFoundWhereItIsStored)
 
 INSTANTIATE_TEST_SUITE_P(
     Planted, MakeDemoString,
-    ::testing::Values(PlantedString{"Welcome", "Welcome", false, text("Welcome")},
-                      PlantedString{"CallEnded", "Call ended", false, text("Call ended")},
-                      PlantedString{"Messages", "Messages", false, text("Messages")},
-                      PlantedString{"WelcomeInGbk", "欢迎使用", false,
-                                    {0xBB, 0xB6, 0xD3, 0xAD, 0xCA, 0xB9, 0xD3, 0xC3}},
-                      PlantedString{"ShortMessagesInGbk", "短信息", false, {0xB6, 0xCC, 0xD0, 0xC5, 0xCF, 0xA2}},
-                      // Handset codes: "A1" before each Latin-1 byte, UTF-16 for a Chinese character.
-                      PlantedString{"HelloInHandsetCodes", "Hello", true,
-                                    {0xA1, 0x48, 0xA1, 0x65, 0xA1, 0x6C, 0xA1, 0x6C, 0xA1, 0x6F}},
-                      PlantedString{"ChineseMenuInHandsetCodes", "中文菜单", true,
-                                    {0x4E, 0x2D, 0x65, 0x87, 0x83, 0xDC, 0x53, 0x55}}),
+    ::testing::Values(
+        PlantedString{"Welcome", "Welcome", false, text("Welcome")},
+        PlantedString{"CallEnded", "Call ended", false, text("Call ended")},
+        PlantedString{"Messages", "Messages", false, text("Messages")},
+        PlantedString{"WelcomeInGbk", "欢迎使用", false, {0xBB, 0xB6, 0xD3, 0xAD, 0xCA, 0xB9, 0xD3, 0xC3}},
+        PlantedString{"ShortMessagesInGbk", "短信息", false, {0xB6, 0xCC, 0xD0, 0xC5, 0xCF, 0xA2}},
+        // Handset codes: "A1" before each Latin-1 byte, UTF-16 for a Chinese character.
+        PlantedString{
+            "HelloInHandsetCodes", "Hello", true, {0xA1, 0x48, 0xA1, 0x65, 0xA1, 0x6C, 0xA1, 0x6C, 0xA1, 0x6F}},
+        PlantedString{"ChineseMenuInHandsetCodes", "中文菜单", true, {0x4E, 0x2D, 0x65, 0x87, 0x83, 0xDC, 0x53, 0x55}}),
     [](const ::testing::TestParamInfo<PlantedString>& row) { return std::string(row.param.label); });
 
 // Rows of the picture table, in order, with the size field of the BMP each decodes to:
@@ -219,13 +217,13 @@ struct PictureRow {
     std::uint32_t bmpSize;
 };
 const PictureRow kPictureRows[] = {
-    {24, 54 + 384 * 160},     // 128*160
-    {16, 70 + 256 * 160},     // 128*160
-    {4, 118 + 48 * 96},       // 96*96
-    {8, 54 + 288 * 96},       // 96*96
-    {12, 54 + 240 * 80},      // 80*80
-    {1, 62 + 768},            // 64*96, the whole display memory
-    {16, 70 + 128 * 64},      // 64*64, one frame of the animation
+    {24, 54 + 384 * 160},  // 128*160
+    {16, 70 + 256 * 160},  // 128*160
+    {4, 118 + 48 * 96},    // 96*96
+    {8, 54 + 288 * 96},    // 96*96
+    {12, 54 + 240 * 80},   // 80*80
+    {1, 62 + 768},         // 64*96, the whole display memory
+    {16, 70 + 128 * 64},   // 64*64, one frame of the animation
 };
 
 TEST(MakeDemo, EveryPictureRowDecodesToABmpOfItsSize)

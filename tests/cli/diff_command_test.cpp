@@ -22,7 +22,8 @@ Bytes varied(std::size_t count)
 
 // Writes OLD and NEW, runs diff with -o, lays the patch over OLD with apply-patch and
 // returns the result.
-Bytes patchedBack(const TempFolder& folder, const Bytes& older, const Bytes& newer, const std::vector<std::string>& extra = {})
+Bytes patchedBack(const TempFolder& folder, const Bytes& older, const Bytes& newer,
+                  const std::vector<std::string>& extra = {})
 {
     writeFile(folder.path("old.bin"), older);
     writeFile(folder.path("new.bin"), newer);
@@ -104,7 +105,9 @@ TEST(DiffCommand, ShorterNewFileFailsNamingBothLengths)
     writeFile(folder.path("new.bin"), text("ABCDEFG"));
     const RunResult result = runCli(folder, {"diff", "old.bin", "new.bin", "-o", "change.s3"});
     EXPECT_TRUE(failedWith(result, {"new.bin", "old.bin", "7 bytes", "10"}));
-    EXPECT_EQ(result.err, "zevran-cli: new.bin: holds 7 bytes, fewer than the 10 of old.bin; a patch cannot shorten an image; nothing was written\n");
+    EXPECT_EQ(
+        result.err,
+        "zevran-cli: new.bin: holds 7 bytes, fewer than the 10 of old.bin; a patch cannot shorten an image; nothing was written\n");
     EXPECT_FALSE(exists(folder.path("change.s3")));
 }
 
@@ -133,7 +136,8 @@ TEST(DiffCommand, ApplyingThePatchGivesALongerNewFileWhole)
     EXPECT_EQ(result.out, "0x0000000C 0x0000000C 1\n0x0001116F 0x0001118A 28\n");
     const RunResult applied = runCli(folder, {"apply-patch", "old.bin", "change.s3", "-o", "patched.bin"});
     EXPECT_EQ(applied.exitCode, 0);
-    EXPECT_EQ(applied.err, "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 70000 to 70027 bytes\n");
+    EXPECT_EQ(applied.err,
+              "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 70000 to 70027 bytes\n");
     EXPECT_EQ(readBytes(folder.path("patched.bin")), newer);
 }
 
@@ -153,8 +157,9 @@ TEST(DiffCommand, ApplyingThePatchGivesNewAtEveryLongerLength)
             ASSERT_TRUE(succeeded(runCli(folder, {"diff", "old.bin", "new.bin", "-o", "change.s3"})));
             const RunResult applied = runCli(folder, {"apply-patch", "old.bin", "change.s3", "-o", "patched.bin"});
             EXPECT_EQ(applied.exitCode, 0);
-            EXPECT_EQ(applied.err, "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 100 to " +
-                                       std::to_string(100 + extra) + " bytes\n");
+            EXPECT_EQ(applied.err,
+                      "zevran-cli: change.s3 reaches past the end of old.bin: patched.bin grew from 100 to " +
+                          std::to_string(100 + extra) + " bytes\n");
             EXPECT_EQ(readBytes(folder.path("patched.bin")), newer);
         }
     }

@@ -43,15 +43,14 @@ TEST(RenderCommand, WritesTheBmpOfASixteenBitPictureAtTheAddress)
     Bytes image(0x20, 0xEE);
     for (int i = 0; i < 12; ++i) image[0x10 + i] = static_cast<std::uint8_t>(0xA0 + i);
     writeFile(folder.path("image.bin"), image);
-    ASSERT_TRUE(succeeded(runAtHome(
-        folder, {"render", "image.bin", "--at", "0x10", "--depth", "16", "--width", "3", "--height", "2", "-o", "out.bmp"})));
+    ASSERT_TRUE(succeeded(runAtHome(folder, {"render", "image.bin", "--at", "0x10", "--depth", "16", "--width", "3",
+                                             "--height", "2", "-o", "out.bmp"})));
     const Bytes expected = {
-        0x42, 0x4D, 0x56, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46, 0x00, 0x00, 0x00,
-        0x28, 0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0x10, 0x00,
-        0x03, 0x00, 0x00, 0x00, 0x10, 0x00, 0x00, 0x00, 0xC4, 0x0E, 0x00, 0x00, 0xC4, 0x0E, 0x00, 0x00,
-        0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
-        0x00, 0xF8, 0x00, 0x00, 0xE0, 0x07, 0x00, 0x00, 0x1F, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
-        0xA6, 0xA7, 0xA8, 0xA9, 0xAA, 0xAB, 0x00, 0x00,  // the bottom row first
+        0x42, 0x4D, 0x56, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46, 0x00, 0x00, 0x00, 0x28, 0x00,
+        0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0x10, 0x00, 0x03, 0x00,
+        0x00, 0x00, 0x10, 0x00, 0x00, 0x00, 0xC4, 0x0E, 0x00, 0x00, 0xC4, 0x0E, 0x00, 0x00, 0x00, 0x00,
+        0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF8, 0x00, 0x00, 0xE0, 0x07, 0x00, 0x00, 0x1F, 0x00,
+        0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xA6, 0xA7, 0xA8, 0xA9, 0xAA, 0xAB, 0x00, 0x00,  // the bottom row first
         0xA0, 0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0x00, 0x00,
     };
     EXPECT_EQ(readBytes(folder.path("out.bmp")), expected);
@@ -63,16 +62,17 @@ TEST(RenderCommand, EveryDepthGivesTheBmpThatPictureGivesForSuchARow)
         int depth;
         std::string pixels, width, height;
         int frameSize;
-    } cases[] = {{1, "64*96", "64", "96", 768},  {4, "9*5", "9", "5", 23},     {8, "13*7", "13", "7", 91},
-                 {12, "10*4", "10", "4", 60},    {16, "17*3", "17", "3", 102}, {24, "5*5", "5", "5", 75}};
+    } cases[] = {{1, "64*96", "64", "96", 768}, {4, "9*5", "9", "5", 23},     {8, "13*7", "13", "7", 91},
+                 {12, "10*4", "10", "4", 60},   {16, "17*3", "17", "3", 102}, {24, "5*5", "5", "5", 75}};
     for (const auto& c : cases) {
         SCOPED_TRACE("depth " + std::to_string(c.depth));
         TempFolder folder;
         writeFile(folder.path("image.bin"), counting());
         writeFile(folder.path("table.txt"), tableLine("0000012D", c.frameSize, c.pixels, c.depth));
         ASSERT_TRUE(succeeded(runAtHome(folder, {"picture", "image.bin", "table.txt", "1", "-o", "picture.bmp"})));
-        ASSERT_TRUE(succeeded(runAtHome(folder, {"render", "image.bin", "--at", "12D", "--depth", std::to_string(c.depth),
-                                                 "--width", c.width, "--height", c.height, "-o", "render.bmp"})));
+        ASSERT_TRUE(
+            succeeded(runAtHome(folder, {"render", "image.bin", "--at", "12D", "--depth", std::to_string(c.depth),
+                                         "--width", c.width, "--height", c.height, "-o", "render.bmp"})));
         EXPECT_EQ(readBytes(folder.path("render.bmp")), readBytes(folder.path("picture.bmp")));
     }
 }
@@ -92,8 +92,8 @@ TEST(RenderCommand, RefusedDepthFailsInEnglishAndWritesNothing)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting());
-    const RunResult result = runAtHome(
-        folder, {"render", "image.bin", "--at", "10", "--depth", "2", "--width", "8", "--height", "8", "-o", "out.bmp"});
+    const RunResult result = runAtHome(folder, {"render", "image.bin", "--at", "10", "--depth", "2", "--width", "8",
+                                                "--height", "8", "-o", "out.bmp"});
     EXPECT_TRUE(failedWith(result, {"image.bin", "0x00000010", "depth 2 cannot be drawn"}));
     EXPECT_FALSE(exists(folder.path("out.bmp")));
 }
@@ -102,10 +102,10 @@ TEST(RenderCommand, MissingOptionsAndBadAddressesAreUsageErrors)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting());
-    EXPECT_TRUE(usageError(runAtHome(folder, {"render", "image.bin", "--depth", "16", "--width", "8", "--height", "8",
-                                              "-o", "out.bmp"})));
-    EXPECT_TRUE(usageError(runAtHome(folder, {"render", "image.bin", "--at", "10", "--depth", "16", "--width", "8",
-                                              "--height", "8"})));
+    EXPECT_TRUE(usageError(
+        runAtHome(folder, {"render", "image.bin", "--depth", "16", "--width", "8", "--height", "8", "-o", "out.bmp"})));
+    EXPECT_TRUE(usageError(
+        runAtHome(folder, {"render", "image.bin", "--at", "10", "--depth", "16", "--width", "8", "--height", "8"})));
     EXPECT_TRUE(usageError(runAtHome(folder, {"render", "image.bin", "--at", "1G", "--depth", "16", "--width", "8",
                                               "--height", "8", "-o", "out.bmp"})));
     EXPECT_TRUE(usageError(runAtHome(folder, {"render", "image.bin", "--at", "123456789", "--depth", "16", "--width",
@@ -169,10 +169,12 @@ TEST(GuessWidthCommand, LimitsOutOfOrderOrTooWideAreUsageErrors)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting());
-    EXPECT_TRUE(usageError(runAtHome(folder, {"guess-width", "image.bin", "--at", "0", "--depth", "16", "--min", "0"})));
+    EXPECT_TRUE(
+        usageError(runAtHome(folder, {"guess-width", "image.bin", "--at", "0", "--depth", "16", "--min", "0"})));
     EXPECT_TRUE(usageError(
         runAtHome(folder, {"guess-width", "image.bin", "--at", "0", "--depth", "16", "--min", "40", "--max", "30"})));
-    EXPECT_TRUE(usageError(runAtHome(folder, {"guess-width", "image.bin", "--at", "0", "--depth", "16", "--max", "2049"})));
+    EXPECT_TRUE(
+        usageError(runAtHome(folder, {"guess-width", "image.bin", "--at", "0", "--depth", "16", "--max", "2049"})));
     EXPECT_TRUE(usageError(runAtHome(folder, {"guess-width", "image.bin", "--depth", "16"})));
 }
 

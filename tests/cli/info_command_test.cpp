@@ -38,8 +38,7 @@ INSTANTIATE_TEST_SUITE_P(Names, InfoKind,
                          ::testing::Values(KindRow{"UpperCaseBin", "PHONE.BIN", "bin"},
                                            KindRow{"LowerCaseBin", "phone.bin", "bin"},
                                            KindRow{"UpperCaseAxf", "phone.AXF", "asf"},
-                                           KindRow{"CfnEndsInN", "x.cfn", "bin"},
-                                           KindRow{"ElfEndsInF", "x.elf", "asf"},
+                                           KindRow{"CfnEndsInN", "x.cfn", "bin"}, KindRow{"ElfEndsInF", "x.elf", "asf"},
                                            KindRow{"S3IsOther", "phone.s3", "other"}),
                          [](const ::testing::TestParamInfo<KindRow>& row) { return std::string(row.param.label); });
 
@@ -128,7 +127,8 @@ TEST(InfoCommand, VersionBytesAreCopiedAsTheyAre)
 {
     TempFolder folder;
     const std::string version("\x01\xFE\x00 v\t\x7F\x80", 8);
-    const RunResult result = infoOf(folder, "phone.bin", std::string("\x00", 1) + kVersionMarker + std::string(3, '\0') + version);
+    const RunResult result =
+        infoOf(folder, "phone.bin", std::string("\x00", 1) + kVersionMarker + std::string(3, '\0') + version);
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "kind: bin\nlength: 26\nversion: " + version + "\n");
 }

@@ -16,8 +16,9 @@ const std::string kTrailer = "S705A002000058\r\n";
 std::string pictureLine(const std::string& name, const std::string& address, int frames, int frameSize,
                         const std::string& pixels, int depth)
 {
-    return "001 " + name + "\t 0X" + address + "\t Frames: " + std::to_string(frames) + "\t Size: " +
-           std::to_string(frameSize) + "\t Pixels: " + pixels + "\t Bits: " + std::to_string(depth) + "\t\r\n";
+    return "001 " + name + "\t 0X" + address + "\t Frames: " + std::to_string(frames) +
+           "\t Size: " + std::to_string(frameSize) + "\t Pixels: " + pixels + "\t Bits: " + std::to_string(depth) +
+           "\t\r\n";
 }
 
 // Every name below `folder`, folders included, sorted; the run's captures left out.
@@ -58,28 +59,52 @@ std::vector<FailingRun> failingRuns()
 {
     return {
         // A good record is converted before line 3 fails: the output was begun.
-        {"s3-to-bin", {{"in.s3", text(kHeader + "S3090000001001020304DC\r\nS3030000FC\r\n" + kTrailer)}}, "out.bin",
+        {"s3-to-bin",
+         {{"in.s3", text(kHeader + "S3090000001001020304DC\r\nS3030000FC\r\n" + kTrailer)}},
+         "out.bin",
          {"s3-to-bin", "in.s3", "-o", "out.bin"}},
-        {"bin-to-s3", {{"in.bin", kImage}}, "out.s3", {"bin-to-s3", "in.bin", "--start", "10", "--end", "8", "-o", "out.s3"}},
+        {"bin-to-s3",
+         {{"in.bin", kImage}},
+         "out.s3",
+         {"bin-to-s3", "in.bin", "--start", "10", "--end", "8", "-o", "out.s3"}},
         {"fill-s3", {}, "out.s3", {"fill-s3", "--start", "10", "--end", "8", "--fill", "00", "-o", "out.s3"}},
         // The second record's checksum is wrong, after the first was laid over.
-        {"apply-patch", {{"image.bin", kImage}, {"patch.s3", text(kHeader + "S30700000004AABBFF\r\n")}}, "out.bin",
+        {"apply-patch",
+         {{"image.bin", kImage}, {"patch.s3", text(kHeader + "S30700000004AABBFF\r\n")}},
+         "out.bin",
          {"apply-patch", "image.bin", "patch.s3", "-o", "out.bin"}},
-        {"export-tones", {{"image.bin", toneRunningPastTheEnd()}}, "ring-001.mmf",
+        {"export-tones",
+         {{"image.bin", toneRunningPastTheEnd()}},
+         "ring-001.mmf",
          {"export-tones", "image.bin", "--to", "ring.mmf"}},
-        {"patch-strings", {{"image.bin", kImage}, {"plan.txt", text("00000004 00000002 abc\n")}}, "out.s3",
+        {"patch-strings",
+         {{"image.bin", kImage}, {"plan.txt", text("00000004 00000002 abc\n")}},
+         "out.s3",
          {"patch-strings", "image.bin", "plan.txt", "-o", "out.s3"}},
-        {"picture", {{"image.bin", kImage}, {"table.txt", kTwoFrameTable}}, "out.bmp",
+        {"picture",
+         {{"image.bin", kImage}, {"table.txt", kTwoFrameTable}},
+         "out.bmp",
          {"picture", "image.bin", "table.txt", "1", "--frame", "3", "-o", "out.bmp"}},
-        {"export-pictures", {{"image.bin", kImage}, {"table.txt", text(pictureLine("logo", "00000010", 1, 12, "65536*65536", 16))}},
-         "out/logo-01.bmp", {"export-pictures", "image.bin", "table.txt", "--to", "out"}},
-        {"picture-patch", {{"image.bin", kImage}, {"table.txt", text(pictureLine("logo", "00000030", 2, 12, "3*2", 16))}},
-         "out.s3", {"picture-patch", "image.bin", "table.txt", "--rows", "1", "-o", "out.s3"}},
-        {"render", {{"image.bin", kImage}}, "out.bmp",
+        {"export-pictures",
+         {{"image.bin", kImage}, {"table.txt", text(pictureLine("logo", "00000010", 1, 12, "65536*65536", 16))}},
+         "out/logo-01.bmp",
+         {"export-pictures", "image.bin", "table.txt", "--to", "out"}},
+        {"picture-patch",
+         {{"image.bin", kImage}, {"table.txt", text(pictureLine("logo", "00000030", 2, 12, "3*2", 16))}},
+         "out.s3",
+         {"picture-patch", "image.bin", "table.txt", "--rows", "1", "-o", "out.s3"}},
+        {"render",
+         {{"image.bin", kImage}},
+         "out.bmp",
          {"render", "image.bin", "--at", "10", "--depth", "2", "--width", "4", "--height", "4", "-o", "out.bmp"}},
-        {"import-picture", {{"image.bin", kImage}, {"table.txt", kTwoFrameTable}, {"notes.png", text("not a picture")}},
-         "out.s3", {"import-picture", "image.bin", "table.txt", "1", "--from", "notes.png", "-o", "out.s3"}},
-        {"diff", {{"old.bin", kImage}, {"new.bin", text("short")}}, "out.s3", {"diff", "old.bin", "new.bin", "-o", "out.s3"}},
+        {"import-picture",
+         {{"image.bin", kImage}, {"table.txt", kTwoFrameTable}, {"notes.png", text("not a picture")}},
+         "out.s3",
+         {"import-picture", "image.bin", "table.txt", "1", "--from", "notes.png", "-o", "out.s3"}},
+        {"diff",
+         {{"old.bin", kImage}, {"new.bin", text("short")}},
+         "out.s3",
+         {"diff", "old.bin", "new.bin", "-o", "out.s3"}},
     };
 }
 
@@ -103,12 +128,11 @@ TEST_P(OutputSafety, FailedRunKeepsTheExistingOutputAndLeavesNoTemporary)
     EXPECT_EQ(namesBelow(folder), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryWritingCommand, OutputSafety, ::testing::ValuesIn(failingRuns()),
-                         [](const auto& row) {
-                             std::string name = row.param.name;
-                             std::replace(name.begin(), name.end(), '-', '_');
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(EveryWritingCommand, OutputSafety, ::testing::ValuesIn(failingRuns()), [](const auto& row) {
+    std::string name = row.param.name;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
 
 TEST(OutputSafety, ConversionFailingPartWaySaysNothingWasWrittenToItsOutput)
 {

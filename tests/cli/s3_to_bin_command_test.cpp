@@ -15,8 +15,7 @@ const std::string kRecordAt10 = "S3090000001001020304DC";
 const std::string kRecordAt20 = "S3090000002005060708BC";
 const std::string kTwoRecords = kHeader + kRecordAt10 + "\r\n" + kRecordAt20 + "\r\n" + kTrailer;
 
-const Bytes kTwoRecordsFilledFF =
-    joined({repeated(16, 0xFF), {1, 2, 3, 4}, repeated(12, 0xFF), {5, 6, 7, 8}});
+const Bytes kTwoRecordsFilledFF = joined({repeated(16, 0xFF), {1, 2, 3, 4}, repeated(12, 0xFF), {5, 6, 7, 8}});
 
 RunResult convert(const TempFolder& folder, const std::string& text, std::vector<std::string> options)
 {
@@ -157,7 +156,8 @@ TEST(S3ToBinCommand, RecordBelowTheLastOneIsFineInDataOnlyMode)
 TEST(S3ToBinCommand, LineFeedOnlyLineEndsWork)
 {
     TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, "S00600004844521B\n" + kRecordAt10 + "\n" + kRecordAt20 + "\nS705A002000058\n", {})));
+    ASSERT_TRUE(
+        succeeded(convert(folder, "S00600004844521B\n" + kRecordAt10 + "\n" + kRecordAt20 + "\nS705A002000058\n", {})));
     EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
 }
 
@@ -171,7 +171,8 @@ TEST(S3ToBinCommand, CarriageReturnLineFeedLineEndsWork)
 TEST(S3ToBinCommand, LoneCarriageReturnLineEndsWork)
 {
     TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, "S00600004844521B\r" + kRecordAt10 + "\r" + kRecordAt20 + "\rS705A002000058\r", {})));
+    ASSERT_TRUE(
+        succeeded(convert(folder, "S00600004844521B\r" + kRecordAt10 + "\r" + kRecordAt20 + "\rS705A002000058\r", {})));
     EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
 }
 
@@ -212,10 +213,13 @@ TEST(S3ToBinCommand, InputFromAPipeIsReadAsAStream)
 TEST(S3ToBinAnyRecords, S1S2AndS3RecordsArePlacedAtTheirAddresses)
 {
     TempFolder folder;
-    const std::string text = "S0030000FC\nS107001001020304DE\nS20800002005060708BD\nS30900000030090A0B0C9C\nS9030000FC\n";
+    const std::string text =
+        "S0030000FC\nS107001001020304DE\nS20800002005060708BD\nS30900000030090A0B0C9C\nS9030000FC\n";
     ASSERT_TRUE(succeeded(convert(folder, text, {"--any-records"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), joined({repeated(16, 0xFF), {1, 2, 3, 4}, repeated(12, 0xFF),
-                                                         {5, 6, 7, 8}, repeated(12, 0xFF), {9, 10, 11, 12}}));
+    EXPECT_EQ(
+        readBytes(folder.path("out.bin")),
+        joined(
+            {repeated(16, 0xFF), {1, 2, 3, 4}, repeated(12, 0xFF), {5, 6, 7, 8}, repeated(12, 0xFF), {9, 10, 11, 12}}));
 }
 
 TEST(S3ToBinAnyRecords, HeaderCountAndTrailerRecordsCarryNoData)

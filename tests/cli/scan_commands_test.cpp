@@ -45,7 +45,8 @@ TEST(FindPicturesCommand, JsonHoldsTheSameCandidates)
     TempFolder folder;
     const RunResult result = findIn(folder, imageWithAPicture(), {"--json"});
     ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out.substr(0, 70), "[{\"address\": 24576, \"depth\": 16, \"width\": 56, \"height\": 56, \"score\": 0");
+    EXPECT_EQ(result.out.substr(0, 70),
+              "[{\"address\": 24576, \"depth\": 16, \"width\": 56, \"height\": 56, \"score\": 0");
     EXPECT_EQ(result.out.substr(result.out.size() - 3), "}]\n");
 }
 
@@ -78,7 +79,8 @@ TEST(FindPicturesCommand, RefusedRangesAndDepthsSayWhy)
     const std::string size = std::to_string(image.size());
     EXPECT_TRUE(failedWith(findIn(folder, image, {"--from", "0x100000"}), {"--from 0x00100000", size}));
     EXPECT_TRUE(failedWith(findIn(folder, image, {"--to", "0x100000"}), {"--to 0x00100000", size}));
-    EXPECT_TRUE(failedWith(findIn(folder, image, {"--from", "0x2000", "--to", "0x1000"}), {"--to 0x00001000", "before"}));
+    EXPECT_TRUE(
+        failedWith(findIn(folder, image, {"--from", "0x2000", "--to", "0x1000"}), {"--to 0x00001000", "before"}));
     EXPECT_TRUE(failedWith(findIn(folder, image, {"--depth", "2"}), {"depth 2"}));
     EXPECT_TRUE(usageError(findIn(folder, image, {"--from", "xyz"})));
     EXPECT_TRUE(usageError(findIn(folder, image, {"--depth"})));
@@ -87,8 +89,10 @@ TEST(FindPicturesCommand, RefusedRangesAndDepthsSayWhy)
 TEST(FindPicturesCommand, TableMarksKnownCandidates)
 {
     TempFolder folder;
-    writeFile(folder.path("known.txt"), std::string("001 icon\t 0X00006100\t Frames: 1\t Size: 16\t Pixels: 2*4\t Bits: 16\t\r\n"));
-    writeFile(folder.path("other.txt"), std::string("001 icon\t 0X00001000\t Frames: 1\t Size: 16\t Pixels: 2*4\t Bits: 16\t\r\n"));
+    writeFile(folder.path("known.txt"),
+              std::string("001 icon\t 0X00006100\t Frames: 1\t Size: 16\t Pixels: 2*4\t Bits: 16\t\r\n"));
+    writeFile(folder.path("other.txt"),
+              std::string("001 icon\t 0X00001000\t Frames: 1\t Size: 16\t Pixels: 2*4\t Bits: 16\t\r\n"));
     const Bytes image = imageWithAPicture();
     const RunResult known = findIn(folder, image, {"--table", "known.txt"});
     ASSERT_TRUE(succeeded(known));

@@ -89,7 +89,8 @@ TEST_P(PeerOutputConvertsBack, IntoTheSameBytes)
     const RunResult peer = runProgram(folder, *output.tool, output.peerArgs);
     ASSERT_EQ(peer.exitCode, 0) << peer.err;
     const std::string text = readText(folder.path(output.file));
-    for (const std::string& mark : output.marks) EXPECT_TRUE(contains(text, mark)) << mark << " in " << text.substr(0, 60);
+    for (const std::string& mark : output.marks)
+        EXPECT_TRUE(contains(text, mark)) << mark << " in " << text.substr(0, 60);
     for (const std::string& part : output.absent) EXPECT_FALSE(contains(text, part)) << part;
     std::vector<std::string> read{"s3-to-bin", output.file};
     read.insert(read.end(), output.readArgs.begin(), output.readArgs.end());
@@ -98,26 +99,47 @@ TEST_P(PeerOutputConvertsBack, IntoTheSameBytes)
     EXPECT_EQ(readBytes(folder.path("back.bin")), data);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    SRecordPeers, PeerOutputConvertsBack,
-    ::testing::Values(
-        // S3 lines without a count record, "\n" ends and an empty header.
-        PeerOutput{"SrecCatS3WithoutCountRecord", &kSrecCat, 5000,
-                   {"in.bin", "-binary", "-o", "peer.s3", "-motorola", "-address-length=4", "-disable=data-count",
-                    "-header", ""},
-                   "peer.s3", {"S0030000FC\nS3"}, {"\r", "\nS5"}, {"--data-only"}},
-        // objcopy puts the output's name in its S0 record; a short name keeps the count
-        // below 10, so the line starts "S00" and is skipped as a header.
-        PeerOutput{"ObjcopyS3", &kObjcopy, 5000, {"-I", "binary", "-O", "srec", "--srec-forceS3", "in.bin", "x.s3"},
-                   "x.s3", {"S00", "\nS3"}, {}, {"--data-only"}},
-        // A header with text, S1 then S2 records past 64 KiB, and a count record.
-        PeerOutput{"SrecCatDefault", &kSrecCat, kPastS1Range, {"in.bin", "-binary", "-o", "peer.srec", "-motorola"},
-                   "peer.srec", {"\nS1", "\nS2", "\nS5"}, {"S00"}, {"--any-records", "--data-only"}},
-        // 0x23 = 2 address bytes + 32 data bytes + checksum.
-        PeerOutput{"SrecCat32ByteLines", &kSrecCat, kPastS1Range,
-                   {"in.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=32"}, "peer.srec", {"\nS123"}, {},
-                   {"--any-records", "--data-only"}}),
-    [](const ::testing::TestParamInfo<PeerOutput>& row) { return std::string(row.param.label); });
+INSTANTIATE_TEST_SUITE_P(SRecordPeers, PeerOutputConvertsBack,
+                         ::testing::Values(
+                             // S3 lines without a count record, "\n" ends and an empty header.
+                             PeerOutput{"SrecCatS3WithoutCountRecord",
+                                        &kSrecCat,
+                                        5000,
+                                        {"in.bin", "-binary", "-o", "peer.s3", "-motorola", "-address-length=4",
+                                         "-disable=data-count", "-header", ""},
+                                        "peer.s3",
+                                        {"S0030000FC\nS3"},
+                                        {"\r", "\nS5"},
+                                        {"--data-only"}},
+                             // objcopy puts the output's name in its S0 record; a short name keeps the count
+                             // below 10, so the line starts "S00" and is skipped as a header.
+                             PeerOutput{"ObjcopyS3",
+                                        &kObjcopy,
+                                        5000,
+                                        {"-I", "binary", "-O", "srec", "--srec-forceS3", "in.bin", "x.s3"},
+                                        "x.s3",
+                                        {"S00", "\nS3"},
+                                        {},
+                                        {"--data-only"}},
+                             // A header with text, S1 then S2 records past 64 KiB, and a count record.
+                             PeerOutput{"SrecCatDefault",
+                                        &kSrecCat,
+                                        kPastS1Range,
+                                        {"in.bin", "-binary", "-o", "peer.srec", "-motorola"},
+                                        "peer.srec",
+                                        {"\nS1", "\nS2", "\nS5"},
+                                        {"S00"},
+                                        {"--any-records", "--data-only"}},
+                             // 0x23 = 2 address bytes + 32 data bytes + checksum.
+                             PeerOutput{"SrecCat32ByteLines",
+                                        &kSrecCat,
+                                        kPastS1Range,
+                                        {"in.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=32"},
+                                        "peer.srec",
+                                        {"\nS123"},
+                                        {},
+                                        {"--any-records", "--data-only"}}),
+                         [](const ::testing::TestParamInfo<PeerOutput>& row) { return std::string(row.param.label); });
 
 TEST(SRecordPeers, AnyRecordsFullAddressFillsBelowSrecCatOffsetData)
 {
@@ -128,7 +150,8 @@ TEST(SRecordPeers, AnyRecordsFullAddressFillsBelowSrecCatOffsetData)
     const RunResult peer =
         runProgram(folder, kSrecCat, {"data.bin", "-binary", "-offset", "0x100", "-o", "peer.srec", "-motorola"});
     ASSERT_EQ(peer.exitCode, 0) << peer.err;
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.srec", "--any-records", "--fill", "5A", "-o", "back.bin"})));
+    ASSERT_TRUE(
+        succeeded(runCli(folder, {"s3-to-bin", "peer.srec", "--any-records", "--fill", "5A", "-o", "back.bin"})));
     EXPECT_EQ(readBytes(folder.path("back.bin")), joined({repeated(0x100, 0x5A), data}));
 }
 
@@ -159,7 +182,8 @@ TEST(SRecordPeers, SrecCatS3FileLongerThanOneBlockConvertsBack)
     ASSERT_EQ(peer.exitCode, 0) << peer.err;
     ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.s3", "-o", "full.bin"})));
     EXPECT_EQ(readBytes(folder.path("full.bin")), data);
-    ASSERT_TRUE(succeeded(runCli(folder, {"s3-to-bin", "peer.s3", "--any-records", "--data-only", "-o", "strict.bin"})));
+    ASSERT_TRUE(
+        succeeded(runCli(folder, {"s3-to-bin", "peer.s3", "--any-records", "--data-only", "-o", "strict.bin"})));
     EXPECT_EQ(readBytes(folder.path("strict.bin")), data);
 }
 

@@ -42,8 +42,8 @@ TEST(FindTextCommand, AllListsEveryHitInAddressOrder)
 {
     TempFolder folder;
     // "abc" at 0x01, "abcd" at 0x06, "abcdef" at 0x0C; each ends in a zero.
-    writeFile(folder.path("image.bin"), joined({{0xFF}, text("abc"), {0x00, 0xFF}, text("abcd"), {0x00, 0xFF},
-                                                text("abcdef"), {0x00}}));
+    writeFile(folder.path("image.bin"),
+              joined({{0xFF}, text("abc"), {0x00, 0xFF}, text("abcd"), {0x00, 0xFF}, text("abcdef"), {0x00}}));
     const RunResult all = runAtHome(folder, {"find-text", "image.bin", "abc", "--all"});
     ASSERT_TRUE(succeeded(all));
     EXPECT_EQ(all.out, "00000001 00000003 3\n"
@@ -65,7 +65,8 @@ TEST(FindTextCommand, HitRunningToTheImageEndWithoutAZeroIsSkipped)
 {
     TempFolder folder;
     // The second "Hello" at 0x10 runs to the last byte with no zero after it.
-    writeFile(folder.path("image.bin"), joined({{0xFF, 0xFF}, text("Hello"), {0x00}, repeated(8, 0xFF), text("Hello!")}));
+    writeFile(folder.path("image.bin"),
+              joined({{0xFF, 0xFF}, text("Hello"), {0x00}, repeated(8, 0xFF), text("Hello!")}));
     const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hello", "--all"});
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "00000002 00000006 5\n");
@@ -82,8 +83,9 @@ TEST(FindTextHandsetCodes, AsciiCharactersAreSearchedAsA1AndTheirByte)
 {
     TempFolder folder;
     // The plain "Hi" at 0x02 is not a handset string; A1 48 A1 69 A1 20 at 0x10 is, 6 bytes = 3 characters.
-    writeFile(folder.path("image.bin"), joined({{0xFF, 0xFF}, text("Hi"), {0x00}, repeated(11, 0xFF),
-                                                {0xA1, 0x48, 0xA1, 0x69, 0xA1, 0x20, 0x00}}));
+    writeFile(
+        folder.path("image.bin"),
+        joined({{0xFF, 0xFF}, text("Hi"), {0x00}, repeated(11, 0xFF), {0xA1, 0x48, 0xA1, 0x69, 0xA1, 0x20, 0x00}}));
     const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hi", "--handset-codes", "--all"});
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "00000010 00000015 3\n");
@@ -102,8 +104,8 @@ TEST(FindTextHandsetCodes, OddByteCountShowsAHalfCharacter)
 namespace {
 
 // 中国 twice: in GBK (D6 D0 B9 FA) at 0x04 and as UTF-16 code units (4E 2D 56 FD) at 0x0A.
-const Bytes kChineseImage = joined({repeated(4, 0xFF), {0xD6, 0xD0, 0xB9, 0xFA, 0x00, 0xFF},
-                                    {0x4E, 0x2D, 0x56, 0xFD, 0x00}, repeated(3, 0xFF)});
+const Bytes kChineseImage = joined(
+    {repeated(4, 0xFF), {0xD6, 0xD0, 0xB9, 0xFA, 0x00, 0xFF}, {0x4E, 0x2D, 0x56, 0xFD, 0x00}, repeated(3, 0xFF)});
 
 }  // namespace
 
@@ -162,8 +164,8 @@ TEST(PatchStringsCommand, HandsetCodesFillTheRangeWithA1Pairs)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), counting(16));
-    ASSERT_TRUE(succeeded(
-        patchStrings(folder, "image.bin", "00000004 0000000B Hi\n", {"-o", "out.s3", "--handset-codes"})));
+    ASSERT_TRUE(
+        succeeded(patchStrings(folder, "image.bin", "00000004 0000000B Hi\n", {"-o", "out.s3", "--handset-codes"})));
     // Eight bytes = four characters: A1 48 A1 69 A1 20 A1 20.
     // 0D + 04 + 4 * A1 (284) + 48 + 69 + 20 + 20 = 386 -> 86 -> 79.
     EXPECT_EQ(readText(folder.path("out.s3")), kHeader + "S30D00000004A148A169A120A12079\r\n" + kTrailer);
@@ -192,7 +194,8 @@ TEST(PatchStringsCommand, PatchFileForAnAsfFileFailsAndChangesNothing)
 {
     TempFolder folder;
     writeFile(folder.path("image.asf"), counting(16));
-    EXPECT_TRUE(failedWith(patchStrings(folder, "image.asf", "00000002 00000003 A\n", {"-o", "out.s3"}), {"image.asf"}));
+    EXPECT_TRUE(
+        failedWith(patchStrings(folder, "image.asf", "00000002 00000003 A\n", {"-o", "out.s3"}), {"image.asf"}));
     EXPECT_FALSE(exists(folder.path("out.s3")));
     EXPECT_EQ(readBytes(folder.path("image.asf")), counting(16));
 }
@@ -219,8 +222,9 @@ TEST(PatchStringsCommand, OddRangeInHandsetCodesFailsNamingTheLineAndWritesNothi
     TempFolder folder;
     const Bytes image = joined({repeated(4, 0x00), {0xA1, 0x48, 0xA1, 0x69, 0x7A, 0x00}});
     writeFile(folder.path("image.asf"), image);
-    EXPECT_TRUE(failedWith(patchStrings(folder, "image.asf", "00000004 00000008 Yo\n", {"--in-place", "--handset-codes"}),
-                           {"plan.txt", "line 1"}));
+    EXPECT_TRUE(
+        failedWith(patchStrings(folder, "image.asf", "00000004 00000008 Yo\n", {"--in-place", "--handset-codes"}),
+                   {"plan.txt", "line 1"}));
     EXPECT_EQ(readBytes(folder.path("image.asf")), image);
 }
 

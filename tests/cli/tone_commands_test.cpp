@@ -28,12 +28,14 @@ Bytes plainTone(std::uint32_t size, std::uint8_t seed)
 Bytes imageWith(std::size_t length, std::initializer_list<std::pair<std::size_t, Bytes>> parts)
 {
     Bytes image(length, 0x00);
-    for (const auto& [at, bytes] : parts) std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
+    for (const auto& [at, bytes] : parts)
+        std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
     return image;
 }
 
 // A contents chunk with the title "Lark": 5 info bytes, then "ST:Lark," (13 bytes).
-const Bytes kContents = joined({text("CNTI"), {0x00, 0x00, 0x00, 0x0D}, {0x00, 0x01, 0x01, 0x00, 0x00}, text("ST:Lark,")});
+const Bytes kContents =
+    joined({text("CNTI"), {0x00, 0x00, 0x00, 0x0D}, {0x00, 0x01, 0x01, 0x00, 0x00}, text("ST:Lark,")});
 
 Bytes trackChunk()
 {
@@ -64,7 +66,8 @@ TEST(TonesCommand, EachToneGetsOneLineOfNumberStartEndAndSize)
 {
     TempFolder folder;
     // 0x1234 + 256 - 1 = 0x1333; 0x1800 + 101 - 1 = 0x1864.
-    const RunResult result = listTones(folder, imageWith(0x2000, {{0x1234, plainTone(256, 1)}, {0x1800, plainTone(101, 2)}}));
+    const RunResult result =
+        listTones(folder, imageWith(0x2000, {{0x1234, plainTone(256, 1)}, {0x1800, plainTone(101, 2)}}));
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "001 0x00001234 0x00001333 256\n"
                           "002 0x00001800 0x00001864 101\n");
@@ -127,7 +130,8 @@ TEST_P(ToneSizeLimit, OnlySizesFrom101To99999AreTones)
 INSTANTIATE_TEST_SUITE_P(TonesCommand, ToneSizeLimit,
                          ::testing::Values(ToneSizeCase{"Size100Rejected", 100, ""},
                                            ToneSizeCase{"Size101Accepted", 101, "001 0x00000010 0x00000074 101\n"},
-                                           ToneSizeCase{"Size99999Accepted", 99999, "001 0x00000010 0x000186AE 99999\n"},
+                                           ToneSizeCase{"Size99999Accepted", 99999,
+                                                        "001 0x00000010 0x000186AE 99999\n"},
                                            ToneSizeCase{"Size100000Rejected", 100000, ""}),
                          [](const auto& row) { return std::string(row.param.name); });
 
@@ -148,7 +152,8 @@ Bytes toneWithContents(std::uint8_t codeType, const Bytes& tags, const Bytes& op
 {
     const Bytes info = joined({{0x00, 0x01, codeType, 0x00, 0x00}, tags});
     Bytes body = joined({text("CNTI"), bigEndian32(static_cast<std::uint32_t>(info.size())), info});
-    if (!optional.empty()) body = joined({body, text("OPDA"), bigEndian32(static_cast<std::uint32_t>(optional.size())), optional});
+    if (!optional.empty())
+        body = joined({body, text("OPDA"), bigEndian32(static_cast<std::uint32_t>(optional.size())), optional});
     body = joined({body, trackChunk()});
     return joined({text("MMMD"), bigEndian32(static_cast<std::uint32_t>(body.size())), body});
 }
@@ -163,11 +168,14 @@ TEST(TonesDetails, TitleIsPrintedInUtf8WhateverItsCodeType)
     const Bytes korean = toneWithContents(0x02, joined({text("ST:"), {0xC7, 0xD1, 0xB1, 0xB9}, text(",AN:notes,")}));
     const Bytes russian = toneWithContents(0x05, joined({text("ST:"), {0xED, 0xC9, 0xD2}, text(",AN:notes,")}));
     const Bytes damaged = toneWithContents(0x00, joined({text("ST:A"), {0xA0}, text("B,AN:notes,")}));
-    const RunResult result = listTones(
-        folder, imageWith(0x400, {{0x10, korean}, {0x100, russian}, {0x200, damaged}}), {"--details"});
+    const RunResult result =
+        listTones(folder, imageWith(0x400, {{0x10, korean}, {0x100, russian}, {0x200, damaged}}), {"--details"});
     ASSERT_TRUE(succeeded(result));
-    const std::string lines[3] = {"title=한국\n", "title=Мир\n", "title=A\xEF\xBF\xBD" "B\n"};
-    for (const std::string& line : lines) EXPECT_NE(result.out.find(line), std::string::npos) << line << " in\n" << result.out;
+    const std::string lines[3] = {"title=한국\n", "title=Мир\n",
+                                  "title=A\xEF\xBF\xBD"
+                                  "B\n"};
+    for (const std::string& line : lines)
+        EXPECT_NE(result.out.find(line), std::string::npos) << line << " in\n" << result.out;
 }
 
 TEST(TonesDetails, TitleKeptInTheOptionalDataChunkIsFound)

@@ -18,10 +18,21 @@ RunResult runAtHome(const TempFolder& folder, std::vector<std::string> args)
 
 // A string table: "Menu" 0x10, "Settings" 0x15, "Back" 0x1E in single-byte codes;
 // "OK" 0x24 (A1 4F A1 4B) and 设置 0x29 (8B BE 7F 6E) in handset codes.
-const Bytes kImage = joined({repeated(16, 0xFF), text("Menu"), {0x00}, text("Settings"), {0x00}, text("Back"), {0x00, 0x00},
-                             {0xA1, 0x4F, 0xA1, 0x4B, 0x00}, {0x8B, 0xBE, 0x7F, 0x6E, 0x00}, repeated(16, 0xFF)});
+const Bytes kImage = joined({repeated(16, 0xFF),
+                             text("Menu"),
+                             {0x00},
+                             text("Settings"),
+                             {0x00},
+                             text("Back"),
+                             {0x00, 0x00},
+                             {0xA1, 0x4F, 0xA1, 0x4B, 0x00},
+                             {0x8B, 0xBE, 0x7F, 0x6E, 0x00},
+                             repeated(16, 0xFF)});
 
-bool havePeer(const char* program) { return std::system((std::string("command -v ") + program + " >/dev/null 2>&1").c_str()) == 0; }
+bool havePeer(const char* program)
+{
+    return std::system((std::string("command -v ") + program + " >/dev/null 2>&1").c_str()) == 0;
+}
 
 RunResult runPeer(const TempFolder& folder, const std::string& program, const std::vector<std::string>& args)
 {
@@ -49,8 +60,10 @@ TEST(ExportStringsCommand, PoFileHoldsEveryStringKeyedByAddress)
     ASSERT_TRUE(succeeded(result));
     EXPECT_EQ(result.out, "menu.po: 5 strings (3 single, 2 handset)\n");
     const std::string po = readText(folder.path("menu.po"));
-    EXPECT_NE(po.find("#. budget 8 bytes\nmsgctxt \"0x00000015 single\"\nmsgid \"Settings\"\nmsgstr \"\"\n"), std::string::npos);
-    EXPECT_NE(po.find("#. budget 4 bytes\nmsgctxt \"0x00000024 handset\"\nmsgid \"OK\"\nmsgstr \"\"\n"), std::string::npos);
+    EXPECT_NE(po.find("#. budget 8 bytes\nmsgctxt \"0x00000015 single\"\nmsgid \"Settings\"\nmsgstr \"\"\n"),
+              std::string::npos);
+    EXPECT_NE(po.find("#. budget 4 bytes\nmsgctxt \"0x00000024 handset\"\nmsgid \"OK\"\nmsgstr \"\"\n"),
+              std::string::npos);
     EXPECT_NE(po.find("msgctxt \"0x00000029 handset\"\nmsgid \"设置\""), std::string::npos);
 }
 
@@ -62,8 +75,8 @@ TEST(ExportStringsCommand, CodesAndMinimumChooseTheStrings)
     EXPECT_EQ(readText(folder.path("h.csv")), "address,encoding,budget,source,target\r\n"
                                               "0x00000024,handset,4,OK,\r\n"
                                               "0x00000029,handset,4,设置,\r\n");
-    ASSERT_TRUE(succeeded(runAtHome(folder, {"export-strings", "phone.bin", "-o", "s.csv", "--codes", "single",
-                                             "--min-bytes", "5"})));
+    ASSERT_TRUE(succeeded(
+        runAtHome(folder, {"export-strings", "phone.bin", "-o", "s.csv", "--codes", "single", "--min-bytes", "5"})));
     EXPECT_EQ(readText(folder.path("s.csv")), "address,encoding,budget,source,target\r\n"
                                               "0x00000015,single,8,Settings,\r\n");
     EXPECT_TRUE(usageError(runAtHome(folder, {"export-strings", "phone.bin", "-o", "x.csv", "--codes", "double"})));
@@ -89,8 +102,10 @@ TEST(ExportStringsCommand, TranslateToolkitReadsAllThreeFormats)
     writeFile(folder.path("phone.bin"), kImage);
     for (const char* name : {"menu.po", "menu.xlf", "menu.csv"})
         ASSERT_TRUE(succeeded(runAtHome(folder, {"export-strings", "phone.bin", "-o", name})));
-    for (const auto& [program, in, out] : {std::tuple{"po2xliff", "menu.po", "po.xlf"}, {"po2csv", "menu.po", "po.csv"},
-                                          {"xliff2po", "menu.xlf", "xlf.po"}, {"csv2po", "menu.csv", "csv.po"}}) {
+    for (const auto& [program, in, out] : {std::tuple{"po2xliff", "menu.po", "po.xlf"},
+                                           {"po2csv", "menu.po", "po.csv"},
+                                           {"xliff2po", "menu.xlf", "xlf.po"},
+                                           {"csv2po", "menu.csv", "csv.po"}}) {
         const RunResult run = runPeer(folder, program, {"--errorlevel=exception", in, out});
         EXPECT_EQ(run.exitCode, 0) << program << ": " << run.err;
         const std::string converted = readText(folder.path(out));
@@ -131,15 +146,17 @@ TEST(ImportStringsCommand, AnEntryThatDoesNotFitWritesNothingAndIsReported)
                                                  "0x00000024,handset,OK,\xEA\x84\xA3\r\n"
                                                  "0x0000001E,single,Bock,Zurueck\r\n"
                                                  "0x00100000,single,Far,Near\r\n"));
-    const RunResult result = runAtHome(folder, {"import-strings", "phone.bin", "zh.csv", "-o", "zh.s3", "--report", "r.csv"});
+    const RunResult result =
+        runAtHome(folder, {"import-strings", "phone.bin", "zh.csv", "-o", "zh.s3", "--report", "r.csv"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "0x00000010 single \"Menu\": over budget by 3 bytes\n"
-                          "0x00000024 handset \"OK\": character U+A123 not encodable in handset codes\n"
-                          "0x0000001E single \"Bock\": stored text changed\n"
-                          "0x00100000 single \"Far\": address outside the image\n"
-                          "zevran-cli: nothing written: 4 of 5 translated entries do not fit (--partial writes the ones "
-                          "that do)\n");
+    EXPECT_EQ(result.err,
+              "0x00000010 single \"Menu\": over budget by 3 bytes\n"
+              "0x00000024 handset \"OK\": character U+A123 not encodable in handset codes\n"
+              "0x0000001E single \"Bock\": stored text changed\n"
+              "0x00100000 single \"Far\": address outside the image\n"
+              "zevran-cli: nothing written: 4 of 5 translated entries do not fit (--partial writes the ones "
+              "that do)\n");
     EXPECT_FALSE(exists(folder.path("zh.s3")));
     EXPECT_EQ(readText(folder.path("r.csv")), "address,encoding,source,translation,outcome\r\n"
                                               "0x00000010,single,Menu,Menus!!,over budget by 3 bytes\r\n"
@@ -177,7 +194,8 @@ TEST(ImportStringsCommand, AsfFileIsChangedInPlace)
     const Bytes ok = {0xA1, 0x4F, 0xA1, 0x4B};
     std::copy(ok.begin(), ok.end(), expected.begin() + 0x29);
     EXPECT_EQ(readBytes(folder.path("phone.asf")), expected);
-    EXPECT_TRUE(failedWith(runAtHome(folder, {"import-strings", "phone.asf", "zh.csv", "-o", "x.s3"}), {"phone.asf", "bin"}));
+    EXPECT_TRUE(
+        failedWith(runAtHome(folder, {"import-strings", "phone.asf", "zh.csv", "-o", "x.s3"}), {"phone.asf", "bin"}));
 }
 
 TEST(ImportStringsCommand, BrokenTranslationFileIsNamedWithItsLine)
@@ -209,11 +227,12 @@ TEST(ImportStringsCommand, RoundTripThroughXliffAndCsvChangesNoByte)
     writeFile(folder.path("phone.bin"), kImage);
     ASSERT_TRUE(succeeded(runAtHome(folder, {"export-strings", "phone.bin", "-o", "menu.xlf"})));
     ASSERT_TRUE(succeeded(runAtHome(folder, {"export-strings", "phone.bin", "-o", "menu.csv"})));
-    const std::string xliff = std::regex_replace(readText(folder.path("menu.xlf")), std::regex("<source>([^<]*)</source>"),
-                                                 "<source>$1</source><target>$1</target>");
+    const std::string xliff =
+        std::regex_replace(readText(folder.path("menu.xlf")), std::regex("<source>([^<]*)</source>"),
+                           "<source>$1</source><target>$1</target>");
     writeFile(folder.path("same.xlf"), xliff);
-    const std::string csv = std::regex_replace(readText(folder.path("menu.csv")), std::regex(",([^,\r\n]*),\r\n"),
-                                               ",$1,$1\r\n");
+    const std::string csv =
+        std::regex_replace(readText(folder.path("menu.csv")), std::regex(",([^,\r\n]*),\r\n"), ",$1,$1\r\n");
     writeFile(folder.path("same.csv"), csv);
     for (const char* name : {"same.xlf", "same.csv"}) {
         const RunResult result = runAtHome(folder, {"import-strings", "phone.bin", name, "-o", "same.s3"});

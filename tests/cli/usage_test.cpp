@@ -83,7 +83,8 @@ TEST(CliUsage, EveryCommandAnswersHelpWithItsUsageAndOptions)
             const std::string usage = result.out.substr(0, result.out.find('\n'));
             std::istringstream words(usage);
             for (std::string word; words >> word;) {
-                word.erase(std::remove_if(word.begin(), word.end(), [](char c) { return c == '[' || c == ']' || c == '(' || c == ')'; }),
+                word.erase(std::remove_if(word.begin(), word.end(),
+                                          [](char c) { return c == '[' || c == ']' || c == '(' || c == ')'; }),
                            word.end());
                 if (word.size() < 2 || word[0] != '-' || word == "--home") continue;
                 EXPECT_NE(result.out.find("\n  " + word + " "), std::string::npos) << word << " in\n" << result.out;

@@ -17,11 +17,10 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-const std::string kTwoRecords =
-    "S00600004844521B\r\n"
-    "S3090000001001020304DC\r\n"
-    "S3090000002005060708BC\r\n"
-    "S705A002000058\r\n";
+const std::string kTwoRecords = "S00600004844521B\r\n"
+                                "S3090000001001020304DC\r\n"
+                                "S3090000002005060708BC\r\n"
+                                "S705A002000058\r\n";
 
 Bytes toBinary(const std::string& text, S3ToBinOptions options)
 {
@@ -261,8 +260,7 @@ TEST(SRecordToBinary, MappedFileReadInSlicesAcrossWindowsGivesTheBytesOfTheStrea
             MappedFile mapped(path);
             std::ostringstream out;
             SRecordToBinary converter(mapped, out, options);
-            while (converter.convertSome(slice)) {
-            }
+            while (converter.convertSome(slice)) {}
             const std::string bytes = out.str();
             EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), streamed) << slice;
             EXPECT_EQ(converter.inputBytesRead(), text.size());
@@ -295,37 +293,33 @@ TEST(BinaryToSRecord, SeventeenByteFileGivesAFullLineAndACountSixLine)
 {
     Bytes file(17);
     for (std::size_t i = 0; i < file.size(); ++i) file[i] = static_cast<std::uint8_t>(i);
-    EXPECT_EQ(toSRecord(file, 0, 16, 0xFF),
-              "S00600004844521B\r\n"
-              "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
-              "S3060000001010D9\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(toSRecord(file, 0, 16, 0xFF), "S00600004844521B\r\n"
+                                            "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
+                                            "S3060000001010D9\r\n"
+                                            "S705A002000058\r\n");
 }
 
 TEST(BinaryToSRecord, FillOnlyRangeOfSixteenBytes)
 {
     std::ostringstream out;
     binaryToSRecord(nullptr, out, 0, 0x0F, 0xFF);
-    EXPECT_EQ(out.str(),
-              "S00600004844521B\r\n"
-              "S31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(out.str(), "S00600004844521B\r\n"
+                         "S31500000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFA\r\n"
+                         "S705A002000058\r\n");
 }
 
 TEST(BinaryToSRecord, RangeLongerThanTheFileIsFilled)
 {
-    EXPECT_EQ(toSRecord({0x11, 0x22}, 0x100, 0x103, 0x00),
-              "S00600004844521B\r\n"
-              "S3090000010011220000C2\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(toSRecord({0x11, 0x22}, 0x100, 0x103, 0x00), "S00600004844521B\r\n"
+                                                           "S3090000010011220000C2\r\n"
+                                                           "S705A002000058\r\n");
 }
 
 TEST(BinaryToSRecord, RangeShorterThanTheFileTakesItsFirstBytes)
 {
-    EXPECT_EQ(toSRecord({0x11, 0x22, 0x33, 0x44}, 0x100, 0x102, 0x00),
-              "S00600004844521B\r\n"
-              "S3080000010011223390\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(toSRecord({0x11, 0x22, 0x33, 0x44}, 0x100, 0x102, 0x00), "S00600004844521B\r\n"
+                                                                       "S3080000010011223390\r\n"
+                                                                       "S705A002000058\r\n");
 }
 
 TEST(BinaryToSRecord, RangeOverAMebibyteBoundaryMatchesOneRegion)

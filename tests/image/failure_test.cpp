@@ -15,8 +15,9 @@ using namespace zevran::image;
 TEST(Failure, EnglishFillsTheValuesInOrder)
 {
     const WorkshopError error(Reason::SizeOnDiskDiffers, {"/p/a.asf", "0", "4"});
-    EXPECT_STREQ(error.what(), "/p/a.asf: holds 0 bytes, not the 4 of the image in memory; it is not the file the image "
-                               "was read from and stays as it is");
+    EXPECT_STREQ(error.what(),
+                 "/p/a.asf: holds 0 bytes, not the 4 of the image in memory; it is not the file the image "
+                 "was read from and stays as it is");
     EXPECT_EQ(error.failure().reason, Reason::SizeOnDiskDiffers);
     EXPECT_EQ(error.failure().values, (std::vector<std::string>{"/p/a.asf", "0", "4"}));
 }

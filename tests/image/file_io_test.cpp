@@ -39,7 +39,8 @@ TEST(SaveFileSafely, FullDiskIsReportedAndTheDeviceStaysADevice)
 TEST(SaveFileSafely, FolderIsRefused)
 {
     TempFolder folder;
-    EXPECT_EQ(whatOf([&] { saveFileSafely(folder.root().string(), kBytes); }), folder.root().string() + ": is a folder, not a file");
+    EXPECT_EQ(whatOf([&] { saveFileSafely(folder.root().string(), kBytes); }),
+              folder.root().string() + ": is a folder, not a file");
 }
 
 TEST(SaveFileSafely, PathBelowARegularFileIsReportedAndNothingIsMade)
@@ -77,8 +78,10 @@ TEST(SaveFileSafely, ReplacedFileKeepsItsPermissions)
 TEST(ReadWholeFile, FolderAndMissingFileNameThePath)
 {
     TempFolder folder;
-    EXPECT_EQ(whatOf([&] { readWholeFile(folder.root().string()); }), folder.root().string() + ": is a folder, not a file");
-    EXPECT_EQ(whatOf([&] { readWholeFile(folder.path("none.bin")); }), folder.path("none.bin") + ": No such file or directory");
+    EXPECT_EQ(whatOf([&] { readWholeFile(folder.root().string()); }),
+              folder.root().string() + ": is a folder, not a file");
+    EXPECT_EQ(whatOf([&] { readWholeFile(folder.path("none.bin")); }),
+              folder.path("none.bin") + ": No such file or directory");
 }
 
 TEST(ReadWholeFile, EndlessDeviceIsRefusedRatherThanReadForever)
@@ -98,7 +101,8 @@ TEST(ReadWholeFile, NamedPipeWithoutWriterReadsEmptyInsteadOfWaiting)
     TempFolder folder;
     ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
     EXPECT_TRUE(readWholeFile(folder.path("pipe")).empty());
-    EXPECT_EQ(whatOf([&] { requireRegularFile(folder.path("pipe")); }), folder.path("pipe") + ": is a device or pipe, not a file");
+    EXPECT_EQ(whatOf([&] { requireRegularFile(folder.path("pipe")); }),
+              folder.path("pipe") + ": is a device or pipe, not a file");
 }
 
 TEST(RefusePhoneFile, ThePhoneFileUnderAnyNameIsRefused)
@@ -107,7 +111,8 @@ TEST(RefusePhoneFile, ThePhoneFileUnderAnyNameIsRefused)
     writeFile(folder.path("phone.bin"), "phone");
     std::filesystem::create_directory(folder.path("sub"));
     EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("sub/../phone.bin")); }),
-              folder.path("sub/../phone.bin") + ": is the phone file open in the workshop; it is changed only by saving its image");
+              folder.path("sub/../phone.bin") +
+                  ": is the phone file open in the workshop; it is changed only by saving its image");
     EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("other.s3")); }), "");
     EXPECT_EQ(whatOf([&] { refusePhoneFile("", folder.path("other.s3")); }), "");
 }
@@ -118,6 +123,7 @@ TEST(SaveFileSafely, ReadOnlyFileIsNotReplaced)
     TempFolder folder;
     writeFile(folder.path("phone.asf"), "old");
     ::chmod(folder.path("phone.asf").c_str(), 0444);
-    EXPECT_EQ(whatOf([&] { saveFileSafely(folder.path("phone.asf"), kBytes); }), folder.path("phone.asf") + ": Permission denied");
+    EXPECT_EQ(whatOf([&] { saveFileSafely(folder.path("phone.asf"), kBytes); }),
+              folder.path("phone.asf") + ": Permission denied");
     EXPECT_EQ(zevran::test::readText(folder.path("phone.asf")), "old");
 }

@@ -108,7 +108,8 @@ TEST(ImageDiff, ShorterSecondImageIsRefusedWithBothLengths)
     } catch (const ShorterImage& error) {
         EXPECT_EQ(error.olderLength(), 8u);
         EXPECT_EQ(error.newerLength(), 6u);
-        EXPECT_STREQ(error.what(), "the second image holds 6 bytes, fewer than the 8 of the first; a patch cannot shorten an image");
+        EXPECT_STREQ(error.what(),
+                     "the second image holds 6 bytes, fewer than the 8 of the first; a patch cannot shorten an image");
     }
 }
 
@@ -143,8 +144,7 @@ TEST(ImageDiff, EveryRunAgainstAByteByByteComparison)
                 if (older[i] == newer[i]) continue;
                 if (!expected.empty() && static_cast<std::size_t>(expected.back().last) + 1 == i)
                     expected.back().last = static_cast<std::int32_t>(i);
-                else
-                    expected.push_back({static_cast<std::int32_t>(i), static_cast<std::int32_t>(i)});
+                else expected.push_back({static_cast<std::int32_t>(i), static_cast<std::int32_t>(i)});
             }
             EXPECT_EQ(compareImages(older, newer), expected) << offset << " " << length;
         }

@@ -19,11 +19,10 @@ TEST(WriteSRecordPatch, TwoRegionsGiveOneFileInTheirOrder)
     TempFolder folder;
     const std::string path = folder.path("out.s3");
     writeSRecordPatch(path, {{0x1000, 0x1000, {0xAB}}, {0x20, 0x21, {0xDE, 0xAD}}});
-    EXPECT_EQ(readText(path),
-              "S00600004844521B\r\n"
-              "S30600001000AB3E\r\n"
-              "S30700000020DEAD4D\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(readText(path), "S00600004844521B\r\n"
+                              "S30600001000AB3E\r\n"
+                              "S30700000020DEAD4D\r\n"
+                              "S705A002000058\r\n");
 }
 
 TEST(WriteSRecordPatch, NoRegionsWriteNoFile)
@@ -99,8 +98,9 @@ TEST(Saveaxf, FileOfAnotherLengthIsNotTheOneTheImageCameFromAndStays)
         Saveaxf(state);
         FAIL() << "an image was saved over a file of another length";
     } catch (const FileError& error) {
-        EXPECT_EQ(std::string(error.what()), path + ": holds 2 bytes, not the 4 of the image in memory; it is not the file "
-                                                    "the image was read from and stays as it is");
+        EXPECT_EQ(std::string(error.what()),
+                  path + ": holds 2 bytes, not the 4 of the image in memory; it is not the file "
+                         "the image was read from and stays as it is");
     }
     EXPECT_EQ(readBytes(path), (std::vector<std::uint8_t>{7, 7}));
 }

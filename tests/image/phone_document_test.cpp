@@ -22,7 +22,10 @@ Region region(std::int32_t first, const std::string& letters)
     return {first, first + static_cast<std::int32_t>(letters.size()) - 1, Bytes(letters.begin(), letters.end())};
 }
 
-std::string imageText(const PhoneDocument& document) { return std::string(document.bytes().begin(), document.bytes().end()); }
+std::string imageText(const PhoneDocument& document)
+{
+    return std::string(document.bytes().begin(), document.bytes().end());
+}
 
 Reason reasonOf(const std::exception& error) { return failureOf(error).reason; }
 
@@ -208,8 +211,7 @@ TEST(EditOutput, APatchHoldsTheRegionsAndNoRegionsWriteNothing)
     PhoneDocument document;
     document.open(folder.path("phone.bin"));
     writeEditsAsPatch(document, folder.path("patch.s3"), {region(1, "AB")});
-    EXPECT_EQ(readText(folder.path("patch.s3")),
-              "S00600004844521B\r\nS30700000001414274\r\nS705A002000058\r\n");
+    EXPECT_EQ(readText(folder.path("patch.s3")), "S00600004844521B\r\nS30700000001414274\r\nS705A002000058\r\n");
     writeEditsAsPatch(document, folder.path("none.s3"), {});
     EXPECT_FALSE(std::filesystem::exists(folder.path("none.s3")));
 }
@@ -232,7 +234,8 @@ TEST(EditOutput, AFailedWriteKeepsTheOldOutputAndNamesIt)
         EXPECT_EQ(failure.cause->reason, Reason::DiskFull);
         EXPECT_EQ(failure.cause->values, std::vector<std::string>{folder.path("out.s3")});
         EXPECT_EQ(std::string(error.what()).find(folder.path("out.s3") + ": "), 0u);
-        EXPECT_NE(std::string(error.what()).find("; nothing was written to " + folder.path("out.s3")), std::string::npos);
+        EXPECT_NE(std::string(error.what()).find("; nothing was written to " + folder.path("out.s3")),
+                  std::string::npos);
     }
     EXPECT_EQ(readText(folder.path("out.s3")), "old patch");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.root()), {}), 1);

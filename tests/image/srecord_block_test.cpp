@@ -242,13 +242,14 @@ TEST(SRecordBlock, KernelsLeaveUncommonLinesToTheLineReader)
     for (RecordKernel kernel : availableRecordKernels()) {
         for (std::string_view uncommon :
              {"S00600004844521B\n", "S705A002000058\n", "S3040000\n", "S3090000001001\n", "\n", "S303000000FC\n"}) {
-            const auto [taken, bytes] = decodeOnce(kernel, common + std::string(uncommon) + common, RecordReading::Handset);
+            const auto [taken, bytes] =
+                decodeOnce(kernel, common + std::string(uncommon) + common, RecordReading::Handset);
             EXPECT_EQ(taken, common.size()) << recordKernelName(kernel) << " " << uncommon;
             EXPECT_EQ(bytes, (Bytes{1, 2, 3, 4})) << recordKernelName(kernel);
         }
         // The checksum of the second line is wrong, and the third has no line end yet.
-        for (std::string_view uncommon : {"S3090000001001020304DD\n", "S3090000001001020304DC", "S3090000001001020304DC\r",
-                                          "# comment\n", "S3090000001001020304DC \n"}) {
+        for (std::string_view uncommon : {"S3090000001001020304DD\n", "S3090000001001020304DC",
+                                          "S3090000001001020304DC\r", "# comment\n", "S3090000001001020304DC \n"}) {
             const auto [taken, bytes] = decodeOnce(kernel, common + std::string(uncommon), RecordReading::AnyRecords);
             EXPECT_EQ(taken, common.size()) << recordKernelName(kernel) << " " << uncommon;
         }
@@ -295,7 +296,8 @@ TEST(SRecordBlock, ErrorsNameTheSameLineOnEveryPath)
     strictText[at + 10] = strictText[at + 10] == '0' ? '1' : '0';
     for (bool anyRecords : {false, true}) {
         const std::string& input = anyRecords ? strictText : text;
-        const Outcome reference = convertWith(RecordKernel::Portable, input, S3ToBinMode::DataOnly, anyRecords, 1 << 20);
+        const Outcome reference =
+            convertWith(RecordKernel::Portable, input, S3ToBinMode::DataOnly, anyRecords, 1 << 20);
         EXPECT_NE(reference.error, "");
         for (RecordKernel kernel : availableRecordKernels()) {
             const Outcome outcome = convertWith(kernel, input, S3ToBinMode::DataOnly, anyRecords, 4096);

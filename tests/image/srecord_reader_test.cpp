@@ -62,20 +62,11 @@ TEST(SRecordRead, S1LineIsReadAsIfItWereS3)
     EXPECT_EQ(record.bytes, (Bytes{0xCC, 0xDD}));
 }
 
-TEST(SRecordRead, S5CountLineIsReadAsS3SoItsCountOfThreeFails)
-{
-    EXPECT_THROW(design("S5030001FB"), SRecordError);
-}
+TEST(SRecordRead, S5CountLineIsReadAsS3SoItsCountOfThreeFails) { EXPECT_THROW(design("S5030001FB"), SRecordError); }
 
-TEST(SRecordRead, ChecksumIsNotRead)
-{
-    EXPECT_EQ(design("S30700000020DEAD00").bytes, (Bytes{0xDE, 0xAD}));
-}
+TEST(SRecordRead, ChecksumIsNotRead) { EXPECT_EQ(design("S30700000020DEAD00").bytes, (Bytes{0xDE, 0xAD})); }
 
-TEST(SRecordRead, NonHexDigitReadsAsZero)
-{
-    EXPECT_EQ(design("S30700000020GEAX4D").bytes, (Bytes{0x0E, 0xA0}));
-}
+TEST(SRecordRead, NonHexDigitReadsAsZero) { EXPECT_EQ(design("S30700000020GEAX4D").bytes, (Bytes{0x0E, 0xA0})); }
 
 TEST(SRecordRead, MissingPairsOfAShortLineReadAsZero)
 {
@@ -127,8 +118,8 @@ TEST(SRecordReadStrict, RecordTypesGiveTheirAddressWidths)
 
 TEST(SRecordReadStrict, HeaderCountAndStartRecordsCarryNoData)
 {
-    for (auto line : {"S00F000068656C6C6F202020202000003C", "S5030001FB", "S705A002000058", "S804000000FB",
-                      "S9030000FC", ""})
+    for (auto line :
+         {"S00F000068656C6C6F202020202000003C", "S5030001FB", "S705A002000058", "S804000000FB", "S9030000FC", ""})
         EXPECT_FALSE(strict(line).isData) << line;
 }
 
@@ -195,10 +186,7 @@ TEST(LineSplitter, EmptyLinesInTheMiddleAreDelivered)
     EXPECT_EQ(split({"a\r\n\r\nb\n\nc"}), (std::vector<std::string>{"a", "", "b", "", "c"}));
 }
 
-TEST(LineSplitter, NoExtraLineAfterTheLastLineEnd)
-{
-    EXPECT_EQ(split({"a\r\n"}), (std::vector<std::string>{"a"}));
-}
+TEST(LineSplitter, NoExtraLineAfterTheLastLineEnd) { EXPECT_EQ(split({"a\r\n"}), (std::vector<std::string>{"a"})); }
 
 TEST(LineSplitter, OverlongLineIsCut)
 {

@@ -36,9 +36,8 @@ TEST(SRecordWrite, SixteenByteRegionGivesExactlyOneFullLine)
 
 TEST(SRecordWrite, SeventeenByteRegionGivesAFullLineAndACountSixLine)
 {
-    EXPECT_EQ(sRecordRegionText(countingBytes(17), 0),
-              "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
-              "S3060000001010D9\r\n");
+    EXPECT_EQ(sRecordRegionText(countingBytes(17), 0), "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
+                                                       "S3060000001010D9\r\n");
 }
 
 TEST(SRecordWrite, AddressesAboveTheSignedRangeAreWrittenInFull)
@@ -83,11 +82,10 @@ TEST(WriteSRecordRegion, TwoRegionsShareOneHeaderAndOneTrailer)
     const std::vector<std::uint8_t> second{0xDE, 0xAD};
     EXPECT_FALSE(WriteSRecordRegion(file, first, 0x1000, 0x1000, path, true, false));
     EXPECT_TRUE(WriteSRecordRegion(file, second, 0x20, 0x21, path, false, true));
-    EXPECT_EQ(readText(path),
-              "S00600004844521B\r\n"
-              "S30600001000AB3E\r\n"
-              "S30700000020DEAD4D\r\n"
-              "S705A002000058\r\n");
+    EXPECT_EQ(readText(path), "S00600004844521B\r\n"
+                              "S30600001000AB3E\r\n"
+                              "S30700000020DEAD4D\r\n"
+                              "S705A002000058\r\n");
 }
 
 TEST(WriteSRecordRegion, AnOlderLongerFileIsTruncated)

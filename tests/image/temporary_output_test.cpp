@@ -18,7 +18,8 @@ namespace {
 std::vector<std::string> namesIn(const TempFolder& folder)
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.root())) names.push_back(entry.path().filename().string());
+    for (const auto& entry : std::filesystem::directory_iterator(folder.root()))
+        names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -89,5 +90,7 @@ TEST(SaveFileSafely, ExistingFileKeepsItsPermissions)
     std::filesystem::permissions(folder.path("phone.asf"), std::filesystem::perms(0640));
     const std::vector<std::uint8_t> bytes{'n'};
     saveFileSafely(folder.path("phone.asf"), bytes);
-    EXPECT_EQ(static_cast<int>(std::filesystem::status(folder.path("phone.asf")).permissions() & std::filesystem::perms::all), 0640);
+    EXPECT_EQ(
+        static_cast<int>(std::filesystem::status(folder.path("phone.asf")).permissions() & std::filesystem::perms::all),
+        0640);
 }

@@ -69,8 +69,8 @@ ColourTable testColours()
 TEST(PictureEncode, Depth24StoresBlueGreenRedAsGiven)
 {
     const Bytes image(8, 0xEE);
-    const auto region = encodePictureFrame(grid(2, 1, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66}), layout(1, 2, 1, 24), image,
-                                           kNoColours);
+    const auto region =
+        encodePictureFrame(grid(2, 1, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66}), layout(1, 2, 1, 24), image, kNoColours);
     EXPECT_EQ(region.first, 1);
     EXPECT_EQ(region.last, 6);
     EXPECT_EQ(region.bytes, (Bytes{0x33, 0x22, 0x11, 0x66, 0x55, 0x44}));
@@ -96,8 +96,8 @@ TEST(PictureEncode, Depth12PacksTwoPixelsInThreeBytesFirstPixelHigh)
 TEST(PictureEncode, Depth12OddPixelCountKeepsTheUnshownLowTwelveBits)
 {
     // One pixel shows byte 0 and the high nibble of byte 1; byte 2 is not shown.
-    const auto region = encodePictureFrame(filled(1, 1, 0xFF, 0xFF, 0xFF), layout(0, 1, 1, 12),
-                                           Bytes{0x00, 0x77, 0x99}, kNoColours);
+    const auto region =
+        encodePictureFrame(filled(1, 1, 0xFF, 0xFF, 0xFF), layout(0, 1, 1, 12), Bytes{0x00, 0x77, 0x99}, kNoColours);
     EXPECT_EQ(region.first, 0);
     EXPECT_EQ(region.last, 1);
     EXPECT_EQ(region.bytes, (Bytes{0xFF, 0xF7}));
@@ -211,13 +211,18 @@ TEST(PictureEncode, Depth4WidthSevenCountsTheLastPixelsItCannotStore)
     const ColourTable colours = testColours();
     PictureGrid white = filled(3, 2, 255, 255, 255);
     EXPECT_EQ(encodePictureFrameCounted(white, layout(0, 3, 2, 4), Bytes(4, 0), colours).unstoredPixels, 2);
-    EXPECT_EQ(encodePictureFrameCounted(filled(3, 2, 0, 0, 0), layout(0, 3, 2, 4), Bytes(4, 0), colours).unstoredPixels, 0);
+    EXPECT_EQ(encodePictureFrameCounted(filled(3, 2, 0, 0, 0), layout(0, 3, 2, 4), Bytes(4, 0), colours).unstoredPixels,
+              0);
 }
 
 TEST(PictureEncode, EveryOtherDepthAndWidthStoresEveryPixel)
 {
-    EXPECT_EQ(encodePictureFrameCounted(filled(5, 1, 255, 255, 255), layout(0, 5, 1, 4), Bytes(4, 0), testColours()).unstoredPixels, 0);
-    EXPECT_EQ(encodePictureFrameCounted(filled(3, 2, 9, 9, 9), layout(0, 3, 2, 24), Bytes(32, 0), kNoColours).unstoredPixels, 0);
+    EXPECT_EQ(encodePictureFrameCounted(filled(5, 1, 255, 255, 255), layout(0, 5, 1, 4), Bytes(4, 0), testColours())
+                  .unstoredPixels,
+              0);
+    EXPECT_EQ(
+        encodePictureFrameCounted(filled(3, 2, 9, 9, 9), layout(0, 3, 2, 24), Bytes(32, 0), kNoColours).unstoredPixels,
+        0);
 }
 
 TEST(PictureEncode, MonoWhiteFromLuminance)
@@ -252,7 +257,8 @@ TEST(PictureEncode, MonoFollowsTheDisplayMemoryLayout)
 TEST(PictureEncode, MonoSmallPictureKeepsTheDisplayMemoryItDoesNotShow)
 {
     // 32*8: 32 BMP bytes, the first four columns of every page.
-    const auto region = encodePictureFrame(filled(32, 8, 255, 255, 255), layout(0, 32, 8, 1), Bytes(768, 0x00), kNoColours);
+    const auto region =
+        encodePictureFrame(filled(32, 8, 255, 255, 255), layout(0, 32, 8, 1), Bytes(768, 0x00), kNoColours);
     EXPECT_EQ(region.first, 0);
     EXPECT_EQ(region.last, 7 * 96 + 3);
     Bytes expected(7 * 96 + 4, 0x00);

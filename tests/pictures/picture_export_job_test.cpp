@@ -41,15 +41,20 @@ TEST(PictureExportJob, EveryFrameIsWrittenAsThePreviewWritesIt)
                                          {"002", "grey", "0X00000000", "1", "2", "2*1", "8"}};
     std::vector<std::string> events;
     ExportListener listener;
-    listener.rowStarted = [&](std::size_t row, std::int64_t frames) { events.push_back("row " + std::to_string(row) + " of " + std::to_string(frames)); };
-    listener.frameDone = [&](std::size_t row, std::int64_t frame, FrameExport) { events.push_back(std::to_string(row) + "." + std::to_string(frame)); };
+    listener.rowStarted = [&](std::size_t row, std::int64_t frames) {
+        events.push_back("row " + std::to_string(row) + " of " + std::to_string(frames));
+    };
+    listener.frameDone = [&](std::size_t row, std::int64_t frame, FrameExport) {
+        events.push_back(std::to_string(row) + "." + std::to_string(frame));
+    };
     listener.rowDone = [&](std::size_t row) { events.push_back("done " + std::to_string(row)); };
     const ExportTally tally = exportRows(document, rows, folder.root().string(), folder.path("16.dat"), listener);
     EXPECT_EQ(tally.written, 3);
     EXPECT_TRUE(tally.skippedRows.empty());
     EXPECT_EQ(events, (std::vector<std::string>{"row 0 of 2", "0.0", "0.1", "done 0", "row 1 of 1", "1.0", "done 1"}));
     const FrameGeometry dot = frameGeometry(rows[0]);
-    ASSERT_TRUE(decodePreviewFrame(document.bytes(), dot, frameAddress(dot, 1), folder.path("expected.bmp"), folder.path("16.dat")));
+    ASSERT_TRUE(decodePreviewFrame(document.bytes(), dot, frameAddress(dot, 1), folder.path("expected.bmp"),
+                                   folder.path("16.dat")));
     EXPECT_EQ(readBytes(folder.path("dot-02.bmp")), readBytes(folder.path("expected.bmp")));
     EXPECT_TRUE(std::filesystem::exists(folder.path("dot-01.bmp")));
     EXPECT_TRUE(std::filesystem::exists(folder.path("grey-01.bmp")));

@@ -112,40 +112,19 @@ PictureGrid readBytesAsPicture(const Bytes& file, const ColourTable& colours = C
 
 }  // namespace
 
-TEST(PictureRoundTrip, Depth24)
-{
-    checkDepth(24, ColourTable{});
-}
+TEST(PictureRoundTrip, Depth24) { checkDepth(24, ColourTable{}); }
 
-TEST(PictureRoundTrip, Depth16)
-{
-    checkDepth(16, ColourTable{});
-}
+TEST(PictureRoundTrip, Depth16) { checkDepth(16, ColourTable{}); }
 
-TEST(PictureRoundTrip, Depth12)
-{
-    checkDepth(12, ColourTable{});
-}
+TEST(PictureRoundTrip, Depth12) { checkDepth(12, ColourTable{}); }
 
-TEST(PictureRoundTrip, Depth8)
-{
-    checkDepth(8, ColourTable{});
-}
+TEST(PictureRoundTrip, Depth8) { checkDepth(8, ColourTable{}); }
 
-TEST(PictureRoundTrip, Depth4WithTheShippedTable)
-{
-    checkDepth(4, shippedColours());
-}
+TEST(PictureRoundTrip, Depth4WithTheShippedTable) { checkDepth(4, shippedColours()); }
 
-TEST(PictureRoundTrip, Depth4WithATableOfOneColourGoesByIndex)
-{
-    checkDepth(4, ColourTable{});
-}
+TEST(PictureRoundTrip, Depth4WithATableOfOneColourGoesByIndex) { checkDepth(4, ColourTable{}); }
 
-TEST(PictureRoundTrip, Depth4PngWithoutColourTableGoesByNearestColour)
-{
-    checkDepth(4, shippedColours(), true);
-}
+TEST(PictureRoundTrip, Depth4PngWithoutColourTableGoesByNearestColour) { checkDepth(4, shippedColours(), true); }
 
 TEST(PictureRoundTrip, Depth1AtEverySizeWhoseFrameShowsBytes)
 {
@@ -321,7 +300,8 @@ PictureGrid readPng(const Bytes& file)
 TEST(PictureFile, TransparentPixelsOfEightBitRgbaKeepTheirColour)
 {
     // Two pixels: (200, 100, 50) at alpha 0 and (10, 20, 30) at alpha 255.
-    EXPECT_EQ(readPng(pngFile(2, 1, 8, 6, {}, {0, 200, 100, 50, 0, 10, 20, 30, 255})).rgb, (Bytes{200, 100, 50, 10, 20, 30}));
+    EXPECT_EQ(readPng(pngFile(2, 1, 8, 6, {}, {0, 200, 100, 50, 0, 10, 20, 30, 255})).rgb,
+              (Bytes{200, 100, 50, 10, 20, 30}));
 }
 
 TEST(PictureFile, TransparentPixelsOfSixteenBitRgbaKeepTheirColour)
@@ -333,13 +313,15 @@ TEST(PictureFile, TransparentPixelsOfSixteenBitRgbaKeepTheirColour)
 
 TEST(PictureFile, TransparentPixelsOfGreyWithAlphaKeepTheirGrey)
 {
-    EXPECT_EQ(readPng(pngFile(2, 1, 8, 4, {}, {0, 0x80, 0x00, 0x40, 0xFF})).rgb, (Bytes{0x80, 0x80, 0x80, 0x40, 0x40, 0x40}));
+    EXPECT_EQ(readPng(pngFile(2, 1, 8, 4, {}, {0, 0x80, 0x00, 0x40, 0xFF})).rgb,
+              (Bytes{0x80, 0x80, 0x80, 0x40, 0x40, 0x40}));
 }
 
 TEST(PictureFile, TransparentEntriesOfAPaletteKeepTheirColour)
 {
     // Palette entry 0 (90, 80, 70) is fully transparent through tRNS, entry 1 opaque.
-    const PictureGrid picture = readPng(pngFile(2, 1, 8, 3, {{"PLTE", {90, 80, 70, 1, 2, 3}}, {"tRNS", {0x00, 0xFF}}}, {0, 0, 1}));
+    const PictureGrid picture =
+        readPng(pngFile(2, 1, 8, 3, {{"PLTE", {90, 80, 70, 1, 2, 3}}, {"tRNS", {0x00, 0xFF}}}, {0, 0, 1}));
     EXPECT_EQ(picture.rgb, (Bytes{90, 80, 70, 1, 2, 3}));
 }
 
@@ -364,7 +346,7 @@ TEST(PictureFile, TransparentPixelsOfABmpWithAnAlphaMaskKeepTheirColour)
     put(108, 4), put(2, 4), put(1, 4), put(1, 2), put(32, 2), put(3, 4), put(8, 4), put(2835, 4), put(2835, 4);
     put(0, 4), put(0, 4);
     put(0x00FF0000, 4), put(0x0000FF00, 4), put(0x000000FF, 4), put(0xFF000000, 4);
-    put(0x73524742, 4);  // "sRGB"
+    put(0x73524742, 4);                      // "sRGB"
     for (int i = 0; i < 12; ++i) put(0, 4);  // end points and gammas
     file.insert(file.end(), pixels.begin(), pixels.end());
     EXPECT_EQ(readBytesAsPicture(file).rgb, (Bytes{0x0A, 0x14, 0x1E, 0x01, 0x02, 0x03}));

@@ -102,7 +102,7 @@ private slots:
         startWindow("phone.bin");
         PictureFinderPane* finder = finderOnScreen();
         QVERIFY(finder);
-        QCOMPARE(finder->view().rows, 50);  // 100 screen pixels at zoom 2
+        QCOMPARE(finder->view().rows, 50);                       // 100 screen pixels at zoom 2
         const std::int64_t steps[5] = {1, 2, 192, 12288, 9600};  // byte, pixel, row (96 * 2), frame, page
         for (int i = 0; i < 5; ++i) {
             finder->forwardButtons[static_cast<std::size_t>(i)]->click();
@@ -244,11 +244,12 @@ private slots:
 
     void bothShippedLanguagesHaveEveryFinderText()
     {
-        const QStringList keys = {"FindPictures", "ShowInFinder", "FinderTitle", "FinderAddress", "FinderDepth",
-                                  "FinderWidth", "FinderHeight", "FinderFrames", "FinderZoom", "FinderByte",
-                                  "FinderPixel", "FinderRow", "FinderFrame", "FinderPage", "FinderPointer",
-                                  "FinderGuessWidth", "FinderGuessed", "FinderNoWidth", "FinderMonoHasNoWidth",
-                                  "FinderName", "FinderAddToTable", "FinderBadName", "FinderAdded", "FinderBadAddress"};
+        const QStringList keys = {"FindPictures",     "ShowInFinder",  "FinderTitle",          "FinderAddress",
+                                  "FinderDepth",      "FinderWidth",   "FinderHeight",         "FinderFrames",
+                                  "FinderZoom",       "FinderByte",    "FinderPixel",          "FinderRow",
+                                  "FinderFrame",      "FinderPage",    "FinderPointer",        "FinderGuessWidth",
+                                  "FinderGuessed",    "FinderNoWidth", "FinderMonoHasNoWidth", "FinderName",
+                                  "FinderAddToTable", "FinderBadName", "FinderAdded",          "FinderBadAddress"};
         for (const char* language : {"English", "ChineseS"}) {
             QFile file(QString(ZEVRAN_DATA_DIR "/language/%1.ini").arg(language));
             QVERIFY(file.open(QIODevice::ReadOnly));
@@ -258,7 +259,8 @@ private slots:
                 const qsizetype at = section.indexOf("\r\n" + key + "=");
                 QVERIFY2(at >= 0, qPrintable(QString(language) + " lacks " + key));
                 const qsizetype valueAt = at + 3 + key.size();
-                QVERIFY2(section.indexOf("\r\n", valueAt) > valueAt, qPrintable(QString(language) + ": " + key + " is empty"));
+                QVERIFY2(section.indexOf("\r\n", valueAt) > valueAt,
+                         qPrintable(QString(language) + ": " + key + " is empty"));
             }
         }
     }

@@ -20,7 +20,10 @@ namespace {
 
 using zevran::test::noise;
 
-unsigned level(double value, unsigned top) { return static_cast<unsigned>(std::lround(std::clamp(value, 0.0, 1.0) * top)); }
+unsigned level(double value, unsigned top)
+{
+    return static_cast<unsigned>(std::lround(std::clamp(value, 0.0, 1.0) * top));
+}
 
 // A smooth picture whose colours turn every way: waves across, down and round two
 // centres, stored in the handset's layout of `depth` (8: blue 7-5, green 4-2, red
@@ -35,7 +38,10 @@ Bytes smoothPicture(int width, int height, int depth)
             const double g = 0.5 + 0.5 * std::cos(std::hypot(x - width * 0.8, y - 70.0) / 13);
             const double b = 0.5 + 0.5 * std::sin(x / 15.0) * std::cos(y / 11.0);
             switch (depth) {
-            case 24: out.insert(out.end(), {std::uint8_t(level(b, 255)), std::uint8_t(level(g, 255)), std::uint8_t(level(r, 255))}); break;
+            case 24:
+                out.insert(out.end(),
+                           {std::uint8_t(level(b, 255)), std::uint8_t(level(g, 255)), std::uint8_t(level(r, 255))});
+                break;
             case 16: {
                 const unsigned v = level(r, 31) << 11 | level(g, 63) << 5 | level(b, 31);
                 out.insert(out.end(), {std::uint8_t(v), std::uint8_t(v >> 8)});
@@ -164,7 +170,7 @@ TEST(FinderMoves, StepsOfEachDepth)
     EXPECT_EQ(moveBytes(FinderMove::Frame, view12, 80), 9600);
     const ViewGeometry view4{0, 4, 5, 10};
     EXPECT_EQ(moveBytes(FinderMove::Pixel, view4, 3), 1);
-    EXPECT_EQ(moveBytes(FinderMove::Row, view4, 3), 2);  // 2.5 to even
+    EXPECT_EQ(moveBytes(FinderMove::Row, view4, 3), 2);    // 2.5 to even
     EXPECT_EQ(moveBytes(FinderMove::Frame, view4, 3), 8);  // 7.5 to even
     const ViewGeometry view24{0, 24, 3, 4};
     EXPECT_EQ(moveBytes(FinderMove::Pixel, view24, 2), 3);
@@ -229,10 +235,10 @@ TEST(FoundPicture, RowCarriesAddressFramesSizeDimensionsAndDepth)
 
 TEST(FoundPicture, FrameSizeRoundsHalfToEvenAsARecomputedTable)
 {
-    EXPECT_EQ(foundFrameSize(5, 3, 4), 8);   // 7.5
-    EXPECT_EQ(foundFrameSize(3, 3, 1), 1);   // 1.125
-    EXPECT_EQ(foundFrameSize(5, 1, 1), 1);   // 0.625
-    EXPECT_EQ(foundFrameSize(3, 1, 4), 2);   // 1.5
+    EXPECT_EQ(foundFrameSize(5, 3, 4), 8);  // 7.5
+    EXPECT_EQ(foundFrameSize(3, 3, 1), 1);  // 1.125
+    EXPECT_EQ(foundFrameSize(5, 1, 1), 1);  // 0.625
+    EXPECT_EQ(foundFrameSize(3, 1, 4), 2);  // 1.5
     EXPECT_EQ(foundFrameSize(64, 96, 1), 768);
     EXPECT_EQ(foundFrameSize(80, 80, 12), 9600);
 }
@@ -276,7 +282,9 @@ TEST(FoundPicture, DemoPicturesFoundAndSavedPreviewAsTheirOwnTable)
     for (const PictureEntry& row : own) {
         const FrameGeometry geometry = frameGeometry(row);
         const std::int32_t width =
-            geometry.depth == 1 ? 64 : guessWidths(demo.image, geometry.start, geometry.depth, 8, 320, colours).front().width;
+            geometry.depth == 1
+                ? 64
+                : guessWidths(demo.image, geometry.start, geometry.depth, 8, 320, colours).front().width;
         const std::int32_t height = geometry.depth == 1 ? 96 : geometry.height;
         found.push_back(foundPictureEntry({geometry.start, geometry.frames, width, height, geometry.depth},
                                           nextPictureNumber(found), row.name));
@@ -293,8 +301,9 @@ TEST(FoundPicture, DemoPicturesFoundAndSavedPreviewAsTheirOwnTable)
                 EXPECT_EQ(monoFrameBmp(demo.image, frameAddress(got, k), got.width, got.height),
                           monoFrameBmp(demo.image, frameAddress(want, k), want.width, want.height));
             } else {
-                EXPECT_EQ(pictureFrameBmp(demo.image, frameAddress(got, k), got.width, got.height, got.depth, colours),
-                          pictureFrameBmp(demo.image, frameAddress(want, k), want.width, want.height, want.depth, colours));
+                EXPECT_EQ(
+                    pictureFrameBmp(demo.image, frameAddress(got, k), got.width, got.height, got.depth, colours),
+                    pictureFrameBmp(demo.image, frameAddress(want, k), want.width, want.height, want.depth, colours));
             }
         }
     }

@@ -25,7 +25,9 @@ namespace {
 QByteArray galleryImage(std::size_t noiseAfter = 0x2000)
 {
     std::vector<std::uint8_t> image = noise(0x2000, 7);
-    const auto add = [&](const std::vector<std::uint8_t>& bytes) { image.insert(image.end(), bytes.begin(), bytes.end()); };
+    const auto add = [&](const std::vector<std::uint8_t>& bytes) {
+        image.insert(image.end(), bytes.begin(), bytes.end());
+    };
     add(thumbCode(0x2000, 8));
     image.resize(0x6000, 0xFF);
     add(drawPictureBytes(56, 56, 16, 0, 99, classicColours()));
@@ -91,10 +93,11 @@ private slots:
         const auto& c = gallery->model->candidate(0);
         const QByteArray image = galleryImage();
         const auto bmp = pictures::pictureFrameBmp(
-            std::span(reinterpret_cast<const std::uint8_t*>(image.data()), static_cast<std::size_t>(image.size())), c.address,
-            c.width, c.height, c.depth, pictures::readColourTable(path("16.dat").toStdString()));
+            std::span(reinterpret_cast<const std::uint8_t*>(image.data()), static_cast<std::size_t>(image.size())),
+            c.address, c.width, c.height, c.depth, pictures::readColourTable(path("16.dat").toStdString()));
         QVERIFY(bmp);
-        const QImage preview = QImage::fromData(bmp->data(), static_cast<int>(bmp->size()), "BMP").convertToFormat(QImage::Format_RGB32);
+        const QImage preview =
+            QImage::fromData(bmp->data(), static_cast<int>(bmp->size()), "BMP").convertToFormat(QImage::Format_RGB32);
         QCOMPARE(gallery->model->picture(0).convertToFormat(QImage::Format_RGB32), preview);
     }
 
@@ -150,8 +153,9 @@ private slots:
         gallery->addButton->click();
         QCOMPARE(m_tab->ListView5->topLevelItemCount(), 2);
         const auto& icon = model->candidate(0);
-        QCOMPARE(rowTexts(row(0)), (QStringList{"001", "pic_00006000", "0X00006000", "1", QString::number(56 * icon.height * 2),
-                                                QString("56*%1").arg(icon.height), "16"}));
+        QCOMPARE(rowTexts(row(0)),
+                 (QStringList{"001", "pic_00006000", "0X00006000", "1", QString::number(56 * icon.height * 2),
+                              QString("56*%1").arg(icon.height), "16"}));
         QCOMPARE(row(1)->text(1), QString("my_scene"));
         QCOMPARE(row(1)->text(6), QString("24"));
         QCOMPARE(gallery->statusLine->text(), QString("Added to the table: pic_00006000, my_scene"));

@@ -122,10 +122,7 @@ TEST(AnimationTick, NoFramesStopsAtOnceShowingFrameZero)
     EXPECT_TRUE(t.stop);
 }
 
-TEST(AnimationTick, CounterPastItsRangeIsRefused)
-{
-    EXPECT_THROW(animationTick(32767, 40000, false), PlayerOverflow);
-}
+TEST(AnimationTick, CounterPastItsRangeIsRefused) { EXPECT_THROW(animationTick(32767, 40000, false), PlayerOverflow); }
 
 TEST(PreviewFile, ChosenRowAndTickHaveTheirOwnNames)
 {
@@ -174,8 +171,8 @@ TEST(PreviewDecode, OtherDepthsLeaveTheColourTableAlone)
 TEST(PreviewDecode, RefusedDepthWritesNoFile)
 {
     zevran::test::TempFolder folder;
-    EXPECT_FALSE(decodePreviewFrame(Bytes{1, 2}, geometry(0, 2, 1, 1, 1, 2), 0, folder.path("t.bmp"),
-                                    folder.path("16.dat")));
+    EXPECT_FALSE(
+        decodePreviewFrame(Bytes{1, 2}, geometry(0, 2, 1, 1, 1, 2), 0, folder.path("t.bmp"), folder.path("16.dat")));
     EXPECT_FALSE(std::filesystem::exists(folder.path("t.bmp")));
 }
 

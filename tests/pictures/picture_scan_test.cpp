@@ -89,7 +89,8 @@ INSTANTIATE_TEST_SUITE_P(Depths, PictureScanDepth,
                                          DepthCase{16, 56, 56, 0}, DepthCase{16, 96, 64, 1}, DepthCase{24, 33, 30, 1},
                                          DepthCase{8, 20, 24, 0}),
                          [](const testing::TestParamInfo<DepthCase>& row) {
-                             return "Depth" + std::to_string(row.param.depth) + "Width" + std::to_string(row.param.width);
+                             return "Depth" + std::to_string(row.param.depth) + "Width" +
+                                    std::to_string(row.param.width);
                          });
 
 struct PackedCase {
@@ -111,8 +112,10 @@ TEST_P(PictureScanPacked, EachIsFoundWithItsOwnGeometry)
     std::vector<PictureCandidate> planted;
     std::uint32_t seed = 99;
     for (const DepthCase& picture : {c.first, c.second}) {
-        planted.push_back({static_cast<std::int64_t>(image.size()), picture.depth, picture.width, picture.height, 0, false});
-        append(image, zevran::test::drawPictureBytes(picture.width, picture.height, picture.depth, picture.kind, seed++, colours));
+        planted.push_back(
+            {static_cast<std::int64_t>(image.size()), picture.depth, picture.width, picture.height, 0, false});
+        append(image, zevran::test::drawPictureBytes(picture.width, picture.height, picture.depth, picture.kind, seed++,
+                                                     colours));
     }
     append(image, zevran::test::thumbCode(0x1800, 9));
     append(image, noise(0x2000, 11));
@@ -128,13 +131,12 @@ TEST_P(PictureScanPacked, EachIsFoundWithItsOwnGeometry)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pairs, PictureScanPacked,
-    testing::Values(PackedCase{"Depth12Then16", {12, 72, 40, 0}, {16, 52, 40, 0}},
-                    PackedCase{"Depth24Widths40And44", {24, 40, 40, 1}, {24, 44, 40, 1}},
-                    PackedCase{"Depth8Then12", {8, 50, 40, 1}, {12, 64, 40, 1}},
-                    PackedCase{"Depth16Widths93And94", {16, 93, 40, 1}, {16, 94, 40, 1}}),
-    [](const testing::TestParamInfo<PackedCase>& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Pairs, PictureScanPacked,
+                         testing::Values(PackedCase{"Depth12Then16", {12, 72, 40, 0}, {16, 52, 40, 0}},
+                                         PackedCase{"Depth24Widths40And44", {24, 40, 40, 1}, {24, 44, 40, 1}},
+                                         PackedCase{"Depth8Then12", {8, 50, 40, 1}, {12, 64, 40, 1}},
+                                         PackedCase{"Depth16Widths93And94", {16, 93, 40, 1}, {16, 94, 40, 1}}),
+                         [](const testing::TestParamInfo<PackedCase>& row) { return std::string(row.param.name); });
 
 // The scan's goals on a firmware-like image: 90 % of the planted pictures found with
 // their depth and width, at most 2 candidates per MiB covering none (make bench prints
@@ -278,7 +280,8 @@ TEST(PictureScan, ProgressReachesTheTotalAndThreadsChangeNothing)
 
 TEST(PictureScan, CandidatesBecomeRowsUnderNamesNoOneHas)
 {
-    const std::vector<PictureCandidate> candidates = {{0x1234, 16, 32, 20, 0.9, false}, {0x1234, 8, 64, 10, 0.8, false}};
+    const std::vector<PictureCandidate> candidates = {{0x1234, 16, 32, 20, 0.9, false},
+                                                      {0x1234, 8, 64, 10, 0.8, false}};
     const std::vector<PictureEntry> rows = {{"001", "pic_00001234", "0X00001234", "1", "1280", "32*20", "16"}};
     const auto names = candidateNames(candidates, rows);
     ASSERT_EQ(names.size(), 2u);

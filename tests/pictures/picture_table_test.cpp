@@ -13,9 +13,9 @@ const std::array<std::string, 4> kHeaders{"Frames", "Size", "Pixels", "Bits"};
 std::string line(std::string_view number, std::string_view name, std::string_view address, std::string_view frames,
                  std::string_view size, std::string_view dimensions, std::string_view depth)
 {
-    return std::string(number) + " " + std::string(name) + "\t " + std::string(address) + "\t Frames: " +
-           std::string(frames) + "\t Size: " + std::string(size) + "\t Pixels: " + std::string(dimensions) +
-           "\t Bits: " + std::string(depth) + "\t\r\n";
+    return std::string(number) + " " + std::string(name) + "\t " + std::string(address) +
+           "\t Frames: " + std::string(frames) + "\t Size: " + std::string(size) +
+           "\t Pixels: " + std::string(dimensions) + "\t Bits: " + std::string(depth) + "\t\r\n";
 }
 
 }  // namespace
@@ -63,9 +63,8 @@ TEST(PictureTableRead, ReadsTheSixCellsAndRenumbers)
 
 TEST(PictureTableRead, BlankLinesDoNotTakeRowNumbers)
 {
-    auto rows = readPictureTable(line("1", "a", "0X1", "1", "8", "8*8", "1") + "\n\n" +
-                                     line("9", "b", "0X2", "1", "8", "8*8", "1"),
-                                 false);
+    auto rows = readPictureTable(
+        line("1", "a", "0X1", "1", "8", "8*8", "1") + "\n\n" + line("9", "b", "0X2", "1", "8", "8*8", "1"), false);
     ASSERT_EQ(rows.size(), 2u);
     EXPECT_EQ(rows[1].number, "002");
     EXPECT_EQ(rows[1].name, "b");
@@ -73,11 +72,10 @@ TEST(PictureTableRead, BlankLinesDoNotTakeRowNumbers)
 
 TEST(PictureTableRead, RecomputedSizesRoundHalfToEven)
 {
-    auto rows = readPictureTable(line("1", "a", "0X1", "1", "5", "128*160", "16") +
-                                     line("2", "b", "0X1", "1", "5", "12*12", "1") +
-                                     line("3", "c", "0X1", "1", "5", "10*5", "1") +
-                                     line("4", "d", "0X1", "1", "5", "3*1", "4"),
-                                 true);
+    auto rows = readPictureTable(
+        line("1", "a", "0X1", "1", "5", "128*160", "16") + line("2", "b", "0X1", "1", "5", "12*12", "1") +
+            line("3", "c", "0X1", "1", "5", "10*5", "1") + line("4", "d", "0X1", "1", "5", "3*1", "4"),
+        true);
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[0].frameSize, "40960");
     EXPECT_EQ(rows[1].frameSize, "18");
@@ -176,6 +174,7 @@ TEST(PictureTableWarnings, NameTheLineAndTheFieldThatCanNameNoPicture)
 
 TEST(PictureTableWarnings, LenientButMeaningfulFieldsPass)
 {
-    const std::string table = line("1", "a", "0x1aF", "0", "1", "2*2", "24") + line("2", "b", "00FF", "+2.0", "7.5", "2*2", "8");
+    const std::string table =
+        line("1", "a", "0x1aF", "0", "1", "2*2", "24") + line("2", "b", "00FF", "+2.0", "7.5", "2*2", "8");
     EXPECT_TRUE(pictureTableWarnings(table).empty());
 }

@@ -62,8 +62,8 @@ ColourTable sixteenColours()
 {
     ColourTable table{};
     for (std::size_t i = 0; i < 16; ++i) {
-        table[4 * i] = static_cast<std::uint8_t>(i * 16);        // blue
-        table[4 * i + 1] = static_cast<std::uint8_t>(255 - i);   // green
+        table[4 * i] = static_cast<std::uint8_t>(i * 16);         // blue
+        table[4 * i + 1] = static_cast<std::uint8_t>(255 - i);    // green
         table[4 * i + 2] = static_cast<std::uint8_t>(i * 3 + 1);  // red
     }
     return table;
@@ -127,8 +127,7 @@ TEST(PictureView, DepthOnePixelsAreThePageBitsOfEachColumn)
 TEST(PictureView, ConvertedColoursOfEachDepth)
 {
     // Depth 8: E0 blue, 03 red, 24 blue and green 36, 01 red 85.
-    EXPECT_EQ(rendered({0xE0, 0x03, 0x24, 0x01}, 0, 8, 4, 1),
-              (Pixels{0xFF0000FF, 0xFFFF0000, 0xFF002424, 0xFF550000}));
+    EXPECT_EQ(rendered({0xE0, 0x03, 0x24, 0x01}, 0, 8, 4, 1), (Pixels{0xFF0000FF, 0xFFFF0000, 0xFF002424, 0xFF550000}));
     // Depth 12: F00 then 0F8 in three bytes.
     EXPECT_EQ(rendered({0xF0, 0x00, 0xF8}, 0, 12, 2, 1), (Pixels{0xFFFF0000, 0xFF00FF88}));
     // Depth 16: 001F blue, F800 red, 07E0 green, 0841 the lowest step of each.
@@ -144,9 +143,8 @@ TEST(PictureView, BytesPastTheImageEndShowAsNoData)
 {
     // Ten bytes at 16 bits from 4: pixels at 4, 6 and 8; the fourth needs bytes 10-11.
     const Bytes image{0, 0, 0, 0, 0x1F, 0x00, 0x1F, 0x00, 0x1F, 0x00};
-    EXPECT_EQ(rendered(image, 4, 16, 4, 2),
-              (Pixels{0xFF0000F8, 0xFF0000F8, 0xFF0000F8, kNoDataPixel, kNoDataPixel, kNoDataPixel, kNoDataPixel,
-                      kNoDataPixel}));
+    EXPECT_EQ(rendered(image, 4, 16, 4, 2), (Pixels{0xFF0000F8, 0xFF0000F8, 0xFF0000F8, kNoDataPixel, kNoDataPixel,
+                                                    kNoDataPixel, kNoDataPixel, kNoDataPixel}));
 }
 
 TEST(PictureView, BytesBeforeTheImageShowAsNoData)

@@ -18,7 +18,8 @@ bool writePicture(const QString& path, int width, int height, const std::vector<
 {
     QImage picture(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y) * width + x]);
+        for (int x = 0; x < width; ++x)
+            picture.setPixel(x, y, 0xFF000000u | pixels[static_cast<std::size_t>(y) * width + x]);
     return picture.save(path, format);
 }
 
@@ -26,7 +27,7 @@ bool writePicture(const QString& path, int width, int height, const std::vector<
 struct ViewSeen {
     bool shown = false;
     QString changed;
-    QString unstored;        // the line on pixels no image bit holds, when it is shown
+    QString unstored;  // the line on pixels no image bit holds, when it is shown
     QImage before;
     QImage after;
 };
@@ -253,15 +254,16 @@ private slots:
         m_dialogs->files = {file};
         QVERIFY(!chooseAndAnswer(m_tab->importpic, true).shown);
         QCOMPARE(m_dialogs->messages.size(), std::size_t{1});
-        QCOMPARE(m_dialogs->messages[0].text, "Row 001, frame 1, " + file +
-                                                  ": the picture is 3*2 pixels, the row's frames are 2*2; nothing was imported.");
+        QCOMPARE(m_dialogs->messages[0].text,
+                 "Row 001, frame 1, " + file +
+                     ": the picture is 3*2 pixels, the row's frames are 2*2; nothing was imported.");
     }
 
     void importIntoAFramePastTheLastIsRefusedBeforeAnyFileIsAsked()
     {
         startWindow("phone.bin");
         openTable(kTable);
-        clickRow(Logo);  // three frames
+        clickRow(Logo);                                                    // three frames
         for (int step = 0; step < 3; ++step) m_tab->nextpicture->click();  // stepping past the last stays allowed
         QCOMPARE(m_tab->Text16->text(), QString("4"));
         m_dialogs->messages.clear();

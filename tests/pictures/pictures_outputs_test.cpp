@@ -68,16 +68,18 @@ private slots:
         QCOMPARE(m_window->settings().PictureSavePath, path("out/"));
         QCOMPARE(QDir(path("out")).entryList(QDir::Files),
                  (QStringList{"d8-01.bmp", "logo-01.bmp", "logo-02.bmp", "logo-03.bmp"}));
-        const QByteArray logo1 = QByteArray::fromHex(
-            "424D46000000000000003600000028000000020000000200000001001800000000001000000"
-            "0C40E0000C40E00000000000000000000"
-            "FF0000FFFFFF0000"    // bottom row first: blue, white
-            "0000FF00FF000000");  // top row: red, green
+        const QByteArray logo1 =
+            QByteArray::fromHex("424D46000000000000003600000028000000020000000200000001001800000000001000000"
+                                "0C40E0000C40E00000000000000000000"
+                                "FF0000FFFFFF0000"    // bottom row first: blue, white
+                                "0000FF00FF000000");  // top row: red, green
         QCOMPARE(readBytes(path("out/logo-01.bmp")), logo1);
         QCOMPARE(readBytes(path("out/logo-03.bmp")),
-                 bmpHeader(70, 54, 2, 2, 24, 0, 16) + QByteArray::fromHex("4050607080900000" "8080801020300000"));
-        QCOMPARE(readBytes(path("out/d8-01.bmp")), bmpHeader(62, 54, 2, 1, 24, 0, 8) +
-                                                       QByteArray::fromHex("FF0000" "0000FF" "0000"));
+                 bmpHeader(70, 54, 2, 2, 24, 0, 16) + QByteArray::fromHex("4050607080900000"
+                                                                          "8080801020300000"));
+        QCOMPARE(readBytes(path("out/d8-01.bmp")), bmpHeader(62, 54, 2, 1, 24, 0, 8) + QByteArray::fromHex("FF0000"
+                                                                                                           "0000FF"
+                                                                                                           "0000"));
         // Qt reads them back as the colours stored.
         const QImage second(path("out/logo-02.bmp"));
         QCOMPARE(second.size(), QSize(2, 2));
@@ -100,7 +102,8 @@ private slots:
         m_dialogs->folders.push_back(path("all/"));
         QDir().mkpath(path("all"));
         bool sawProgress = false;
-        QTimer::singleShot(0, this, [&] { sawProgress = m_tab->ProgressBar2->isVisible() && m_tab->ProgressBar2->maximum() == 8; });
+        QTimer::singleShot(
+            0, this, [&] { sawProgress = m_tab->ProgressBar2->isVisible() && m_tab->ProgressBar2->maximum() == 8; });
         choose(m_tab->outputpicall);
         QVERIFY(sawProgress);
         QCOMPARE(QDir(path("all")).entryList(QDir::Files),
@@ -118,7 +121,8 @@ private slots:
         const QByteArray pal = readBytes(path("all/pal-01.bmp"));
         QCOMPARE(pal.size(), 118 + 8);
         QCOMPARE(pal.mid(54, 64), readBytes(QStringLiteral(ZEVRAN_DATA_DIR "/16.dat")).left(64));
-        QCOMPARE(pal.mid(118), QByteArray::fromHex("9ABC0000" "01230000"));
+        QCOMPARE(pal.mid(118), QByteArray::fromHex("9ABC0000"
+                                                   "01230000"));
         QCOMPARE(QImage(path("all/screen-01.bmp")).size(), QSize(96, 64));
         QVERIFY(m_tab->ProgressBar2->isHidden());
     }
@@ -244,7 +248,8 @@ private slots:
         QVERIFY(m_dialogs->messages.empty());
         QVERIFY(!m_window->findChild<QAction*>("Save")->isEnabled());
         const auto& image = m_window->imageState().FirmwareImage;
-        QCOMPARE(QByteArray(reinterpret_cast<const char*>(image.data()), static_cast<qsizetype>(image.size())), phoneImage());
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(image.data()), static_cast<qsizetype>(image.size())),
+                 phoneImage());
     }
 };
 

@@ -52,7 +52,8 @@ private slots:
         startInstalledWindow("phone.asf");
         openTable(kTable);
         QStringList written;
-        connect(m_tab, &zevran::pictures::PicturesTab::previewFileWritten, this, [&](const QString& file) { written << file; });
+        connect(m_tab, &zevran::pictures::PicturesTab::previewFileWritten, this,
+                [&](const QString& file) { written << file; });
         clickRow(Logo);
         QCOMPARE(written, QStringList{path("run/temp.bmp")});
         written.clear();

@@ -38,8 +38,8 @@ inline const QByteArray kLanguage =
 
 // 24-bit pixels are stored blue, green, red.
 inline const QByteArray kLogoFrames = QByteArray::fromHex("0000FF00FF00FF0000FFFFFF"    // red, green / blue, white
-                                                   "00000000FFFFFFFF00FF00FF"    // black, yellow / cyan, magenta
-                                                   "808080102030405060708090");  // three greys of sorts
+                                                          "00000000FFFFFFFF00FF00FF"    // black, yellow / cyan, magenta
+                                                          "808080102030405060708090");  // three greys of sorts
 inline const QByteArray kAfterLogo = QByteArray::fromHex("0102030405060708090A0B0C");
 
 // A synthetic phone image: pictures at every depth, and known bytes around the first.
@@ -53,8 +53,9 @@ inline QByteArray phoneImage()
     for (int y = 0; y < 64; ++y)
         for (int x = 0; x < 96; ++x) {
             const int at = 0x200 + (y * 96 + x) * 2;
-            const QByteArray pixel = y == 0 ? QByteArray::fromHex("E007") : x < 48 ? QByteArray::fromHex("00F8")
-                                                                                    : QByteArray::fromHex("1F00");
+            const QByteArray pixel = y == 0   ? QByteArray::fromHex("E007")
+                                     : x < 48 ? QByteArray::fromHex("00F8")
+                                              : QByteArray::fromHex("1F00");
             image.replace(at, 2, pixel);
         }
     // mono: display column 0 lights its topmost pixel of the bottom page, column 95 the
@@ -68,21 +69,19 @@ inline QByteArray phoneImage()
 }
 
 inline QByteArray line(const char* number, const char* name, const char* address, const char* frames, const char* size,
-                const char* pixels, const char* bits)
+                       const char* pixels, const char* bits)
 {
     return QByteArray(number) + " " + name + "\t 0X" + address + "\t Frames: " + frames + "\t Size: " + size +
            "\t Pixels: " + pixels + "\t Bits: " + bits + "\t\r\n";
 }
 
 // Row numbers in the file are ignored and blank lines take none.
-inline const QByteArray kTable = line("001", "logo", "00000100", "3", "12", "2*2", "24") + "\r\n" +
-                          line("007", "screen", "00000200", "1", "12288", "96*64", "16") +
-                          line("003", "mono", "00003200", "1", "768", "64*96", "1") +
-                          line("004", "pal", "00003600", "1", "4", "4*2", "4") + "\n" +
-                          line("005", "d8", "00003700", "1", "2", "2*1", "8") +
-                          line("006", "d12", "00003710", "1", "3", "2*1", "12") +
-                          line("008", "none", "00003720", "0", "12", "2*2", "24") +
-                          line("009", "odd", "00003730", "1", "1", "2*2", "2");
+inline const QByteArray kTable =
+    line("001", "logo", "00000100", "3", "12", "2*2", "24") + "\r\n" +
+    line("007", "screen", "00000200", "1", "12288", "96*64", "16") +
+    line("003", "mono", "00003200", "1", "768", "64*96", "1") + line("004", "pal", "00003600", "1", "4", "4*2", "4") +
+    "\n" + line("005", "d8", "00003700", "1", "2", "2*1", "8") + line("006", "d12", "00003710", "1", "3", "2*1", "12") +
+    line("008", "none", "00003720", "0", "12", "2*2", "24") + line("009", "odd", "00003730", "1", "1", "2*2", "2");
 
 enum Row { Logo, Screen, Mono, Pal, D8, D12, None, Odd };
 
@@ -208,10 +207,7 @@ protected:
         QCOMPARE(block(image, zoom, 1, 1), d & 0xFFFFFF);
     }
 
-    void resetHome()
-    {
-        stopWindow();
-    }
+    void resetHome() { stopWindow(); }
 };
 
 }  // namespace zevran::test

@@ -35,8 +35,7 @@ private slots:
         QVERIFY(m_tab->PreviousPicture->isEnabled());
         QVERIFY(!m_tab->PausePlay->isEnabled());
         QVERIFY(!m_tab->StopPlay->isEnabled());
-        QCOMPARE(m_dialogs->asked.last(),
-                 "open " + m_home.path() + "|All files (*);;Picture tables (*.txt)|2");
+        QCOMPARE(m_dialogs->asked.last(), "open " + m_home.path() + "|All files (*);;Picture tables (*.txt)|2");
         QCOMPARE(m_window->settings().TableSavePath, m_home.path());
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -214,7 +213,8 @@ private slots:
         const auto expected = zevran::pictures::pictureFrameBmp(
             std::span(reinterpret_cast<const std::uint8_t*>(image.constData()), static_cast<std::size_t>(image.size())),
             0x200, 96, 64, 16, {});
-        QCOMPARE(temporary, QByteArray(reinterpret_cast<const char*>(expected->data()), static_cast<qsizetype>(expected->size())));
+        QCOMPARE(temporary,
+                 QByteArray(reinterpret_cast<const char*>(expected->data()), static_cast<qsizetype>(expected->size())));
         QCOMPARE(temporary.left(70), bmpHeader(70 + 12288, 70, 96, 64, 16, 3, 12288) +
                                          QByteArray::fromHex("00F80000E00700001F00000000000000"));
         QCOMPARE(m_tab->Text15->text(), QString("0x200"));
@@ -278,15 +278,13 @@ private slots:
         QCOMPARE(m_tab->Text15->text(), QString("0x124"));
         QCOMPARE(m_tab->Text16->text(), QString("4"));
         QCOMPARE(m_tab->FrameCount->text(), QString("of 3: past the last frame"));
-        expectLogoFrame(qRgb(0x03, 0x02, 0x01), qRgb(0x06, 0x05, 0x04),
-                        qRgb(0x09, 0x08, 0x07), qRgb(0x0C, 0x0B, 0x0A));
+        expectLogoFrame(qRgb(0x03, 0x02, 0x01), qRgb(0x06, 0x05, 0x04), qRgb(0x09, 0x08, 0x07), qRgb(0x0C, 0x0B, 0x0A));
         for (int i = 0; i < 4; ++i) m_tab->PreviousPicture->click();
         // Below frame 0: the bytes before it.
         QCOMPARE(m_tab->Text15->text(), QString("0xF4"));
         QCOMPARE(m_tab->Text16->text(), QString("0"));
         QCOMPARE(m_tab->currentFrame(), -1);
-        expectLogoFrame(qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA),
-                        qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA));
+        expectLogoFrame(qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA));
         QVERIFY(m_dialogs->messages.empty());
         QVERIFY(!QFile::exists(path("temp.bmp")));
     }
@@ -322,7 +320,8 @@ private slots:
         QCOMPARE(block(image, zoom, 0, 95), 0u);
         clickRow(Pal);  // the colours of 16.dat: black, navy, green, teal / blue, lime, aqua, red
         image = shown(4, 2, &zoom);
-        const std::vector<QRgb> expected{0x000000, 0x000080, 0x008000, 0x008080, 0x0000FF, 0x00FF00, 0x00FFFF, 0xFF0000};
+        const std::vector<QRgb> expected{0x000000, 0x000080, 0x008000, 0x008080,
+                                         0x0000FF, 0x00FF00, 0x00FFFF, 0xFF0000};
         for (int i = 0; i < 8; ++i) QCOMPARE(block(image, zoom, i % 4, i / 4), expected[static_cast<std::size_t>(i)]);
         clickRow(D8);
         image = shown(2, 1, &zoom);
@@ -405,7 +404,8 @@ private slots:
         clickRow(Logo);
         m_tab->Slider1->setValue(10);
         QStringList files;
-        connect(m_tab, &PicturesTab::previewFileWritten, this, [&](const QString& file) { files << QFileInfo(file).fileName(); });
+        connect(m_tab, &PicturesTab::previewFileWritten, this,
+                [&](const QString& file) { files << QFileInfo(file).fileName(); });
         m_tab->PlayPicture->click();
         QStringList ordinals;
         for (int tick = 0; tick < 4; ++tick) {
@@ -468,7 +468,8 @@ private slots:
         openTable(kTable);
         clickRow(Logo);
         QStringList files;
-        connect(m_tab, &PicturesTab::previewFileWritten, this, [&](const QString& file) { files << QFileInfo(file).fileName(); });
+        connect(m_tab, &PicturesTab::previewFileWritten, this,
+                [&](const QString& file) { files << QFileInfo(file).fileName(); });
         m_tab->Slider1->setValue(1);
         QCOMPARE(m_tab->Timer2->interval(), 100);
         m_tab->PlayPicture->click();

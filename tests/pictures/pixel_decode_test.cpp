@@ -32,10 +32,11 @@ Bytes decode(const Bytes& image, std::int32_t width, std::int32_t height, int de
 
 TEST(PixelDecode, Depth24OnePixelGivesTheWholeFile)
 {
-    const Bytes expected{'B', 'M', 58, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0,     // file header
-                         40, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 24, 0,  // size, width, height, planes, bits
-                         0, 0, 0, 0, 4, 0, 0, 0, 0xC4, 0x0E, 0, 0, 0xC4, 0x0E, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                         0x11, 0x22, 0x33, 0};  // blue, green, red, one padding byte
+    const Bytes expected{
+        'B', 'M', 58, 0, 0, 0, 0, 0, 0,    0,    54,   0, 0,    0,            // file header
+        40,  0,   0,  0, 1, 0, 0, 0, 1,    0,    0,    0, 1,    0,    24, 0,  // size, width, height, planes, bits
+        0,   0,   0,  0, 4, 0, 0, 0, 0xC4, 0x0E, 0,    0, 0xC4, 0x0E, 0,  0,
+        0,   0,   0,  0, 0, 0, 0, 0, 0x11, 0x22, 0x33, 0};  // blue, green, red, one padding byte
     EXPECT_EQ(decode({0x11, 0x22, 0x33}, 1, 1, 24), expected);
 }
 
@@ -138,7 +139,8 @@ TEST(MonoDecode, ReadsTheDisplayMemoryColumnByColumnBottomPageFirst)
 {
     Bytes image(1 + 768);
     for (std::size_t page = 0; page < 8; ++page)
-        for (std::size_t column = 0; column < 96; ++column) image[1 + page * 96 + column] = static_cast<std::uint8_t>(page * 16 + column % 16);
+        for (std::size_t column = 0; column < 96; ++column)
+            image[1 + page * 96 + column] = static_cast<std::uint8_t>(page * 16 + column % 16);
     Bytes bmp = monoFrameBmp(image, 1, 64, 96);
     ASSERT_EQ(bmp.size(), 62u + 768u);
     EXPECT_EQ(field(bmp, 10, 4), 62u);

@@ -62,7 +62,8 @@ TEST(ProfileRead, EmptyValueIsReadAsEmpty)
 
 TEST(ProfileWrite, ChangesOnlyTheLineOfTheKey)
 {
-    const std::string text = "; settings\r\n[Language]\r\nLanguage = English.ini\r\n\r\n[File Path]\r\nS3 Save Path=/a/\r\n";
+    const std::string text =
+        "; settings\r\n[Language]\r\nLanguage = English.ini\r\n\r\n[File Path]\r\nS3 Save Path=/a/\r\n";
     EXPECT_EQ(writeProfileValue(text, "language", "LANGUAGE", "ChineseS.ini"),
               "; settings\r\n[Language]\r\nLanguage=ChineseS.ini\r\n\r\n[File Path]\r\nS3 Save Path=/a/\r\n");
 }

@@ -80,7 +80,8 @@ TEST(ProgramFolders, ExecutableBesideLanguageFolderIsPortable)
 
 TEST(ProgramFolders, ExecutableUnderAPrefixWithSharedDataIsInstalled)
 {
-    const ProgramFolders folders = findProgramFolders(installedUnderUsr(), foldersOnDisk({"/usr/share/zevran/language"}));
+    const ProgramFolders folders =
+        findProgramFolders(installedUnderUsr(), foldersOnDisk({"/usr/share/zevran/language"}));
     EXPECT_EQ(folders.layout, Layout::Installed);
     EXPECT_EQ(folders.dataFolder, "/usr/share/zevran");
     EXPECT_EQ(folders.settingsFile, "/home/ann/.config/zevran/zevran.ini");
@@ -157,9 +158,9 @@ protected:
 
 TEST_F(LanguageFolders, ListHoldsShippedAndUserFilesEachNameOnceInNameOrder)
 {
-    for (const char* name : {"share/language/English.ini", "share/language/ChineseS.ini", "share/language/notes.txt",
-                             "user/language/Klingon.INI", "user/language/English.ini", "user/language/.draft.ini",
-                             "user/language/a.ini"})
+    for (const char* name :
+         {"share/language/English.ini", "share/language/ChineseS.ini", "share/language/notes.txt",
+          "user/language/Klingon.INI", "user/language/English.ini", "user/language/.draft.ini", "user/language/a.ini"})
         writeFile(m_temp.path(name), "");
     std::filesystem::create_directories(m_temp.path("user/language/folder.ini"));
     EXPECT_EQ(languageFileNames(m_folders),

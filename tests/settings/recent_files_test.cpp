@@ -29,16 +29,16 @@ TEST(RecentFiles, NinthFilePushesOutTheOldest)
 {
     RecentFiles files;
     for (char name = '1'; name <= '9'; ++name) files.add(std::string("/p/") + name + ".bin");
-    EXPECT_EQ(files.paths(), (Paths{"/p/9.bin", "/p/8.bin", "/p/7.bin", "/p/6.bin", "/p/5.bin", "/p/4.bin",
-                                    "/p/3.bin", "/p/2.bin"}));
+    EXPECT_EQ(files.paths(),
+              (Paths{"/p/9.bin", "/p/8.bin", "/p/7.bin", "/p/6.bin", "/p/5.bin", "/p/4.bin", "/p/3.bin", "/p/2.bin"}));
 }
 
 TEST(RecentFiles, StoredListDropsEmptyNamesRepeatsAndAllPastEight)
 {
-    RecentFiles files(Paths{"/p/1.bin", "", "/p/2.bin", "/p/x/../1.bin", "/p/3.bin", "/p/4.bin", "/p/5.bin",
-                            "/p/6.bin", "/p/7.bin", "/p/8.bin", "/p/9.bin"});
-    EXPECT_EQ(files.paths(), (Paths{"/p/1.bin", "/p/2.bin", "/p/3.bin", "/p/4.bin", "/p/5.bin", "/p/6.bin",
-                                    "/p/7.bin", "/p/8.bin"}));
+    RecentFiles files(Paths{"/p/1.bin", "", "/p/2.bin", "/p/x/../1.bin", "/p/3.bin", "/p/4.bin", "/p/5.bin", "/p/6.bin",
+                            "/p/7.bin", "/p/8.bin", "/p/9.bin"});
+    EXPECT_EQ(files.paths(),
+              (Paths{"/p/1.bin", "/p/2.bin", "/p/3.bin", "/p/4.bin", "/p/5.bin", "/p/6.bin", "/p/7.bin", "/p/8.bin"}));
 }
 
 TEST(RecentFiles, RemoveAndClear)
@@ -53,8 +53,8 @@ TEST(RecentFiles, RemoveAndClear)
 
 TEST(RecentFiles, ListIsWrittenAsEightKeysOfItsOwnSection)
 {
-    const std::string text = writeRecentFiles("[Language]\r\nLanguage=English.ini\r\n",
-                                              RecentFiles(Paths{"/p/new.bin", "/p/old.asf"}));
+    const std::string text =
+        writeRecentFiles("[Language]\r\nLanguage=English.ini\r\n", RecentFiles(Paths{"/p/new.bin", "/p/old.asf"}));
     EXPECT_EQ(text, "[Language]\r\nLanguage=English.ini\r\n"
                     "[Recent Files]\r\nFile1=/p/new.bin\r\nFile2=/p/old.asf\r\nFile3=\r\nFile4=\r\n"
                     "File5=\r\nFile6=\r\nFile7=\r\nFile8=\r\n");
@@ -66,15 +66,17 @@ TEST(RecentFiles, RewritingKeepsEveryOtherLine)
                                "File6=\r\nFile7=\r\nFile8=\r\n[Window]\r\nTab=2\r\n";
     RecentFiles files = readRecentFiles(before);
     files.add("/p/b.bin");
-    EXPECT_EQ(writeRecentFiles(before, files), "[Recent Files]\r\nFile1=/p/b.bin\r\nFile2=/p/a.bin\r\nFile3=\r\n"
-                                               "File4=\r\nFile5=\r\nFile6=\r\nFile7=\r\nFile8=\r\n[Window]\r\nTab=2\r\n");
+    EXPECT_EQ(writeRecentFiles(before, files),
+              "[Recent Files]\r\nFile1=/p/b.bin\r\nFile2=/p/a.bin\r\nFile3=\r\n"
+              "File4=\r\nFile5=\r\nFile6=\r\nFile7=\r\nFile8=\r\n[Window]\r\nTab=2\r\n");
 }
 
 TEST(RecentFiles, ReadingSkipsEmptyKeysAndAMissingSectionIsAnEmptyList)
 {
     EXPECT_TRUE(readRecentFiles("[Language]\r\nLanguage=English.ini\r\n").empty());
-    EXPECT_EQ(readRecentFiles("[recent files]\r\nFile1=\r\nFile3=/p/c.bin\r\nfile2=/p/b.bin\r\nFile9=/p/z.bin\r\n").paths(),
-              (Paths{"/p/b.bin", "/p/c.bin"}));
+    EXPECT_EQ(
+        readRecentFiles("[recent files]\r\nFile1=\r\nFile3=/p/c.bin\r\nfile2=/p/b.bin\r\nFile9=/p/z.bin\r\n").paths(),
+        (Paths{"/p/b.bin", "/p/c.bin"}));
 }
 
 TEST(RecentFiles, PathThatCannotBeKeptAsAValueIsLeftOut)

@@ -27,8 +27,10 @@ public:
     {
         while (m_image.bytes.size() < size) {
             switch (next(8)) {
-            case 0: case 1: machineCode(2048 + next(8192)); break;
-            case 2: case 3: randomData(2048 + next(8192)); break;
+            case 0:
+            case 1: machineCode(2048 + next(8192)); break;
+            case 2:
+            case 3: randomData(2048 + next(8192)); break;
             case 4: pointerTable(64 + next(256)); break;
             case 5: fill(next(2) ? 0xFF : 0x00, 256 + next(2048)); break;
             case 6: stringTable(strings::StringCodes::Single, 10 + next(60)); break;
@@ -84,24 +86,31 @@ private:
 
     std::string englishText()
     {
-        static const char* const kWords[] = {"Settings", "Messages", "Call", "Log", "Ringtone", "Volume", "Alarm",
-            "Clock", "Camera", "Pictures", "Music", "Games", "Tools", "Contacts", "Delete", "Save", "Back", "OK",
-            "Cancel", "Edit", "Send", "Inbox", "Network", "Bluetooth", "Display", "Brightness", "Language",
-            "Password", "On", "Off", "Menu", "Theme", "Wallpaper", "New", "Missed calls", "Phone", "Profiles",
-            "Silent", "Meeting", "Outdoor", "Memory full", "Please wait", "Battery low", "Select", "Options", "Yes",
-            "No", "Done", "Error", "Date", "Time", "Calendar", "Notes", "Calculator", "Keypad lock", "Sent", "Draft"};
+        static const char* const kWords[] = {
+            "Settings",    "Messages", "Call",      "Log",     "Ringtone",   "Volume",      "Alarm",
+            "Clock",       "Camera",   "Pictures",  "Music",   "Games",      "Tools",       "Contacts",
+            "Delete",      "Save",     "Back",      "OK",      "Cancel",     "Edit",        "Send",
+            "Inbox",       "Network",  "Bluetooth", "Display", "Brightness", "Language",    "Password",
+            "On",          "Off",      "Menu",      "Theme",   "Wallpaper",  "New",         "Missed calls",
+            "Phone",       "Profiles", "Silent",    "Meeting", "Outdoor",    "Memory full", "Please wait",
+            "Battery low", "Select",   "Options",   "Yes",     "No",         "Done",        "Error",
+            "Date",        "Time",     "Calendar",  "Notes",   "Calculator", "Keypad lock", "Sent",
+            "Draft"};
         static const char* const kTails[] = {"", "", "", "", "...", ":", " %d", " (%d)", "?", "!", " 1", " 2"};
         std::string text = kWords[next(std::size(kWords))];
-        for (std::uint32_t extra = next(3); extra > 0; --extra) text += std::string(" ") + kWords[next(std::size(kWords))];
+        for (std::uint32_t extra = next(3); extra > 0; --extra)
+            text += std::string(" ") + kWords[next(std::size(kWords))];
         return text + kTails[next(std::size(kTails))];
     }
     std::string chineseText()
     {
-        static const char* const kWords[] = {"设置", "信息", "电话", "短信", "通话记录", "铃声", "音量", "时间",
-            "日期", "闹钟", "相机", "图片", "音乐", "游戏", "工具", "联系人", "删除", "保存", "返回", "确定", "取消",
-            "编辑", "发送", "收件箱", "网络", "蓝牙", "屏幕", "亮度", "语言", "密码", "打开", "关闭", "菜单", "主题",
-            "壁纸", "未接来电", "情景模式", "静音", "会议", "户外", "内存已满", "请稍候", "电池电量低", "选择", "选项",
-            "是", "否", "完成", "错误", "日历", "记事本", "计算器", "键盘锁", "已发送", "草稿", "一"};
+        static const char* const kWords[] = {
+            "设置",     "信息",   "电话",       "短信",   "通话记录", "铃声",     "音量",     "时间", "日期", "闹钟",
+            "相机",     "图片",   "音乐",       "游戏",   "工具",     "联系人",   "删除",     "保存", "返回", "确定",
+            "取消",     "编辑",   "发送",       "收件箱", "网络",     "蓝牙",     "屏幕",     "亮度", "语言", "密码",
+            "打开",     "关闭",   "菜单",       "主题",   "壁纸",     "未接来电", "情景模式", "静音", "会议", "户外",
+            "内存已满", "请稍候", "电池电量低", "选择",   "选项",     "是",       "否",       "完成", "错误", "日历",
+            "记事本",   "计算器", "键盘锁",     "已发送", "草稿",     "一"};
         std::string text = kWords[next(std::size(kWords))];
         for (std::uint32_t extra = next(2); extra > 0; --extra) text += kWords[next(std::size(kWords))];
         if (next(6) == 0) text += "：" + std::string(next(2) ? "%d" : "SMS");

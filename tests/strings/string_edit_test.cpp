@@ -129,8 +129,9 @@ TEST(EditListRegions, RowWrittenInTheOtherEncodingIsNamed)
         editListRegions(rows, true, 0x40);
         FAIL() << "no error";
     } catch (const EditRowError& error) {
-        EXPECT_STREQ(error.what(), "row 01 at 00000010..00000013: \"Cat \" takes 8 bytes in handset codes but the string "
-                                   "holds 4; write the list in the codes it was searched in");
+        EXPECT_STREQ(error.what(),
+                     "row 01 at 00000010..00000013: \"Cat \" takes 8 bytes in handset codes but the string "
+                     "holds 4; write the list in the codes it was searched in");
     }
 }
 
@@ -142,8 +143,9 @@ TEST(EditListRegions, RowPastTheImagesEndIsNamed)
         editListRegions(rows, false, 0x40);
         FAIL() << "no error";
     } catch (const EditRowError& error) {
-        EXPECT_STREQ(error.what(), "row 02 at 0000003F..00000040: the string lies past the end of the image (64 bytes); "
-                                   "was it found in another phone file?");
+        EXPECT_STREQ(error.what(),
+                     "row 02 at 0000003F..00000040: the string lies past the end of the image (64 bytes); "
+                     "was it found in another phone file?");
     }
 }
 

@@ -33,10 +33,12 @@ constexpr auto kHandset = StringCodes::Handset;
 TEST(StringExtract, SingleByteTableIsListedWithAddressesBudgetsAndTexts)
 {
     // "Menu" at 0x04, "Settings" at 0x09, "Back" at 0x14 (after alignment zeros).
-    const Bytes image = bytesOf(std::string_view("\xFF\xFF\xFF\x00Menu\x00Settings\x00\x00\x00" "Back\x00\xFF", 26));
-    EXPECT_EQ(extract(image), (std::vector<StoredString>{{0x04, kSingle, 4, "Menu"},
-                                                         {0x09, kSingle, 8, "Settings"},
-                                                         {0x14, kSingle, 4, "Back"}}));
+    const Bytes image = bytesOf(std::string_view("\xFF\xFF\xFF\x00Menu\x00Settings\x00\x00\x00"
+                                                 "Back\x00\xFF",
+                                                 26));
+    EXPECT_EQ(extract(image),
+              (std::vector<StoredString>{
+                  {0x04, kSingle, 4, "Menu"}, {0x09, kSingle, 8, "Settings"}, {0x14, kSingle, 4, "Back"}}));
 }
 
 TEST(StringExtract, GbkCharactersAreTwoBytesOfOneSingleByteString)
@@ -70,7 +72,9 @@ TEST(StringExtract, HandsetStringEndsAtTheZeroAtAnEvenDistance)
 
 TEST(StringExtract, StringEndingOnTheImagesLastByteIsListed)
 {
-    const Bytes image = bytesOf(std::string_view("\x00Menu\x00" "Exit\x00", 11));
+    const Bytes image = bytesOf(std::string_view("\x00Menu\x00"
+                                                 "Exit\x00",
+                                                 11));
     EXPECT_EQ(extract(image), (std::vector<StoredString>{{0x01, kSingle, 4, "Menu"}, {0x06, kSingle, 4, "Exit"}}));
 }
 
@@ -83,7 +87,9 @@ TEST(StringExtract, HandsetStringWhoseTerminatorIsTheLastByteIsListed)
 
 TEST(StringExtract, RunToTheImagesEndWithoutAZeroIsNoString)
 {
-    const Bytes image = bytesOf(std::string_view("\x00Menu\x00" "Exit\x00Unterminated", 23));
+    const Bytes image = bytesOf(std::string_view("\x00Menu\x00"
+                                                 "Exit\x00Unterminated",
+                                                 23));
     EXPECT_EQ(extract(image).size(), 2u);
 }
 
@@ -91,9 +97,8 @@ TEST(StringExtract, StringsUnderFourBytesNeedALowerMinimum)
 {
     const Bytes image = bytesOf(std::string_view("\x00OK\x00Menu\x00Yes\x00", 13));
     EXPECT_EQ(extract(image), (std::vector<StoredString>{{0x04, kSingle, 4, "Menu"}}));
-    EXPECT_EQ(extract(image, 2), (std::vector<StoredString>{{0x01, kSingle, 2, "OK"},
-                                                            {0x04, kSingle, 4, "Menu"},
-                                                            {0x09, kSingle, 3, "Yes"}}));
+    EXPECT_EQ(extract(image, 2), (std::vector<StoredString>{
+                                     {0x01, kSingle, 2, "OK"}, {0x04, kSingle, 4, "Menu"}, {0x09, kSingle, 3, "Yes"}}));
 }
 
 TEST(StringExtract, CodesChoiceListsOneEncoding)

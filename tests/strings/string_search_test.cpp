@@ -132,7 +132,8 @@ TEST(StoredText, HandsetCodesDecodeA1PairsAndCodeUnits)
 TEST(StoredText, LoneSurrogateShowsAsReplacementCharacter)
 {
     const std::vector<std::uint8_t> bytes{0xDC, 0x00, 0xA1, 0x41};
-    EXPECT_EQ(storedText(bytes, true), "\xEF\xBF\xBD" "A");
+    EXPECT_EQ(storedText(bytes, true), "\xEF\xBF\xBD"
+                                       "A");
 }
 
 TEST(StoredText, SingleByteCodesDecodeInTheCodePage)

@@ -101,7 +101,10 @@ private:
         return cells;
     }
 
-    QAction* action(const char* name) const { return m_window->findChild<QMenu*>("menufile4")->findChild<QAction*>(name); }
+    QAction* action(const char* name) const
+    {
+        return m_window->findChild<QMenu*>("menufile4")->findChild<QAction*>(name);
+    }
 
     // Removeone, Removeall, outputStrS3, outputStraxf.
     QList<bool> itemsEnabled() const

@@ -75,7 +75,10 @@ private:
         return shown;
     }
 
-    QAction* action(const char* name) const { return m_window->findChild<QMenu*>("menufile4")->findChild<QAction*>(name); }
+    QAction* action(const char* name) const
+    {
+        return m_window->findChild<QMenu*>("menufile4")->findChild<QAction*>(name);
+    }
 
 private slots:
     void init()
@@ -116,7 +119,7 @@ private slots:
                                                          "0x00000015,single,8,Settings,\r\n"
                                                          "0x0000001E,single,4,Back,\r\n"
                                                          "0x00000024,handset,4,OK,\r\n") +
-                                              QString::fromUtf8("0x00000029,handset,4,设置,\r\n").toUtf8());
+                                                  QString::fromUtf8("0x00000029,handset,4,设置,\r\n").toUtf8());
     }
 
     void stopDuringALongExportWritesNothing()
@@ -147,8 +150,10 @@ private slots:
         open("phone.bin");
         importTranslation();
         QCOMPARE(m_tab->ListView2->topLevelItemCount(), 2);
-        QCOMPARE(cells(m_tab->ListView2, 0, 5), QStringList({"01", "00000010", "00000013", QString::fromUtf8("菜单"), "4"}));
-        QCOMPARE(cells(m_tab->ListView2, 1, 5), QStringList({"02", "00000024", "00000027", QString::fromUtf8("是 "), "2"}));
+        QCOMPARE(cells(m_tab->ListView2, 0, 5),
+                 QStringList({"01", "00000010", "00000013", QString::fromUtf8("菜单"), "4"}));
+        QCOMPARE(cells(m_tab->ListView2, 1, 5),
+                 QStringList({"02", "00000024", "00000027", QString::fromUtf8("是 "), "2"}));
         QCOMPARE(m_tab->ListView2->topLevelItem(1)->checkState(0), Qt::Checked);
         QCOMPARE(m_tab->ListViewRefused->topLevelItemCount(), 1);
         QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
@@ -221,7 +226,8 @@ private slots:
         importTranslation("address,encoding,source,target\r\n0x10,single,Menu,X\r\n");
         QCOMPARE(m_dialogs->messages.size(), size_t{1});
         QCOMPARE(m_dialogs->messages[0].text,
-                 path("zh.csv") + ", line 2: \"0x10 single\" is no entry key (\"0x\", eight hex digits, then single or handset)");
+                 path("zh.csv") +
+                     ", line 2: \"0x10 single\" is no entry key (\"0x\", eight hex digits, then single or handset)");
         QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
     }
 };

@@ -58,7 +58,8 @@ TEST(PoFile, EveryStringIsAnEntryKeyedByAddressWithItsBudget)
     writePoFile(folder.path("menu.po"), kStrings, "phone.bin");
     const std::string text = readText(folder.path("menu.po"));
     EXPECT_NE(text.find("Content-Type: text/plain; charset=UTF-8\\n"), std::string::npos);
-    EXPECT_NE(text.find("#. budget 4 bytes\nmsgctxt \"0x0001A2F0 handset\"\nmsgid \"OK\"\nmsgstr \"\"\n"), std::string::npos);
+    EXPECT_NE(text.find("#. budget 4 bytes\nmsgctxt \"0x0001A2F0 handset\"\nmsgid \"OK\"\nmsgstr \"\"\n"),
+              std::string::npos);
     EXPECT_NE(text.find("msgctxt \"0x0001A300 single\"\nmsgid \"Settings\""), std::string::npos);
     EXPECT_NE(text.find("msgctxt \"0x0001A310 single\"\nmsgid \"Settings\""), std::string::npos);
     EXPECT_NE(text.find("msgctxt \"0x0001A320 handset\"\nmsgid \"设置\""), std::string::npos);
@@ -77,10 +78,11 @@ TEST(PoFile, WrittenFileReadsBackUntranslated)
 TEST(PoFile, TranslationsAreReadAndFuzzyOnesLeftUntranslated)
 {
     TempFolder folder;
-    writeFile(folder.path("zh.po"), std::string("msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
-                                                "msgctxt \"0x00000010 single\"\nmsgid \"Menu\"\nmsgstr \"菜单\"\n\n"
-                                                "#, fuzzy\nmsgctxt \"0x00000020 single\"\nmsgid \"Back\"\nmsgstr \"返回\"\n\n"
-                                                "msgctxt \"0x00000030 handset\"\nmsgid \"Tab\\there\"\nmsgstr \"\"\n"));
+    writeFile(folder.path("zh.po"),
+              std::string("msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
+                          "msgctxt \"0x00000010 single\"\nmsgid \"Menu\"\nmsgstr \"菜单\"\n\n"
+                          "#, fuzzy\nmsgctxt \"0x00000020 single\"\nmsgid \"Back\"\nmsgstr \"返回\"\n\n"
+                          "msgctxt \"0x00000030 handset\"\nmsgid \"Tab\\there\"\nmsgstr \"\"\n"));
     const auto entries = readPoFile(folder.path("zh.po"));
     ASSERT_EQ(entries.size(), 3u);
     EXPECT_EQ(entries[0], (TranslationEntry{0x10, StringCodes::Single, 0, "Menu", "菜单"}));
@@ -200,5 +202,6 @@ TEST(TranslationFile, KeySharedByTwoEntriesIsRefusedAtTheSecond)
     EXPECT_EQ(failure.reason, Reason::DuplicateKey);
     EXPECT_EQ(failure.entry, 3u);
     EXPECT_EQ(failure.detail, "0x00000010 single");
-    EXPECT_EQ(describeFailure(failure), folder.path("twice.csv") + ": entry 3: the key \"0x00000010 single\" already has an earlier entry");
+    EXPECT_EQ(describeFailure(failure),
+              folder.path("twice.csv") + ": entry 3: the key \"0x00000010 single\" already has an earlier entry");
 }

@@ -23,7 +23,10 @@ public:
         return m_state;
     }
     // From `least` to `most`, both included.
-    int between(int least, int most) { return least + static_cast<int>(next() % static_cast<std::uint32_t>(most - least + 1)); }
+    int between(int least, int most)
+    {
+        return least + static_cast<int>(next() % static_cast<std::uint32_t>(most - least + 1));
+    }
     std::uint8_t byte() { return static_cast<std::uint8_t>(next() >> 24); }
 
 private:
@@ -115,8 +118,22 @@ void append(std::vector<std::uint8_t>& to, const std::vector<std::uint8_t>& byte
 pictures::ColourTable classicColours()
 {
     static constexpr std::array<std::array<std::uint8_t, 3>, 16> kRgb = {{
-        {0, 0, 0}, {128, 0, 0}, {0, 128, 0}, {128, 128, 0}, {0, 0, 128}, {128, 0, 128}, {0, 128, 128}, {192, 192, 192},
-        {128, 128, 128}, {255, 0, 0}, {0, 255, 0}, {255, 255, 0}, {0, 0, 255}, {255, 0, 255}, {0, 255, 255}, {255, 255, 255},
+        {0, 0, 0},
+        {128, 0, 0},
+        {0, 128, 0},
+        {128, 128, 0},
+        {0, 0, 128},
+        {128, 0, 128},
+        {0, 128, 128},
+        {192, 192, 192},
+        {128, 128, 128},
+        {255, 0, 0},
+        {0, 255, 0},
+        {255, 255, 0},
+        {0, 0, 255},
+        {255, 0, 255},
+        {0, 255, 255},
+        {255, 255, 255},
     }};
     pictures::ColourTable table{};
     for (std::size_t i = 0; i < kRgb.size(); ++i) {
@@ -141,8 +158,9 @@ std::vector<std::uint8_t> thumbCode(std::size_t count, std::uint32_t seed)
 {
     // High bytes of common 16-bit instructions: moves and compares of immediates,
     // loads and stores, push and pop, branches, the halves of a long branch.
-    static constexpr std::array<std::uint8_t, 24> kHigh = {0x20, 0x21, 0x28, 0x1C, 0x46, 0x68, 0x60, 0x69, 0x61, 0x78, 0x70, 0x4A,
-                                                           0xB5, 0xBD, 0xF0, 0xF8, 0xF7, 0xFF, 0xD0, 0xD1, 0xE0, 0xE7, 0x18, 0x40};
+    static constexpr std::array<std::uint8_t, 24> kHigh = {0x20, 0x21, 0x28, 0x1C, 0x46, 0x68, 0x60, 0x69,
+                                                           0x61, 0x78, 0x70, 0x4A, 0xB5, 0xBD, 0xF0, 0xF8,
+                                                           0xF7, 0xFF, 0xD0, 0xD1, 0xE0, 0xE7, 0x18, 0x40};
     Dice dice(seed);
     std::vector<std::uint8_t> bytes;
     while (bytes.size() < count) {
@@ -177,9 +195,9 @@ std::vector<std::uint8_t> wordTable(std::size_t count, std::uint32_t seed)
 
 std::vector<std::uint8_t> asciiTexts(std::size_t count, std::uint32_t seed)
 {
-    static constexpr std::array<std::string_view, 16> kWords = {"Settings", "Call", "Messages", "Ringtone", "Volume", "Network",
-                                                                "Phone book", "Alarm", "Clock", "Games", "Display", "Cancel",
-                                                                "OK", "Delete", "Please wait", "Battery low"};
+    static constexpr std::array<std::string_view, 16> kWords = {
+        "Settings", "Call",  "Messages", "Ringtone", "Volume", "Network", "Phone book",  "Alarm",
+        "Clock",    "Games", "Display",  "Cancel",   "OK",     "Delete",  "Please wait", "Battery low"};
     Dice dice(seed);
     const bool wide = dice.next() & 1;  // UTF-16 texts, every character followed by 0
     std::vector<std::uint8_t> bytes;
@@ -213,9 +231,15 @@ FirmwareLike makeFirmwareLike(std::size_t size, std::uint32_t seed, const pictur
             const std::size_t length = static_cast<std::size_t>(dice.between(256, 16 * 1024));
             const std::uint32_t part = dice.next();
             switch (dice.between(0, 9)) {
-            case 0: case 1: case 2: append(image, thumbCode(length, part)); break;
-            case 3: case 4: for (std::size_t i = 0; i < length; ++i) image.push_back(dice.byte()); break;
-            case 5: case 6: append(image, asciiTexts(length, part)); break;
+            case 0:
+            case 1:
+            case 2: append(image, thumbCode(length, part)); break;
+            case 3:
+            case 4:
+                for (std::size_t i = 0; i < length; ++i) image.push_back(dice.byte());
+                break;
+            case 5:
+            case 6: append(image, asciiTexts(length, part)); break;
             case 7: image.insert(image.end(), length, dice.next() & 1 ? 0xFF : 0x00); break;
             default: append(image, wordTable(length, part)); break;
             }
@@ -240,7 +264,8 @@ FirmwareLike makeFirmwareLike(std::size_t size, std::uint32_t seed, const pictur
     }
     // Pictures cut by the end are no longer whole: they are dropped from the list.
     image.resize(size);
-    std::erase_if(made.pictures, [&](const PlantedPicture& p) { return p.address + p.bytes > static_cast<std::int64_t>(size); });
+    std::erase_if(made.pictures,
+                  [&](const PlantedPicture& p) { return p.address + p.bytes > static_cast<std::int64_t>(size); });
     return made;
 }
 
@@ -255,7 +280,8 @@ ScanTally tallyScan(const FirmwareLike& made, const std::vector<pictures::Pictur
         ++tally.pictures;
         tally.found += std::any_of(candidates.begin(), candidates.end(), [&](const pictures::PictureCandidate& c) {
             return c.depth == picture.depth && c.width == picture.width &&
-                   shared(c.address, pictures::candidateBytes(c), picture.address, picture.bytes) * 5 >= picture.bytes * 4;
+                   shared(c.address, pictures::candidateBytes(c), picture.address, picture.bytes) * 5 >=
+                       picture.bytes * 4;
         });
     }
     for (const pictures::PictureCandidate& c : candidates)

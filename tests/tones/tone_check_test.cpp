@@ -56,10 +56,7 @@ TEST(CheckTone, ChangedByteMakesTheCrcBad)
     EXPECT_EQ(checkTone(tone).crc, CrcState::Bad);
 }
 
-TEST(CheckTone, BodyFilledByItsChunksHasNoCrc)
-{
-    EXPECT_EQ(checkTone(smafTone(false)).crc, CrcState::None);
-}
+TEST(CheckTone, BodyFilledByItsChunksHasNoCrc) { EXPECT_EQ(checkTone(smafTone(false)).crc, CrcState::None); }
 
 TEST(CheckTone, ToneCutShortIsBad)
 {

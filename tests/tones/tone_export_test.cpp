@@ -72,8 +72,9 @@ TEST(ExportTones, WritesEachWantedRowAndStopsBeforeAFaultyOne)
                                      {"003", "0x00000010", "0x00001000", "1", ""},
                                      {"004", "0x00000020", "0x00000021", "2", ""}};
     std::vector<std::size_t> passed;
-    EXPECT_THROW(exportTones(state, rows, [](std::size_t i) { return i != 1; }, folder.path("ring.mmf"),
-                             [&](std::size_t i) { passed.push_back(i); }),
+    EXPECT_THROW(exportTones(
+                     state, rows, [](std::size_t i) { return i != 1; }, folder.path("ring.mmf"),
+                     [&](std::size_t i) { passed.push_back(i); }),
                  ToneExportError);
     EXPECT_EQ(readBytes(folder.path("ring-001.mmf")), (std::vector<std::uint8_t>{1, 2, 3}));
     EXPECT_FALSE(std::filesystem::exists(folder.path("ring-002.mmf")));
@@ -87,8 +88,9 @@ TEST(ExportTones, LongerOldFileKeepsItsTail)
     TempFolder folder;
     zevran::test::writeFile(folder.path("ring-001.mmf"), std::string("abcdefgh"));
     ImageState state = countingImage(16);
-    exportTones(state, {{"001", "0x00000001", "0x00000002", "2", ""}}, [](std::size_t) { return true; },
-                folder.path("ring.mmf"));
+    exportTones(
+        state, {{"001", "0x00000001", "0x00000002", "2", ""}}, [](std::size_t) { return true; },
+        folder.path("ring.mmf"));
     EXPECT_EQ(readBytes(folder.path("ring-001.mmf")), (std::vector<std::uint8_t>{1, 2, 'c', 'd', 'e', 'f', 'g', 'h'}));
 }
 
@@ -97,8 +99,9 @@ TEST(ExportTones, EmptyRowLeavesAnOldFileAsItWas)
     TempFolder folder;
     zevran::test::writeFile(folder.path("ring-001.mmf"), std::string("abc"));
     ImageState state = countingImage(16);
-    exportTones(state, {{"001", "0x00000005", "0x00000002", "0", ""}}, [](std::size_t) { return true; },
-                folder.path("ring.mmf"));
+    exportTones(
+        state, {{"001", "0x00000005", "0x00000002", "0", ""}}, [](std::size_t) { return true; },
+        folder.path("ring.mmf"));
     EXPECT_EQ(zevran::test::readText(folder.path("ring-001.mmf")), "abc");
 }
 

@@ -11,7 +11,10 @@ using zevran::test::writeFile;
 
 namespace {
 
-ReplacementRow checkedRow(std::string file, std::string slot) { return {"001", std::move(file), std::move(slot), true}; }
+ReplacementRow checkedRow(std::string file, std::string slot)
+{
+    return {"001", std::move(file), std::move(slot), true};
+}
 
 std::vector<std::uint8_t> bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
@@ -49,8 +52,8 @@ TEST(TonePatchRegion, ShortToneIsZeroFilledToTheSlotSize)
 {
     TempFolder folder;
     writeFile(folder.path("new.mmf"), std::string(1000, 'T'));
-    const PlanRowPatch patch =
-        tonePatchRegion(checkedRow("new.mmf 1000 字节", "004 0x0001F2A0 - 0x0001F9DF 1856 ring1"), folder.root().string(), 0x40000);
+    const PlanRowPatch patch = tonePatchRegion(
+        checkedRow("new.mmf 1000 字节", "004 0x0001F2A0 - 0x0001F9DF 1856 ring1"), folder.root().string(), 0x40000);
     ASSERT_EQ(patch.result, PlanRowResult::Region);
     EXPECT_EQ(patch.region.first, 0x1F2A0);
     EXPECT_EQ(patch.region.last, 0x1F9DF);
@@ -63,7 +66,8 @@ TEST(TonePatchRegion, ToneOfExactlyTheSlotSizeFillsIt)
 {
     TempFolder folder;
     writeFile(folder.path("new.mmf"), "MMMD0123");
-    const PlanRowPatch patch = tonePatchRegion(checkedRow("new.mmf 8 字节", "001 0x00000010 - 0x00000017 8 "), folder.root().string() + "/", 64);
+    const PlanRowPatch patch = tonePatchRegion(checkedRow("new.mmf 8 字节", "001 0x00000010 - 0x00000017 8 "),
+                                               folder.root().string() + "/", 64);
     ASSERT_EQ(patch.result, PlanRowResult::Region);
     EXPECT_EQ(patch.region.bytes, bytesOf("MMMD0123"));
 }
@@ -72,30 +76,37 @@ TEST(TonePatchRegion, ToneLargerThanItsSlotIsRefused)
 {
     TempFolder folder;
     writeFile(folder.path("new.mmf"), std::string(9, 'T'));
-    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 9 字节", "001 0x00000010 - 0x00000017 8 "), folder.root().string(), 64).result,
-              PlanRowResult::TooLarge);
+    EXPECT_EQ(
+        tonePatchRegion(checkedRow("new.mmf 9 字节", "001 0x00000010 - 0x00000017 8 "), folder.root().string(), 64)
+            .result,
+        PlanRowResult::TooLarge);
 }
 
 TEST(TonePatchRegion, FileGrownSinceItWasListedIsRefusedRatherThanCut)
 {
     TempFolder folder;
     writeFile(folder.path("new.mmf"), std::string(9, 'T'));
-    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 4 字节", "001 0x00000010 - 0x00000017 8 "), folder.root().string(), 64).result,
-              PlanRowResult::TooLarge);
+    EXPECT_EQ(
+        tonePatchRegion(checkedRow("new.mmf 4 字节", "001 0x00000010 - 0x00000017 8 "), folder.root().string(), 64)
+            .result,
+        PlanRowResult::TooLarge);
 }
 
 TEST(TonePatchRegion, SlotOfSizeZeroIsReportedAndNotRead)
 {
-    EXPECT_EQ(tonePatchRegion(checkedRow("missing.mmf 0 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
-              PlanRowResult::EmptySlot);
+    EXPECT_EQ(
+        tonePatchRegion(checkedRow("missing.mmf 0 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
+        PlanRowResult::EmptySlot);
 }
 
 TEST(TonePatchRegion, SlotOfSizeZeroOrLessRefusesAnyToneThatHasBytes)
 {
-    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 4 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
-              PlanRowResult::TooLarge);
-    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 0 字节", "001 0x00000010 - 0x0000000F -5 "), "/nonexistent", 64).result,
-              PlanRowResult::TooLarge);
+    EXPECT_EQ(
+        tonePatchRegion(checkedRow("new.mmf 4 字节", "001 0x00000010 - 0x0000000F 0 "), "/nonexistent", 64).result,
+        PlanRowResult::TooLarge);
+    EXPECT_EQ(
+        tonePatchRegion(checkedRow("new.mmf 0 字节", "001 0x00000010 - 0x0000000F -5 "), "/nonexistent", 64).result,
+        PlanRowResult::TooLarge);
 }
 
 TEST(TonePatchRegion, UncheckedOrUnpairedRowsAreSkipped)
@@ -103,8 +114,10 @@ TEST(TonePatchRegion, UncheckedOrUnpairedRowsAreSkipped)
     ReplacementRow unchecked = checkedRow("new.mmf 8 字节", "001 0x00000010 - 0x00000017 8 ");
     unchecked.checked = false;
     EXPECT_EQ(tonePatchRegion(unchecked, "/nonexistent", 64).result, PlanRowResult::Skipped);
-    EXPECT_EQ(tonePatchRegion(checkedRow("", "001 0x00000010 - 0x00000017 8 "), "/nonexistent", 64).result, PlanRowResult::Skipped);
-    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 8 字节", "001 0x10"), "/nonexistent", 64).result, PlanRowResult::Skipped);
+    EXPECT_EQ(tonePatchRegion(checkedRow("", "001 0x00000010 - 0x00000017 8 "), "/nonexistent", 64).result,
+              PlanRowResult::Skipped);
+    EXPECT_EQ(tonePatchRegion(checkedRow("new.mmf 8 字节", "001 0x10"), "/nonexistent", 64).result,
+              PlanRowResult::Skipped);
 }
 
 TEST(TonePatchRegion, SlotOutsideTheImageIsRefusedNamingTheRow)
@@ -116,7 +129,8 @@ TEST(TonePatchRegion, SlotOutsideTheImageIsRefusedNamingTheRow)
         EXPECT_STREQ(error.what(), "row 001: the slot at 0x00000040 of 8 bytes lies outside the image (64 bytes)");
     }
     EXPECT_THROW(tonePatchRegion(checkedRow("n 8 字节", "001 0xFFFFFFFF - 0x0 8 "), "/nonexistent", 64), TonePlanError);
-    EXPECT_THROW(tonePatchRegion(checkedRow("n 8 字节", "001 0x10 - 0x0 99999999999999 "), "/nonexistent", 64), TonePlanError);
+    EXPECT_THROW(tonePatchRegion(checkedRow("n 8 字节", "001 0x10 - 0x0 99999999999999 "), "/nonexistent", 64),
+                 TonePlanError);
 }
 
 TEST(TonePatchRegion, MissingToneFileNamesThePath)

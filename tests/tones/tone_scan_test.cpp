@@ -15,8 +15,13 @@ namespace {
 // Plants "MMMD" and a big-endian body length at `at`.
 void plantSignature(std::vector<std::uint8_t>& image, std::size_t at, std::uint32_t bodyLength)
 {
-    const std::uint8_t bytes[] = {'M', 'M', 'M', 'D', static_cast<std::uint8_t>(bodyLength >> 24),
-                                  static_cast<std::uint8_t>(bodyLength >> 16), static_cast<std::uint8_t>(bodyLength >> 8),
+    const std::uint8_t bytes[] = {'M',
+                                  'M',
+                                  'M',
+                                  'D',
+                                  static_cast<std::uint8_t>(bodyLength >> 24),
+                                  static_cast<std::uint8_t>(bodyLength >> 16),
+                                  static_cast<std::uint8_t>(bodyLength >> 8),
                                   static_cast<std::uint8_t>(bodyLength)};
     std::copy(std::begin(bytes), std::end(bytes), image.begin() + static_cast<std::ptrdiff_t>(at));
 }
@@ -183,9 +188,10 @@ TEST(ToneStreamScan, SignatureAcrossAChunkBoundaryIsFoundOnce)
         const ToneStreamScan scan = streamScan(image, 64);
         EXPECT_EQ(scan.imageBytes, 200);
         const std::string start = "0x000000" + zevran::image::HexPad(static_cast<std::uint32_t>(at), 2);
-        EXPECT_EQ(rowLines(scan.rows), (std::vector<std::string>{"001 " + start + " 0x000000" +
-                                                                     zevran::image::HexPad(static_cast<std::uint32_t>(at + 107), 2) + " 108",
-                                                                 "002 0x000000C0 0x0000012B 108"}))
+        EXPECT_EQ(rowLines(scan.rows),
+                  (std::vector<std::string>{"001 " + start + " 0x000000" +
+                                                zevran::image::HexPad(static_cast<std::uint32_t>(at + 107), 2) + " 108",
+                                            "002 0x000000C0 0x0000012B 108"}))
             << "signature at " << at;
     }
 }
@@ -202,7 +208,8 @@ TEST(ToneStreamScan, GivesTheRowsOfTheWholeImageScanForAnyChunkSize)
     std::mt19937 random(7);
     std::vector<std::uint8_t> image(5000);
     for (auto& byte : image) byte = static_cast<std::uint8_t>(random() % 4 == 0 ? 'M' : random());
-    for (std::size_t at = 3; at + 8 < image.size(); at += 97 + random() % 50) plantSignature(image, at, 93 + random() % 300);
+    for (std::size_t at = 3; at + 8 < image.size(); at += 97 + random() % 50)
+        plantSignature(image, at, 93 + random() % 300);
     plantSignature(image, image.size() - 16, 200);  // a tone whose header ends 8 bytes short of the end
     // A signature whose length field runs off the end.
     image[image.size() - 6] = image[image.size() - 5] = image[image.size() - 4] = 'M';

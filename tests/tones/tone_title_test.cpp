@@ -92,29 +92,42 @@ TEST_P(ToneTitleCodeType, TitleInTheOptionalDataChunkDecodesAlike)
 
 INSTANTIATE_TEST_SUITE_P(
     EveryCodeType, ToneTitleCodeType,
-    ::testing::Values(
-        CodeTypeCase{"ShiftJis", 0x00, {0x83, 0x65, 0x83, 0x58, 0x83, 0x67}, "テスト"},
-        CodeTypeCase{"Latin1", 0x01, {'C', 'a', 'f', 0xE9}, "Café"},
-        CodeTypeCase{"EucKr", 0x02, {0xC7, 0xD1, 0xB1, 0xB9}, "한국"},
-        // GB 2312 D6D0 CEC4 ("中文") less their high bits between ~{ and ~}; ~~ is a tilde.
-        CodeTypeCase{"HzGb2312", 0x03, {'a', '~', '~', '~', '{', 'V', 'P', 'N', 'D', '~', '}', 'b'}, "a~中文b"},
-        CodeTypeCase{"Big5", 0x04, {0xA4, 0xA4, 0xA4, 0xE5}, "中文"},
-        CodeTypeCase{"Koi8R", 0x05, {0xED, 0xC9, 0xD2}, "Мир"},
-        // 4E2C holds a 2C byte at an odd place: it is part of the character, not the tag's end.
-        CodeTypeCase{"Ucs2", 0x20, {0x00, 'A', 0x4E, 0x2D, 0x4E, 0x2C}, "A中丬"},
-        CodeTypeCase{"Utf8", 0x23, {0xE4, 0xB8, 0xAD, '!'}, "中!"},
-        CodeTypeCase{"Utf16BigEndian", 0x24, {0x4E, 0x2D, 0x00, 'z'}, "中z"},
-        CodeTypeCase{"Utf16WithLittleEndianMark", 0x24, {0xFF, 0xFE, 0x2D, 0x4E}, "中"}),
+    ::testing::Values(CodeTypeCase{"ShiftJis", 0x00, {0x83, 0x65, 0x83, 0x58, 0x83, 0x67}, "テスト"},
+                      CodeTypeCase{"Latin1", 0x01, {'C', 'a', 'f', 0xE9}, "Café"},
+                      CodeTypeCase{"EucKr", 0x02, {0xC7, 0xD1, 0xB1, 0xB9}, "한국"},
+                      // GB 2312 D6D0 CEC4 ("中文") less their high bits between ~{ and ~}; ~~ is a tilde.
+                      CodeTypeCase{
+                          "HzGb2312", 0x03, {'a', '~', '~', '~', '{', 'V', 'P', 'N', 'D', '~', '}', 'b'}, "a~中文b"},
+                      CodeTypeCase{"Big5", 0x04, {0xA4, 0xA4, 0xA4, 0xE5}, "中文"},
+                      CodeTypeCase{"Koi8R", 0x05, {0xED, 0xC9, 0xD2}, "Мир"},
+                      // 4E2C holds a 2C byte at an odd place: it is part of the character, not the tag's end.
+                      CodeTypeCase{"Ucs2", 0x20, {0x00, 'A', 0x4E, 0x2D, 0x4E, 0x2C}, "A中丬"},
+                      CodeTypeCase{"Utf8", 0x23, {0xE4, 0xB8, 0xAD, '!'}, "中!"},
+                      CodeTypeCase{"Utf16BigEndian", 0x24, {0x4E, 0x2D, 0x00, 'z'}, "中z"},
+                      CodeTypeCase{"Utf16WithLittleEndianMark", 0x24, {0xFF, 0xFE, 0x2D, 0x4E}, "中"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ToneTitle, UndecodableBytesShowAsReplacementCharacters)
 {
-    EXPECT_EQ(decodeToneTitle("A\xA0" "B", 0x00), "A\xEF\xBF\xBD" "B");       // Shift-JIS has no A0
-    EXPECT_EQ(decodeToneTitle("A\xFF\xFE" "B", 0x23), "A\xEF\xBF\xBD\xEF\xBF\xBD" "B");  // two bad UTF-8 bytes
-    EXPECT_EQ(decodeToneTitle("AB\x83", 0x00), "AB\xEF\xBF\xBD");            // a character cut short
-    EXPECT_EQ(decodeToneTitle(std::string("\xD8\x00\x00" "A", 4), 0x20), "\xEF\xBF\xBD" "A");  // a lone surrogate
-    EXPECT_EQ(decodeToneTitle("a~{V", 0x03), "a\xEF\xBF\xBD");               // half a GB 2312 pair
-    EXPECT_EQ(decodeToneTitle("a~x", 0x03), "a~x");                           // a tilde HZ does not use stays
+    EXPECT_EQ(decodeToneTitle("A\xA0"
+                              "B",
+                              0x00),
+              "A\xEF\xBF\xBD"
+              "B");  // Shift-JIS has no A0
+    EXPECT_EQ(decodeToneTitle("A\xFF\xFE"
+                              "B",
+                              0x23),
+              "A\xEF\xBF\xBD\xEF\xBF\xBD"
+              "B");                                                // two bad UTF-8 bytes
+    EXPECT_EQ(decodeToneTitle("AB\x83", 0x00), "AB\xEF\xBF\xBD");  // a character cut short
+    EXPECT_EQ(decodeToneTitle(std::string("\xD8\x00\x00"
+                                          "A",
+                                          4),
+                              0x20),
+              "\xEF\xBF\xBD"
+              "A");                                             // a lone surrogate
+    EXPECT_EQ(decodeToneTitle("a~{V", 0x03), "a\xEF\xBF\xBD");  // half a GB 2312 pair
+    EXPECT_EQ(decodeToneTitle("a~x", 0x03), "a~x");             // a tilde HZ does not use stays
 }
 
 TEST(ToneTitle, UnknownCodeTypeKeepsAsciiAndMarksTheRest)
@@ -124,7 +137,8 @@ TEST(ToneTitle, UnknownCodeTypeKeepsAsciiAndMarksTheRest)
 
 TEST(ToneTitle, ContentsTitleComesBeforeTheOptionalDataOne)
 {
-    const ToneCheck check = checkTone(toneWith(0x01, titleTag(bytesOf("Front")), optionalData({{"ST", bytesOf("Back")}})));
+    const ToneCheck check =
+        checkTone(toneWith(0x01, titleTag(bytesOf("Front")), optionalData({{"ST", bytesOf("Back")}})));
     EXPECT_EQ(check.title, "Front");
 }
 
@@ -145,7 +159,10 @@ TEST(ToneTitle, OptionalDataItemRunningPastItsChunkGivesNoTitle)
 TEST(ToneTitle, Utf8TitleWithBytesThatStartNoCharacterIsMarkedNotPassedThrough)
 {
     // FB starts no UTF-8 character, 8C continues none, ED A0 80 would be a surrogate.
-    EXPECT_EQ(decodeToneTitle("A\xFB\x8C" "B\xED\xA0\x80", 0x23),
-              "A\xEF\xBF\xBD\xEF\xBF\xBD" "B\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(decodeToneTitle("A\xFB\x8C"
+                              "B\xED\xA0\x80",
+                              0x23),
+              "A\xEF\xBF\xBD\xEF\xBF\xBD"
+              "B\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(decodeToneTitle("\xE6\xB5\x8B", 0x23), "\xE6\xB5\x8B");
 }

@@ -61,8 +61,8 @@ QByteArray smafTone(int size, const QByteArray& contents = QByteArray::fromHex("
     body += QByteArray(2, '\0');
     QByteArray tone;
     putChunk(tone, "MMMD", body);
-    const auto crc = zevran::tones::smafCrc(std::span(reinterpret_cast<const std::uint8_t*>(tone.constData()),
-                                                      static_cast<std::size_t>(tone.size() - 2)));
+    const auto crc = zevran::tones::smafCrc(
+        std::span(reinterpret_cast<const std::uint8_t*>(tone.constData()), static_cast<std::size_t>(tone.size() - 2)));
     tone[tone.size() - 2] = static_cast<char>(crc >> 8);
     tone[tone.size() - 1] = static_cast<char>(crc);
     return tone;
@@ -101,7 +101,8 @@ QByteArray patchFile(const std::vector<std::pair<std::uint32_t, QByteArray>>& re
     std::string text(zevran::image::S0Line);
     for (const auto& [first, bytes] : regions)
         text += zevran::image::sRecordRegionText(
-            std::span(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size())), first);
+            std::span(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size())),
+            first);
     text += zevran::image::S7Line;
     return QByteArray::fromStdString(text);
 }
@@ -157,10 +158,7 @@ private slots:
         startWindow();
         m_tab = m_window->findChild<TonesTab*>();
     }
-    void cleanup()
-    {
-        stopWindow();
-    }
+    void cleanup() { stopWindow(); }
 
     void planUnitWordFollowsALanguageSwitch()
     {
@@ -241,7 +239,9 @@ private slots:
         // Code type 00 is Shift-JIS: 83 65 83 58 83 67 is "テスト", which the handset's
         // GBK code page would read as other characters.
         QByteArray image = phoneImage();
-        image.replace(0x100, 160, smafTone(160, QByteArray::fromHex("0001000000") + "ST:" + QByteArray::fromHex("836583588367") + ","));
+        image.replace(
+            0x100, 160,
+            smafTone(160, QByteArray::fromHex("0001000000") + "ST:" + QByteArray::fromHex("836583588367") + ","));
         writeBytes(path("phone.bin"), image);
         m_window->openPhoneFile(path("phone.bin"));
         m_tab->GetTone->click();
@@ -269,8 +269,8 @@ private slots:
         QCOMPARE(m_dialogs->codes(), std::vector<int>{6});
         QCOMPARE(m_dialogs->asked.first(), QString("save %1|Tables (*.txt)|2").arg(m_home.path()));
         QCOMPARE(readBytes(path("tones.txt")), QByteArray(" 001 : 0x00000100 - 0x0000019F  Size: 160 \tring1\r\n"
-                                                           " 002 : 0x00000500 - 0x00000564  Size: 101 \t\r\n"
-                                                           " 003 : 0x00001234 - 0x00001333  Size: 256 \t\r\n"));
+                                                          " 002 : 0x00000500 - 0x00000564  Size: 101 \t\r\n"
+                                                          " 003 : 0x00001234 - 0x00001333  Size: 256 \t\r\n"));
         QCOMPARE(m_window->settings().TableSavePath, m_home.path());
     }
 
@@ -296,7 +296,8 @@ private slots:
 
     void shortTableLineStopsReadingAndKeepsTheRowsBefore()
     {
-        writeBytes(path("in.txt"), " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x1\r\n 003 : 0x2 - 0x3  Size: 4 \t\r\n");
+        writeBytes(path("in.txt"),
+                   " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x1\r\n 003 : 0x2 - 0x3  Size: 4 \t\r\n");
         m_dialogs->files = {path("in.txt")};
         m_tab->OpenToneTable->click();
         QCOMPARE(rowTexts(m_tab->ListView4), QStringList{"001|0x00000100|0x0000019F|160|"});
@@ -334,14 +335,16 @@ private slots:
         m_dialogs->files = {path("all.mmf")};
         action("outputall")->trigger();
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{8, 9}));
-        for (const char* name : {"all-001.mmf", "all-002.mmf", "all-003.mmf"}) QVERIFY2(QFile::exists(path(name)), name);
+        for (const char* name : {"all-001.mmf", "all-002.mmf", "all-003.mmf"})
+            QVERIFY2(QFile::exists(path(name)), name);
         QCOMPARE(readBytes(path("all-002.mmf")), phoneImage().mid(0x500, 101));
     }
 
     void exportStopsAtARowOutsideTheImage()
     {
         openPhone("phone.bin");
-        writeBytes(path("other.txt"), " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x00100000 - 0x001000FF  Size: 256 \t\r\n");
+        writeBytes(path("other.txt"),
+                   " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x00100000 - 0x001000FF  Size: 256 \t\r\n");
         m_dialogs->files = {path("other.txt"), path("x.mmf")};
         m_tab->OpenToneTable->click();
         select(m_tab->ListView4, {0});
@@ -443,8 +446,9 @@ private slots:
         action("addmmf")->trigger();
         select(m_tab->ListView4, {0, 2});
         action("addaddress")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3), (QStringList{"001|c.mmf 110 字节|", "002|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 ",
-                                                          "003|b.mmf 110 字节|003 0x00001234 - 0x00001333 256 "}));
+        QCOMPARE(rowTexts(m_tab->ListView3),
+                 (QStringList{"001|c.mmf 110 字节|", "002|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 ",
+                              "003|b.mmf 110 字节|003 0x00001234 - 0x00001333 256 "}));
         m_tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
         QCOMPARE(m_tab->ListView3->topLevelItem(0)->checkState(0), Qt::Unchecked);
         m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Checked);
@@ -457,8 +461,8 @@ private slots:
         planTwoPairs();
         select(m_tab->ListView3, {0});
         action("movemmf")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3),
-                 (QStringList{"001||001 0x00000100 - 0x0000019F 160 ", "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
+        QCOMPARE(rowTexts(m_tab->ListView3), (QStringList{"001||001 0x00000100 - 0x0000019F 160 ",
+                                                          "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
         QCOMPARE(m_tab->ListView3->topLevelItem(0)->checkState(0), Qt::Unchecked);
         select(m_tab->ListView3, {0});
         action("moveaddress")->trigger();
@@ -473,7 +477,8 @@ private slots:
     void planMenuEnablesByRowsSelectionAndKind()
     {
         showMenu("menufile3");
-        for (const char* name : {"moveone", "moveall", "movemmf", "moveallmmf", "moveaddress", "movealladdress", "outputs3", "outputaxf"})
+        for (const char* name :
+             {"moveone", "moveall", "movemmf", "moveallmmf", "moveaddress", "movealladdress", "outputs3", "outputaxf"})
             QVERIFY2(!action(name)->isEnabled(), name);
         openPhone("phone.bin");
         planTwoPairs();
@@ -512,7 +517,8 @@ private slots:
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
-        QCOMPARE(m_dialogs->messages[0].text, QString("Too large.\nRow 002 of the plan: c.mmf 300 ") + QString::fromUtf8("字节") +
+        QCOMPARE(m_dialogs->messages[0].text, QString("Too large.\nRow 002 of the plan: c.mmf 300 ") +
+                                                  QString::fromUtf8("字节") +
                                                   " does not fit its slot. Nothing was written.");
         QVERIFY(!QFileInfo::exists(path("patch.s3")));
     }
@@ -548,7 +554,8 @@ private slots:
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{13});
         const std::vector<std::uint8_t>& image = m_window->imageState().FirmwareImage;
-        QCOMPARE(QByteArray(reinterpret_cast<const char*>(image.data()) + 0x100, 160), padded(QByteArray(120, 'A'), 160));
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(image.data()) + 0x100, 160),
+                 padded(QByteArray(120, 'A'), 160));
         QCOMPARE(QByteArray(reinterpret_cast<const char*>(image.data()) + 0x1234, 4), QByteArray("MMMD"));
         QVERIFY(action("Save")->isEnabled());
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());

@@ -34,7 +34,8 @@ BytesInspector::BytesInspector(QWidget* parent) : QWidget(parent)
     auto* grid = new QGridLayout(m_box);
     static constexpr const char* kColumns[] = {"UnsignedLittle", "SignedLittle", "UnsignedBig", "SignedBig"};
     static constexpr int kBits[] = {8, 16, 32};
-    for (std::size_t c = 0; c < 4; ++c) grid->addWidget(m_columnHeads[c] = new QLabel(m_box), 0, static_cast<int>(c) + 1);
+    for (std::size_t c = 0; c < 4; ++c)
+        grid->addWidget(m_columnHeads[c] = new QLabel(m_box), 0, static_cast<int>(c) + 1);
     for (std::size_t r = 0; r < 3; ++r) {
         grid->addWidget(m_rowHeads[r] = new QLabel(m_box), static_cast<int>(r) + 1, 0);
         for (std::size_t c = 0; c < 4; ++c) {
@@ -63,7 +64,8 @@ void BytesInspector::applyTexts(const image::TabHost& host)
     for (std::size_t c = 0; c < 4; ++c) m_columnHeads[c]->setText(host.text(kColumnKeys[c]));
     static constexpr int kBits[] = {8, 16, 32};
     for (std::size_t r = 0; r < 3; ++r) m_rowHeads[r]->setText(host.text("BytesBits").arg(kBits[r]));
-    for (std::size_t d = 0; d < kPixelDepths.size(); ++d) m_depthHeads[d]->setText(host.text("BytesPixel").arg(kPixelDepths[d]));
+    for (std::size_t d = 0; d < kPixelDepths.size(); ++d)
+        m_depthHeads[d]->setText(host.text("BytesPixel").arg(kPixelDepths[d]));
 }
 
 void BytesInspector::showAt(std::span<const std::uint8_t> image, std::size_t address)
@@ -78,10 +80,12 @@ void BytesInspector::showAt(std::span<const std::uint8_t> image, std::size_t add
     for (std::size_t d = 0; d < kPixelDepths.size(); ++d) {
         const auto pixel = pixelAt(image, address, kPixelDepths[d]);
         QPalette colours = swatches[d]->palette();
-        colours.setColor(QPalette::Window, pixel ? QColor(pixel->red, pixel->green, pixel->blue) : QColor(Qt::transparent));
+        colours.setColor(QPalette::Window,
+                         pixel ? QColor(pixel->red, pixel->green, pixel->blue) : QColor(Qt::transparent));
         swatches[d]->setPalette(colours);
         const int digits = (kPixelDepths[d] + 3) / 4;
-        pixelHex[d]->setText(pixel ? QStringLiteral("%1").arg(pixel->stored, digits, 16, QLatin1Char('0')).toUpper() : QString());
+        pixelHex[d]->setText(pixel ? QStringLiteral("%1").arg(pixel->stored, digits, 16, QLatin1Char('0')).toUpper()
+                                   : QString());
     }
 }
 

@@ -11,7 +11,9 @@
 class QGroupBox;
 class QLabel;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::bytes {
 
@@ -25,7 +27,7 @@ public:
 
     // [row: 8, 16, 32 bits][column: unsigned little, signed little, unsigned big, signed big]
     std::array<std::array<QLabel*, 4>, 3> numbers{};
-    std::array<QLabel*, 4> swatches{};   // depths 8, 12, 16, 24
+    std::array<QLabel*, 4> swatches{};  // depths 8, 12, 16, 24
     std::array<QLabel*, 4> pixelHex{};
 
 private:

@@ -182,7 +182,8 @@ QString BytesTab::ownerName(const image::ByteOwner& owner) const
 QString BytesTab::ownerText(std::size_t address) const
 {
     QStringList names;
-    for (const image::ByteOwner& owner : m_owners.ownersAt(static_cast<std::int64_t>(address))) names << ownerName(owner);
+    for (const image::ByteOwner& owner : m_owners.ownersAt(static_cast<std::int64_t>(address)))
+        names << ownerName(owner);
     if (m_host->originals().changedAt(m_host->tabHost().imageState().FirmwareImage, address))
         names << m_host->tabHost().text("BytesOwnerChanged");
     return names.join(QStringLiteral(", "));
@@ -228,8 +229,8 @@ void BytesTab::find(bool forward)
     image::TabHost& host = m_host->tabHost();
     const auto& image = host.imageState().FirmwareImage;
     static constexpr PatternKind kKinds[] = {PatternKind::Hex, PatternKind::SingleByte, PatternKind::HandsetCodes};
-    const auto pattern = patternBytes(FindText->text().toStdString(), kKinds[std::max(0, FindKind->currentIndex())],
-                                      host.codePage());
+    const auto pattern =
+        patternBytes(FindText->text().toStdString(), kKinds[std::max(0, FindKind->currentIndex())], host.codePage());
     if (!pattern) {
         BytesStatus->setText(host.text("BytesBadPattern"));
         return;

@@ -53,11 +53,11 @@ public:
     QLineEdit* GoToAddress;
     QPushButton* GoToButton;
     QLineEdit* FindText;
-    QComboBox* FindKind;           // hex, single-byte text, handset-code text
+    QComboBox* FindKind;  // hex, single-byte text, handset-code text
     QPushButton* FindPreviousButton;
     QPushButton* FindNextButton;
-    QComboBox* TextEncodingBox;    // the text column: single-byte or handset codes
-    QLabel* BytesStatus;           // the cursor's address, or what the last find or go-to said
+    QComboBox* TextEncodingBox;  // the text column: single-byte or handset codes
+    QLabel* BytesStatus;         // the cursor's address, or what the last find or go-to said
     QMenu* viewMenu;
     QAction* ShowOwner;
     QAction* WriteChangesAsPatch;

@@ -82,7 +82,10 @@ int BytesView::hexX(std::size_t column) const
     return m_charWidth * (kAddressDigits + 2 + 3 * static_cast<int>(column) + (column >= 8 ? 1 : 0));
 }
 
-int BytesView::textX(std::size_t column) const { return hexX(kRowBytes) + m_charWidth * (2 + static_cast<int>(column)); }
+int BytesView::textX(std::size_t column) const
+{
+    return hexX(kRowBytes) + m_charWidth * (2 + static_cast<int>(column));
+}
 
 void BytesView::updateScrollBar()
 {
@@ -136,7 +139,8 @@ void BytesView::paintText(QPainter& painter, std::span<const std::uint8_t> row, 
     }
     // A wide character is not one cell wide: each character is placed over its first byte.
     for (std::size_t i = 0; i < row.size(); ++i)
-        if (text[static_cast<qsizetype>(i)] != QLatin1Char(' ')) painter.drawText(textX(i), baseline, QString(text[static_cast<qsizetype>(i)]));
+        if (text[static_cast<qsizetype>(i)] != QLatin1Char(' '))
+            painter.drawText(textX(i), baseline, QString(text[static_cast<qsizetype>(i)]));
 }
 
 void BytesView::paintRow(QPainter& painter, std::size_t row, int y)
@@ -163,7 +167,8 @@ void BytesView::paintRow(QPainter& painter, std::size_t row, int y)
     }
     painter.setPen(text);
     char addressText[kAddressDigits];
-    for (int d = 0; d < kAddressDigits; ++d) addressText[d] = kHexDigits[(address >> (4 * (kAddressDigits - 1 - d))) & 0xF];
+    for (int d = 0; d < kAddressDigits; ++d)
+        addressText[d] = kHexDigits[(address >> (4 * (kAddressDigits - 1 - d))) & 0xF];
     painter.drawText(m_charWidth, baseline, QString::fromLatin1(addressText, kAddressDigits));
     char hex[3 * kRowBytes + 1];
     char* at = hex;
@@ -186,7 +191,8 @@ void BytesView::paintEvent(QPaintEvent*)
     const std::size_t rows = (bytes().size() + kRowBytes - 1) / kRowBytes;
     const std::size_t first = firstRowShown();
     const std::size_t last = std::min(rows, first + rowsShown() + 1);
-    for (std::size_t row = first; row < last; ++row) paintRow(painter, row, static_cast<int>(row - first) * m_lineHeight);
+    for (std::size_t row = first; row < last; ++row)
+        paintRow(painter, row, static_cast<int>(row - first) * m_lineHeight);
 }
 
 QRect BytesView::cellRect(std::size_t address, bool textColumn) const
@@ -365,9 +371,9 @@ void BytesView::focusOutEvent(QFocusEvent* event)
 
 void BytesView::typeText(const QString& text)
 {
-    const auto typed = patternBytes(text.toStdString(),
-                                    m_encoding == TextEncoding::SingleByte ? PatternKind::SingleByte : PatternKind::HandsetCodes,
-                                    m_codePage);
+    const auto typed = patternBytes(
+        text.toStdString(),
+        m_encoding == TextEncoding::SingleByte ? PatternKind::SingleByte : PatternKind::HandsetCodes, m_codePage);
     // A character the code page cannot hold types nothing.
     if (!typed || m_cursor >= bytes().size()) return;
     const std::size_t address = m_cursor;

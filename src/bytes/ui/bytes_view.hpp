@@ -33,8 +33,16 @@ public:
     // or grow and shrink between two calls without the view holding stale bytes.
     void setImage(const std::vector<std::uint8_t>* image);
     // What owns the bytes and the file's bytes under the edits; either may be null.
-    void setOwners(const image::ByteOwners* owners) { m_owners = owners; viewport()->update(); }
-    void setOriginals(const image::OriginalBytes* originals) { m_originals = originals; viewport()->update(); }
+    void setOwners(const image::ByteOwners* owners)
+    {
+        m_owners = owners;
+        viewport()->update();
+    }
+    void setOriginals(const image::OriginalBytes* originals)
+    {
+        m_originals = originals;
+        viewport()->update();
+    }
     void setEncoding(TextEncoding encoding, const std::string& codePage);
     TextEncoding encoding() const { return m_encoding; }
     // The names of a byte's owners, shown when the pointer rests on it.
@@ -93,7 +101,10 @@ private:
     int hexX(std::size_t column) const;
     int textX(std::size_t column) const;
 
-    std::span<const std::uint8_t> bytes() const { return m_image ? std::span<const std::uint8_t>(*m_image) : std::span<const std::uint8_t>(); }
+    std::span<const std::uint8_t> bytes() const
+    {
+        return m_image ? std::span<const std::uint8_t>(*m_image) : std::span<const std::uint8_t>();
+    }
 
     const std::vector<std::uint8_t>* m_image = nullptr;
     const image::ByteOwners* m_owners = nullptr;

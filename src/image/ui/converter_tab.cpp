@@ -125,10 +125,12 @@ void ConverterTab::attach(TabHost& host)
     connect(ComBinToS3, &QPushButton::clicked, this, &ConverterTab::ComBinToS3_Click);
     // Each output is shown beside its input, where it goes unless the user changes it.
     connect(Text1, &QLineEdit::textChanged, this, [this](const QString& input) {
-        BinOutput->setText(input.isEmpty() ? QString() : QString::fromStdString(convertedOutputPath(input.toStdString(), ".bin")));
+        BinOutput->setText(input.isEmpty() ? QString()
+                                           : QString::fromStdString(convertedOutputPath(input.toStdString(), ".bin")));
     });
     connect(Text19, &QLineEdit::textChanged, this, [this](const QString& input) {
-        S3Output->setText(input.isEmpty() ? QString() : QString::fromStdString(convertedOutputPath(input.toStdString(), ".s3")));
+        S3Output->setText(input.isEmpty() ? QString()
+                                          : QString::fromStdString(convertedOutputPath(input.toStdString(), ".s3")));
     });
     for (QRadioButton* option : {AllAdd, PartAdd, AllAddressOption, PartAddressOption, FillDataOption})
         connect(option, &QRadioButton::toggled, this, &ConverterTab::updateEnabled);
@@ -149,7 +151,8 @@ void ConverterTab::updateEnabled()
     if (auto* label = findChild<QLabel*>("Label2")) label->setEnabled(fill);
     S3Output->setEnabled(!FillDataOption->isChecked());
     const bool range = !AllAddressOption->isChecked();
-    for (QWidget* control : std::initializer_list<QWidget*>{Text18, Text17, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{Text18, Text17, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
         if (control) control->setEnabled(range);
 }
 
@@ -263,7 +266,7 @@ void ConverterTab::convertS3ToBin()
 void ConverterTab::ComBinToS3_Click()
 {
     BinToS3Fields fields;
-    fields.mode = AllAddressOption->isChecked() ? BinToS3Mode::WholeFile
+    fields.mode = AllAddressOption->isChecked()    ? BinToS3Mode::WholeFile
                   : PartAddressOption->isChecked() ? BinToS3Mode::FileAtRange
                                                    : BinToS3Mode::FillOnly;
     fields.startText = Text18->text().toStdString();

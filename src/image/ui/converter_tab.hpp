@@ -37,18 +37,18 @@ public:
     void applyTexts();
 
     QPushButton* OpenS3File;
-    QLineEdit* Text1;   // S-record input
+    QLineEdit* Text1;      // S-record input
     QLineEdit* BinOutput;  // its output: beside the input unless changed
     QLabel* BinOutputLabel;
     QRadioButton* AllAdd;
     QRadioButton* PartAdd;
-    QLineEdit* Text3;   // fill byte of the full-address mode
-    QLineEdit* Text2;   // address of the record being converted
+    QLineEdit* Text3;  // fill byte of the full-address mode
+    QLineEdit* Text2;  // address of the record being converted
     QPushButton* ComS3ToBin;
     QProgressBar* ProgressBar3;
     QPushButton* OpenBinFile;
-    QLineEdit* Text19;  // binary input
-    QLineEdit* S3Output;   // its output: beside the input unless changed
+    QLineEdit* Text19;    // binary input
+    QLineEdit* S3Output;  // its output: beside the input unless changed
     QLabel* S3OutputLabel;
     QRadioButton* AllAddressOption;
     QRadioButton* PartAddressOption;

@@ -162,9 +162,12 @@ void PictureFinderPane::buildControls()
 QHBoxLayout* PictureFinderPane::labelledFields()
 {
     auto* fields = new QHBoxLayout;
-    const std::array<std::pair<std::string_view, QWidget*>, 6> labelled = {
-        {{"FinderAddress", addressEdit}, {"FinderDepth", depthBox}, {"FinderWidth", widthBox},
-         {"FinderHeight", heightBox}, {"FinderFrames", framesBox}, {"FinderZoom", zoomBox}}};
+    const std::array<std::pair<std::string_view, QWidget*>, 6> labelled = {{{"FinderAddress", addressEdit},
+                                                                            {"FinderDepth", depthBox},
+                                                                            {"FinderWidth", widthBox},
+                                                                            {"FinderHeight", heightBox},
+                                                                            {"FinderFrames", framesBox},
+                                                                            {"FinderZoom", zoomBox}}};
     for (const auto& [key, field] : labelled) {
         auto* label = new QLabel(this);
         label->setProperty("textKey", QString::fromUtf8(key.data(), static_cast<int>(key.size())));
@@ -275,7 +278,8 @@ void PictureFinderPane::showPicture(const FoundPicture& picture)
 
 void PictureFinderPane::setAddress(std::int64_t address)
 {
-    const auto last = std::max<std::int64_t>(0, static_cast<std::int64_t>(m_host.imageState().FirmwareImage.size()) - 1);
+    const auto last =
+        std::max<std::int64_t>(0, static_cast<std::int64_t>(m_host.imageState().FirmwareImage.size()) - 1);
     m_address = std::clamp<std::int64_t>(address, 0, last);
     redraw();
 }

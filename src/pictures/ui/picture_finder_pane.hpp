@@ -21,7 +21,9 @@ class QListWidgetItem;
 class QPushButton;
 class QSpinBox;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::pictures {
 
@@ -88,7 +90,7 @@ public:
     QSpinBox* framesBox;
     QSpinBox* zoomBox;
     FinderCanvas* canvas;
-    std::array<QPushButton*, 5> backButtons{};     // byte, pixel, row, frame, page
+    std::array<QPushButton*, 5> backButtons{};  // byte, pixel, row, frame, page
     std::array<QPushButton*, 5> forwardButtons{};
     QPushButton* guessButton;
     QListWidget* nextWidths;  // the runners-up of the last guess; a click applies one

@@ -229,7 +229,8 @@ void PictureGallery::copyImageSlice()
     std::vector<std::uint8_t>& copy = m_job->image;
     if (copy.size() > image.size()) copy.resize(image.size());  // another file was opened meanwhile
     const std::size_t end = std::min(image.size(), copy.size() + kCopySliceBytes);
-    copy.insert(copy.end(), image.begin() + static_cast<std::ptrdiff_t>(copy.size()), image.begin() + static_cast<std::ptrdiff_t>(end));
+    copy.insert(copy.end(), image.begin() + static_cast<std::ptrdiff_t>(copy.size()),
+                image.begin() + static_cast<std::ptrdiff_t>(end));
     if (copy.size() < image.size() && !m_job->control.stop) {
         QTimer::singleShot(0, this, &PictureGallery::copyImageSlice);
         return;
@@ -251,7 +252,8 @@ void PictureGallery::poll()
 {
     if (!m_job) return;
     const auto total = std::max<std::int64_t>(1, m_job->control.total);
-    progress->setValue(static_cast<int>(std::min<std::int64_t>(kProgressSteps, m_job->control.done * kProgressSteps / total)));
+    progress->setValue(
+        static_cast<int>(std::min<std::int64_t>(kProgressSteps, m_job->control.done * kProgressSteps / total)));
     if (m_job->finished) finishScan();
 }
 
@@ -279,7 +281,8 @@ void PictureGallery::addSelected()
         statusLine->setText(text("GalleryNoneSelected"));
         return;
     }
-    std::sort(chosen.begin(), chosen.end(), [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
+    std::sort(chosen.begin(), chosen.end(),
+              [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
     QStringList added;
     for (const QModelIndex& index : chosen) {
         const PictureCandidate& c = model->candidate(index.row());

@@ -22,7 +22,9 @@ class QProgressBar;
 class QPushButton;
 class QTimer;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::pictures {
 

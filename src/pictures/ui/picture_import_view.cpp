@@ -22,8 +22,8 @@ QPixmap blocks(const QImage& picture)
     if (picture.isNull()) return {};
     const int zoom = std::max(1, std::min(256 / std::max(1, picture.width()), 320 / std::max(1, picture.height())));
     const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
-    return QPixmap::fromImage(rgb.scaled(rgb.width() * zoom, rgb.height() * zoom, Qt::IgnoreAspectRatio,
-                                         Qt::FastTransformation));
+    return QPixmap::fromImage(
+        rgb.scaled(rgb.width() * zoom, rgb.height() * zoom, Qt::IgnoreAspectRatio, Qt::FastTransformation));
 }
 
 QLabel* pictureLabel(const char* name, const QImage& picture, QWidget* parent)
@@ -49,7 +49,8 @@ PictureImportView::PictureImportView(const QImage& before, const QImage& after, 
     ChangedBytes = image::named(new QLabel(this), "ChangedBytes", QString(texts.changed).arg(counts.changedBytes));
     // A 4-bit row of odd width keeps no nibble for its last pixel: the user hears of
     // the pixels lost there before importing.
-    UnstoredPixels = image::named(new QLabel(this), "UnstoredPixels", QString(texts.unstored).arg(counts.unstoredPixels));
+    UnstoredPixels =
+        image::named(new QLabel(this), "UnstoredPixels", QString(texts.unstored).arg(counts.unstoredPixels));
     UnstoredPixels->setWordWrap(true);
     UnstoredPixels->setVisible(counts.unstoredPixels > 0);
     auto* buttons = new QDialogButtonBox(this);

@@ -62,9 +62,8 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 QWidget* PicturesTab::buildTablePane()
 {
     auto* table = new QWidget(this);
-    ListView5 = image::reportList("ListView5",
-                                {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")},
-                                table);
+    ListView5 = image::reportList(
+        "ListView5", {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")}, table);
     image::showCellsInToolTips(ListView5, {1});
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
@@ -125,7 +124,8 @@ QGroupBox* PicturesTab::buildPreviewPane()
     PlayPicture = named(new QPushButton(this), "PlayPicture", tr("Play"));
     PausePlay = named(new QPushButton(this), "PausePlay", tr("Pause"));
     StopPlay = named(new QPushButton(this), "StopPlay", tr("Stop"));
-    for (QPushButton* button : {PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay}) button->setEnabled(false);
+    for (QPushButton* button : {PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay})
+        button->setEnabled(false);
     RepeatPlay = named(new QCheckBox(this), "RepeatPlay", tr("Repeat"));
     Slider1 = named(new QSlider(Qt::Horizontal, this), "Slider1");
     SpeedLabel = named(new QLabel(this), "SpeedLabel", tr("Frame time:"));
@@ -142,7 +142,8 @@ QGroupBox* PicturesTab::buildPreviewPane()
     player->addWidget(Text16, 0, 3);
     player->addWidget(FrameCount, 0, 4);
     auto* steps = new QHBoxLayout;
-    for (QWidget* control : std::initializer_list<QWidget*>{PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay, RepeatPlay})
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay, RepeatPlay})
         steps->addWidget(control);
     auto* preview = new QVBoxLayout(frame16);
     preview->addWidget(Picture2, 1);

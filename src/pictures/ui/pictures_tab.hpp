@@ -28,7 +28,9 @@ class QTimer;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::pictures {
 
@@ -113,20 +115,20 @@ public:
     QPushButton* SavePicTable;
     QPushButton* FindPictures;
     QPushButton* ScanPictures;
-    QCheckBox* Check1;      // recompute frame sizes when loading
+    QCheckBox* Check1;  // recompute frame sizes when loading
     QCheckBox* RepeatPlay;
-    QLineEdit* Text21;      // address offset added when saving
-    QLineEdit* Text15;      // address of the frame on show
-    QLineEdit* Text16;      // its ordinal
-    QLabel* FrameCount;     // "of M", marked when the frame on show lies past the last
-    QLabel* Picture2;       // the preview
+    QLineEdit* Text21;   // address offset added when saving
+    QLineEdit* Text15;   // address of the frame on show
+    QLineEdit* Text16;   // its ordinal
+    QLabel* FrameCount;  // "of M", marked when the frame on show lies past the last
+    QLabel* Picture2;    // the preview
     QPushButton* PreviousPicture;
     QPushButton* nextpicture;
     QPushButton* PlayPicture;
     QPushButton* PausePlay;
     QPushButton* StopPlay;
     QSlider* Slider1;
-    QLabel* SpeedLabel;     // names the slider
+    QLabel* SpeedLabel;  // names the slider
     QTimer* Timer2;
     QProgressBar* ProgressBar2;
     QMenu* menufile5 = nullptr;
@@ -168,7 +170,8 @@ private:
     // The import's steps (pictures_tab_import.cpp).
     std::optional<ImportableRow> importableRow();
     void importFrames(const ImportableRow& row, const std::vector<FramePicture>& pictures);
-    bool confirmImport(const ImportableRow& row, const std::vector<FramePicture>& pictures, const RowImportResult& result);
+    bool confirmImport(const ImportableRow& row, const std::vector<FramePicture>& pictures,
+                       const RowImportResult& result);
     void showImportStop(const PictureEntry& row, const RowImportError& error);
     QString importText(const char* key) const;
 

@@ -25,7 +25,8 @@ inline PictureEntry entryOf(const QTreeWidgetItem* item)
 inline QString onRow(const image::TabHost& host, const PictureEntry& row, const std::exception& error)
 {
     using image::fromUtf8;
-    return row.number.empty() ? host.failureText(error) : host.text("RowError").arg(fromUtf8(row.number), host.failureText(error));
+    return row.number.empty() ? host.failureText(error)
+                              : host.text("RowError").arg(fromUtf8(row.number), host.failureText(error));
 }
 
 // One line a field of the table that can name no picture, in the window's language.

@@ -70,13 +70,15 @@ void PicturesTab::OpenPicTable_Click()
     for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
     // The rows load as they always did, but a field that can name no picture is said now,
     // not later as a wrong picture format.
-    if (!warnings.empty()) m_host->showMessageWith(kMessageBadPictureTable, path + ":\n" + tableWarningText(*m_host, warnings));
+    if (!warnings.empty())
+        m_host->showMessageWith(kMessageBadPictureTable, path + ":\n" + tableWarningText(*m_host, warnings));
 }
 
 void PicturesTab::addListRow(const PictureEntry& row)
 {
-    auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address), fromUtf8(row.frames),
-                                                 fromUtf8(row.frameSize), fromUtf8(row.dimensions), fromUtf8(row.depth)});
+    auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address),
+                                                 fromUtf8(row.frames), fromUtf8(row.frameSize),
+                                                 fromUtf8(row.dimensions), fromUtf8(row.depth)});
     item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
     item->setCheckState(0, Qt::Unchecked);
 }
@@ -100,7 +102,8 @@ void PicturesTab::SavePicTable_Click()
         const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
         const std::string bytes = strings::encodeText(text, m_host->codePage());
         refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
-        saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+        saveFileSafely(path.toStdString(),
+                       std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
         m_host->showError(path + ": " + m_host->failureText(error));
         return;

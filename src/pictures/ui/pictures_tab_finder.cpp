@@ -50,7 +50,8 @@ void PicturesTab::ShowInFinder_Click()
 void PicturesTab::addFoundPicture(const FoundPicture& picture, const QString& name)
 {
     std::vector<PictureEntry> last;
-    if (const int count = ListView5->topLevelItemCount(); count > 0) last.push_back(entryOf(ListView5->topLevelItem(count - 1)));
+    if (const int count = ListView5->topLevelItemCount(); count > 0)
+        last.push_back(entryOf(ListView5->topLevelItem(count - 1)));
     try {
         addListRow(foundPictureEntry(picture, nextPictureNumber(last), name.toStdString()));
     } catch (const std::exception& error) {

@@ -126,8 +126,12 @@ void PicturesTab::showImportStop(const PictureEntry& row, const RowImportError& 
     case ImportStop::PictureMissing:
         m_host->showError(importText("PictureImportMissing").arg(number).arg(error.frame + 1).arg(file));
         return;
-    case ImportStop::Unreadable: m_host->showError(importText("PictureImportUnreadable").arg(number, ordinal, file)); return;
-    case ImportStop::Refused: m_host->showError(importText("PictureImportRefused").arg(number, ordinal, file, reason)); return;
+    case ImportStop::Unreadable:
+        m_host->showError(importText("PictureImportUnreadable").arg(number, ordinal, file));
+        return;
+    case ImportStop::Refused:
+        m_host->showError(importText("PictureImportRefused").arg(number, ordinal, file, reason));
+        return;
     }
 }
 
@@ -187,7 +191,8 @@ bool PicturesTab::confirmImport(const ImportableRow& row, const std::vector<Fram
             break;
         }
     const Region& region = regions[shown];
-    const FrameLayout frame{frameAddress(geometry, pictures[shown].frame), geometry.width, geometry.height, geometry.depth};
+    const FrameLayout frame{frameAddress(geometry, pictures[shown].frame), geometry.width, geometry.height,
+                            geometry.depth};
     const QImage before = framePicture(image, 0, frame, colours);
     // The picture after: the region laid over a copy of the bytes it covers, from an even
     // address so the 4-bit rows round as they do in the image.

@@ -119,13 +119,14 @@ QGroupBox* StringsTab::buildEditListFrame()
 std::vector<image::CaptionKey> StringsTab::captionKeys()
 {
     std::vector<image::CaptionKey> keys;
-    for (const char* frame : {"Frame10", "Frame11", "Frame13"}) keys.push_back({"SSTab2", std::string(frame) + "Name", frame});
+    for (const char* frame : {"Frame10", "Frame11", "Frame13"})
+        keys.push_back({"SSTab2", std::string(frame) + "Name", frame});
     // The classic file lists the tone tab's table buttons a second time here; the key
     // is read in its place and labels nothing of this tab.
     for (const char* button : {"SaveToneTable", "OpenToneTable"}) keys.push_back({"SSTab1", button, button});
     for (int c = 0; c < 5; ++c) keys.push_back({"SSTab2", "Listview2Header" + std::to_string(c + 1), "ListView2", c});
-    for (const char* name : {"SeachString", "Add2List", "Option1", "Option2", "Option3", "Option4", "SearchBegin", "Label4",
-                             "Label8", "Label9", "Label10", "Label11", "Label12", "Label13", "Label14"})
+    for (const char* name : {"SeachString", "Add2List", "Option1", "Option2", "Option3", "Option4", "SearchBegin",
+                             "Label4", "Label8", "Label9", "Label10", "Label11", "Label12", "Label13", "Label14"})
         keys.push_back({"SSTab2", name, name});
     return keys;
 }

@@ -20,7 +20,9 @@ class QPushButton;
 class QRadioButton;
 class QTreeWidget;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::strings {
 
@@ -57,12 +59,12 @@ public:
     // Every row of the edit list, checked or not, as the byte view reads their slots.
     std::vector<StringEditRow> editRows() const { return rowsWhere(false); }
 
-    QLineEdit* Text11;  // text to look for
-    QLineEdit* Text4;   // hits so far in this pass
-    QLineEdit* Text10;  // start of the found string
-    QLineEdit* Text9;   // its last byte
-    QLineEdit* Text8;   // its length
-    QLineEdit* Text7;   // the replacement
+    QLineEdit* Text11;     // text to look for
+    QLineEdit* Text4;      // hits so far in this pass
+    QLineEdit* Text10;     // start of the found string
+    QLineEdit* Text9;      // its last byte
+    QLineEdit* Text8;      // its length
+    QLineEdit* Text7;      // the replacement
     QLineEdit* FoundText;  // the stored string found, as text
     QLabel* FoundLabel;
     QRadioButton* Option1;  // search in handset codes

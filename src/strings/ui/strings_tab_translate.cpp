@@ -43,7 +43,8 @@ QWidget* StringsTab::makeTranslationFrame()
     ExportProgress->hide();
     StopExport = named(new QPushButton(frame), "StopExport", tr("Stop"));
     StopExport->hide();
-    ListViewRefused = image::reportList("ListViewRefused", {tr("Address"), tr("Source"), tr("Translation"), tr("Outcome")}, frame);
+    ListViewRefused =
+        image::reportList("ListViewRefused", {tr("Address"), tr("Source"), tr("Translation"), tr("Outcome")}, frame);
     image::showCellsInToolTips(ListViewRefused, {1, 2, 3});
     SaveReport = named(new QPushButton(frame), "SaveReport", tr("Save report..."));
     SaveReport->setEnabled(false);
@@ -75,7 +76,8 @@ void StringsTab::applyTranslationTexts()
 void StringsTab::ExportStrings_Click()
 {
     image::ImageState& state = m_host->imageState();
-    const QString path = m_host->dialogs().saveFile(m_host->settings().TableSavePath, m_host->text("TranslationFilter"), 1);
+    const QString path =
+        m_host->dialogs().saveFile(m_host->settings().TableSavePath, m_host->text("TranslationFilter"), 1);
     if (path.isEmpty()) return;
     m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     image::KeepWindowOpen keepOpen(*m_host);
@@ -125,7 +127,8 @@ void StringsTab::ExportStrings_Click()
 
 void StringsTab::ImportTranslation_Click()
 {
-    const QString path = m_host->dialogs().openFile(m_host->settings().TableSavePath, m_host->text("TranslationFilter"), 1);
+    const QString path =
+        m_host->dialogs().openFile(m_host->settings().TableSavePath, m_host->text("TranslationFilter"), 1);
     if (path.isEmpty()) return;
     m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     std::vector<TranslationEntry> entries;
@@ -161,9 +164,9 @@ void StringsTab::showRefused()
     ListViewRefused->clear();
     for (const EntryResult& result : m_lastImport.results) {
         if (result.outcome == ImportOutcome::Fits) continue;
-        ListViewRefused->addTopLevelItem(new QTreeWidgetItem(
-            {fromUtf8(entryKey(result.entry.address, result.entry.codes)), fromUtf8(result.entry.source),
-             fromUtf8(result.entry.target), outcomeText(result)}));
+        ListViewRefused->addTopLevelItem(
+            new QTreeWidgetItem({fromUtf8(entryKey(result.entry.address, result.entry.codes)),
+                                 fromUtf8(result.entry.source), fromUtf8(result.entry.target), outcomeText(result)}));
     }
 }
 

@@ -128,7 +128,8 @@ QGroupBox* TonesTab::buildPlanFrame()
 std::vector<image::CaptionKey> TonesTab::captionKeys()
 {
     std::vector<image::CaptionKey> keys;
-    for (const char* frame : {"Frame5", "Frame7", "Frame8"}) keys.push_back({"SSTab1", std::string(frame) + "Name", frame});
+    for (const char* frame : {"Frame5", "Frame7", "Frame8"})
+        keys.push_back({"SSTab1", std::string(frame) + "Name", frame});
     for (const char* button : {"GetTone", "SaveToneTable", "OpenToneTable"}) keys.push_back({"SSTab1", button, button});
     for (int c = 0; c < 2; ++c) keys.push_back({"SSTab1", "Listview1Header" + std::to_string(c + 1), "ListView1", c});
     for (int c = 0; c < 3; ++c) keys.push_back({"SSTab1", "Listview3Header" + std::to_string(c + 1), "ListView3", c});
@@ -148,7 +149,8 @@ void TonesTab::setCurrentFolder(const QString& folder)
     m_openedFolder = index.isValid() ? folders->filePath(index) : QString();
 }
 
-void TonesTab::attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel)
+void TonesTab::attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu,
+                      QLabel* checkPanel)
 {
     m_host = &host;
     m_checkPanel = checkPanel;
@@ -168,9 +170,8 @@ void TonesTab::connectCommands()
     connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
     connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
-    connect(ListView1, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) {
-        playFile(QDir(m_listedFolder).filePath(row->text(0)));
-    });
+    connect(ListView1, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* row) { playFile(QDir(m_listedFolder).filePath(row->text(0))); });
     connect(ListView3, &QTreeWidget::itemChanged, this, &TonesTab::planCellChanged);
 }
 
@@ -180,8 +181,9 @@ void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* pla
     const std::vector<std::pair<QMenu*, std::vector<const char*>>> items{
         {toneListMenu, {"outputselect", "outputall", "-line1", "addaddress"}},
         {fileListMenu, {"addmmf"}},
-        {planMenu, {"moveone", "moveall", "-line4", "movemmf", "moveallmmf", "-line3", "moveaddress", "movealladdress",
-                    "-line2", "outputs3", "outputaxf"}},
+        {planMenu,
+         {"moveone", "moveall", "-line4", "movemmf", "moveallmmf", "-line3", "moveaddress", "movealladdress", "-line2",
+          "outputs3", "outputaxf"}},
     };
     for (const auto& [menu, names] : items)
         for (const char* name : names) {
@@ -209,8 +211,7 @@ void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* pla
         {"moveallmmf", &TonesTab::moveallmmf_Click},     {"movealladdress", &TonesTab::movealladdress_Click},
         {"outputs3", &TonesTab::outputs3_Click},         {"outputaxf", &TonesTab::outputaxf_Click},
     };
-    for (const auto& [name, command] : commands)
-        connect(this->command(name), &QAction::triggered, this, command);
+    for (const auto& [name, command] : commands) connect(this->command(name), &QAction::triggered, this, command);
     enableOutputsForKind();
 }
 
@@ -249,8 +250,8 @@ void TonesTab::showToneRows(const std::vector<ToneSlot>& rows)
     QList<QTreeWidgetItem*> items;
     items.reserve(static_cast<qsizetype>(rows.size()));
     for (const ToneSlot& row : rows)
-        items.append(new QTreeWidgetItem(
-            QStringList{fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end), fromUtf8(row.size), fromUtf8(row.note)}));
+        items.append(new QTreeWidgetItem(QStringList{fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end),
+                                                     fromUtf8(row.size), fromUtf8(row.note)}));
     ListView4->addTopLevelItems(items);
     ListView4->setUpdatesEnabled(true);
 }
@@ -294,7 +295,8 @@ void TonesTab::SaveToneTable_Click()
         const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_host->codePage());
         image::refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
         // An existing table is replaced whole, never left half old and half new.
-        image::saveFileSafely(path.toStdString(), std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+        image::saveFileSafely(path.toStdString(),
+                              std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     } catch (const std::exception& error) {
         m_host->showError(path + ": " + m_host->failureText(error));
         return;
@@ -338,7 +340,8 @@ void TonesTab::exportTones(bool everyRow)
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
     int written = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
     QString failure;
@@ -347,12 +350,13 @@ void TonesTab::exportTones(bool everyRow)
     try {
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
-        tones::exportTones(m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; },
-                           picked.toStdString(), [&](std::size_t i) {
-                               if (everyRow || selected[i]) ++written;
-                               QCoreApplication::processEvents();
-                               ProgressBar1->setValue(static_cast<int>(i) + 1);
-                           });
+        tones::exportTones(
+            m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; }, picked.toStdString(),
+            [&](std::size_t i) {
+                if (everyRow || selected[i]) ++written;
+                QCoreApplication::processEvents();
+                ProgressBar1->setValue(static_cast<int>(i) + 1);
+            });
     } catch (const std::exception& error) {
         failure = m_host->failureText(error);
     }
@@ -388,7 +392,8 @@ void TonesTab::Text5_LostFocus()
 
 bool TonesTab::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == Text5 && event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    if (watched == Text5 && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         cancelNote();
         return true;
     }

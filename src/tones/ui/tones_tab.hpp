@@ -25,7 +25,9 @@ class QTreeView;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-namespace zevran::image { class TabHost; }
+namespace zevran::image {
+class TabHost;
+}
 
 namespace zevran::tones {
 
@@ -46,12 +48,12 @@ public:
     QTreeWidget* ListView4;  // tones found in the image
     QTreeView* ET1;          // folder tree
     QFileSystemModel* folders;
-    QLineEdit* Text5;        // note editor, shown over a row's note cell
+    QLineEdit* Text5;  // note editor, shown over a row's note cell
     QPushButton* GetTone;
     QPushButton* SaveToneTable;
     QPushButton* OpenToneTable;
     QProgressBar* ProgressBar1;
-    QLabel* ToneCount;       // how many tones the last scan found
+    QLabel* ToneCount;  // how many tones the last scan found
 
     // The folder shown by the folder tree, remembered as "mmf File Path".
     QString currentFolder() const;
@@ -126,9 +128,9 @@ private:
     std::optional<std::size_t> m_tonesFound;  // none before the first scan
     QLabel* m_checkPanel = nullptr;
     QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
-    QString m_listedFolder;       // the folder whose files ListView1 lists
-    QString m_openedFolder;       // the folder ET1 was opened at, scrolled to as its parents load
-    int m_noteRow = -1;           // the ListView4 row whose note Text5 edits
+    QString m_listedFolder;               // the folder whose files ListView1 lists
+    QString m_openedFolder;               // the folder ET1 was opened at, scrolled to as its parents load
+    int m_noteRow = -1;                   // the ListView4 row whose note Text5 edits
     bool m_fillingPlan = false;
     std::string m_planUnit;  // the unit word the plan's file cells were written with
     int m_fileSortColumn = 0;

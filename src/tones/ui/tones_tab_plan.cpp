@@ -22,7 +22,8 @@ void TonesTab::showToneFiles(const QString& folder)
     const QFileInfoList files =
         QDir(folder, QStringLiteral("*.mmf"), QDir::Name | QDir::IgnoreCase, QDir::Files).entryInfoList();
     QList<QTreeWidgetItem*> items;
-    for (const QFileInfo& file : files) items.append(new QTreeWidgetItem(QStringList{file.fileName(), QString::number(file.size())}));
+    for (const QFileInfo& file : files)
+        items.append(new QTreeWidgetItem(QStringList{file.fileName(), QString::number(file.size())}));
     ListView1->addTopLevelItems(items);
     if (ListView1->header()->isSortIndicatorShown())
         ListView1->sortItems(m_fileSortColumn, m_fileSortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
@@ -58,7 +59,8 @@ void TonesTab::showPlanRows(const std::vector<ReplacementRow>& rows)
     m_fillingPlan = true;
     ListView3->clear();
     for (const ReplacementRow& row : rows) {
-        auto* item = new QTreeWidgetItem(ListView3, QStringList{fromUtf8(row.number), fromUtf8(row.file), fromUtf8(row.slot)});
+        auto* item =
+            new QTreeWidgetItem(ListView3, QStringList{fromUtf8(row.number), fromUtf8(row.file), fromUtf8(row.slot)});
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(0, row.checked ? Qt::Checked : Qt::Unchecked);
     }
@@ -87,7 +89,8 @@ void TonesTab::addmmf_Click()
     std::vector<std::string> cells;
     for (int i = 0; i < ListView1->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* item = ListView1->topLevelItem(i);
-        if (item->isSelected()) cells.push_back(planFileText(item->text(0).toStdString(), item->text(1).toStdString(), unit));
+        if (item->isSelected())
+            cells.push_back(planFileText(item->text(0).toStdString(), item->text(1).toStdString(), unit));
     }
     std::vector<ReplacementRow> rows = planRows();
     addPlanCells(rows, PlanColumn::File, cells);
@@ -134,14 +137,16 @@ void TonesTab::moveall_Click() { ListView3->clear(); }
 void TonesTab::movemmf_Click()
 {
     std::vector<ReplacementRow> rows = planRows();
-    if (const int row = selectedPlanRow(); row >= 0) removePlanCell(rows, static_cast<std::size_t>(row), PlanColumn::File);
+    if (const int row = selectedPlanRow(); row >= 0)
+        removePlanCell(rows, static_cast<std::size_t>(row), PlanColumn::File);
     showPlanRows(rows);
 }
 
 void TonesTab::moveaddress_Click()
 {
     std::vector<ReplacementRow> rows = planRows();
-    if (const int row = selectedPlanRow(); row >= 0) removePlanCell(rows, static_cast<std::size_t>(row), PlanColumn::Slot);
+    if (const int row = selectedPlanRow(); row >= 0)
+        removePlanCell(rows, static_cast<std::size_t>(row), PlanColumn::Slot);
     showPlanRows(rows);
 }
 
@@ -176,7 +181,8 @@ std::optional<std::vector<image::Region>> TonesTab::planRegions()
             if (patch.result == PlanRowResult::TooLarge) {
                 // Departure: the classic output wrote the pairs before this one and then
                 // stopped; every pair is now checked before anything is written.
-                m_host->showMessageWith(12, m_host->text("PlanRowTooLarge").arg(fromUtf8(row.number), fromUtf8(row.file)));
+                m_host->showMessageWith(12,
+                                        m_host->text("PlanRowTooLarge").arg(fromUtf8(row.number), fromUtf8(row.file)));
                 return std::nullopt;
             }
             if (patch.result == PlanRowResult::Region) regions.push_back(std::move(patch.region));
