@@ -74,6 +74,7 @@ int runPicturePatch(const std::vector<std::string>& words, const Context&)
     const std::set<long> wanted = numberListArgument(*args.value("--rows"), "--rows");
     for (long number : wanted) pictureRow(rows, number, args.positional()[1]);
     std::vector<PictureEntry> chosen;
+    chosen.reserve(wanted.size());
     for (long number : wanted) chosen.push_back(rows[static_cast<std::size_t>(number) - 1]);
     const RowsPatch patch = rowsPatch(document, chosen);
     for (std::size_t empty : patch.emptyRows)

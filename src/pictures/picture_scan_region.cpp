@@ -156,7 +156,7 @@ bool LaneScanner::guessWidth(std::int64_t at, std::int64_t end, WidthGuess& gues
 // of the row is one colour.
 double LaneScanner::rowLikeness(std::int64_t rowStart, std::int32_t width, int alike, bool& plain)
 {
-    const std::uint32_t* p = pixels(rowStart, rowStart + 2 * width + kEdgeDrift + 1);
+    const std::uint32_t* p = pixels(rowStart, rowStart + 2 * std::int64_t{width} + kEdgeDrift + 1);
     std::int32_t count = 0, edges = 0, kept = 0;
     plain = p[0] != kNoDataPixel;
     for (std::int32_t x = 0; x < width; ++x) {
@@ -277,7 +277,7 @@ std::int64_t LaneScanner::growBack(std::int64_t at, std::int32_t width, int alik
                    shareAlike(above, start, width, alike) >= kLeastAcross &&
                    (!plain || *pixels(above, above + 1) == background);
         };
-        std::int64_t above = start - 2 * width;
+        std::int64_t above = start - 2 * std::int64_t{width};
         while (above >= start - kMostUnlikeRows * width - width && !goesBack(above)) above -= width;
         if (above < start - kMostUnlikeRows * width - width) break;
         m_backCrossings.push_back(start);
@@ -300,7 +300,8 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
     // The colour of the last row whose ends agree: a shape may reach the side at the
     // unlike row itself, and the rows below it are still the picture's background.
     std::uint32_t background = kNoDataPixel;
-    for (std::int64_t row = start; row + 2 * width <= m_pixelCount && run.rows < kMostRows; row += width) {
+    for (std::int64_t row = start; row + 2 * std::int64_t{width} <= m_pixelCount && run.rows < kMostRows;
+         row += width) {
         const double likeness = rowLikeness(row, width, alike, plain);
         // Past an unlike row the picture goes on where rows are alike again: plain ones
         // only in its background colour, not fill's or the next picture's.
@@ -316,7 +317,9 @@ LaneScanner::RowRun LaneScanner::walkRows(std::int64_t start, std::int32_t width
             return colour == background || colour == above[0] || colour == above[width - 1];
         };
         if (likeness < kAlikeRow) {
-            if (!goesOn(row + width) && !goesOn(row + 2 * width) && !goesOn(row + kMostUnlikeRows * width)) break;
+            if (!goesOn(row + width) && !goesOn(row + 2 * std::int64_t{width}) &&
+                !goesOn(row + kMostUnlikeRows * std::int64_t{width}))
+                break;
             run.crossings.push_back({run.rows, run.likeness, run.plainRows});
         }
         ++run.rows;
@@ -458,7 +461,7 @@ void LaneScanner::scanRegion(std::int64_t from, std::int64_t to, std::vector<Pic
         }
         const int alike = static_cast<int>(std::max<double>(kAlikePixel, 2 * guess.vertical));
         // Rows before the region are rough or plain: a few plain ones at most are looked at.
-        const std::int64_t lowest = std::max(floor, from - (kMostPlainRows + 2) * guess.width);
+        const std::int64_t lowest = std::max(floor, from - (kMostPlainRows + 2) * std::int64_t{guess.width});
         const Reading reading = readPicture(at, guess, alike, lowest);
         const std::int64_t start = reading.start, width = reading.width, height = reading.run.rows + 1;
         if (likelyPicture(reading, guess) && ownPhase(m_lane.byteOf(start), width * height)) {
