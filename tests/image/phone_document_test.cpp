@@ -29,6 +29,15 @@ std::string imageText(const PhoneDocument& document)
 
 Reason reasonOf(const std::exception& error) { return failureOf(error).reason; }
 
+// A document opened on the phone file `name` in `folder`, holding `bytes`.
+PhoneDocument openedOn(const TempFolder& folder, const std::string& name, const std::string& bytes)
+{
+    writeFile(folder.path(name), bytes);
+    PhoneDocument document;
+    document.open(folder.path(name));
+    return document;
+}
+
 }  // namespace
 
 TEST(PhoneDocument, OpeningTakesBytesPathAndKindWithNothingUnsaved)
@@ -51,9 +60,7 @@ TEST(PhoneDocument, OpeningTakesBytesPathAndKindWithNothingUnsaved)
 TEST(PhoneDocument, AFileOfNoKnownKindIsHeldButNotLoaded)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.s3"), "S0");
-    PhoneDocument document;
-    document.open(folder.path("phone.s3"));
+    PhoneDocument document = openedOn(folder, "phone.s3", "S0");
     EXPECT_EQ(document.kind(), "other");
     EXPECT_FALSE(document.loaded());
     EXPECT_FALSE(document.takesSRecordPatch());
@@ -63,9 +70,7 @@ TEST(PhoneDocument, AFileOfNoKnownKindIsHeldButNotLoaded)
 TEST(PhoneDocument, ChangesAskBeforeReplacingUntilUndoneSavedOrWritten)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.asf"), "ABCDEFGH");
-    PhoneDocument document;
-    document.open(folder.path("phone.asf"));
+    PhoneDocument document = openedOn(folder, "phone.asf", "ABCDEFGH");
     EXPECT_TRUE(document.patch({region(2, "xy")}));
     EXPECT_EQ(imageText(document), "ABxyEFGH");
     EXPECT_FALSE(document.mayReplaceWithoutAsking());
@@ -89,9 +94,7 @@ TEST(PhoneDocument, ChangesAskBeforeReplacingUntilUndoneSavedOrWritten)
 TEST(PhoneDocument, ARegionPastTheEndIsCutAndSaidSo)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.asf"), "ABCD");
-    PhoneDocument document;
-    document.open(folder.path("phone.asf"));
+    PhoneDocument document = openedOn(folder, "phone.asf", "ABCD");
     EXPECT_FALSE(document.patch({region(2, "wxyz")}));
     EXPECT_EQ(imageText(document), "ABwx");
 }
@@ -114,9 +117,7 @@ TEST(PhoneDocument, OpeningAgainDropsTheHistory)
 TEST(PhoneDocument, AnUnreadableFileLeavesTheDocumentAsItWas)
 {
     TempFolder folder;
-    writeFile(folder.path("a.asf"), "AAAA");
-    PhoneDocument document;
-    document.open(folder.path("a.asf"));
+    PhoneDocument document = openedOn(folder, "a.asf", "AAAA");
     document.patch({region(0, "x")});
     EXPECT_THROW(document.open(folder.path("missing.bin")), FileError);
     EXPECT_EQ(document.path(), folder.path("a.asf"));
@@ -152,9 +153,7 @@ TEST(PhoneDocument, AnEmptyFileTakesThePathButNotTheBytesAndNoSaveLandsThere)
 TEST(PhoneDocument, AVersionMarkerAtTheEndLeavesAFileOfNoKind)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.bin"), "........VersionString:ab");
-    PhoneDocument document;
-    document.open(folder.path("phone.bin"));
+    PhoneDocument document = openedOn(folder, "phone.bin", "........VersionString:ab");
     EXPECT_THROW(document.readVersion(), VersionOutOfImage);
     EXPECT_EQ(document.kind(), "other");
     EXPECT_FALSE(document.takesSRecordPatch());
@@ -163,9 +162,7 @@ TEST(PhoneDocument, AVersionMarkerAtTheEndLeavesAFileOfNoKind)
 TEST(PhoneDocument, ReadsTheVersionBytes)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.bin"), "head VersionString:...V1.2.3-4 tail");
-    PhoneDocument document;
-    document.open(folder.path("phone.bin"));
+    PhoneDocument document = openedOn(folder, "phone.bin", "head VersionString:...V1.2.3-4 tail");
     EXPECT_EQ(document.readVersion(), std::optional<std::string>("V1.2.3-4"));
     EXPECT_EQ(document.state().LastMatch, 0);
 }
@@ -207,9 +204,7 @@ TEST(EditOutput, APatchIsNeverWrittenOverThePhoneFile)
 TEST(EditOutput, APatchHoldsTheRegionsAndNoRegionsWriteNothing)
 {
     TempFolder folder;
-    writeFile(folder.path("phone.bin"), "0123");
-    PhoneDocument document;
-    document.open(folder.path("phone.bin"));
+    PhoneDocument document = openedOn(folder, "phone.bin", "0123");
     writeEditsAsPatch(document, folder.path("patch.s3"), {region(1, "AB")});
     EXPECT_EQ(readText(folder.path("patch.s3")), "S00600004844521B\r\nS30700000001414274\r\nS705A002000058\r\n");
     writeEditsAsPatch(document, folder.path("none.s3"), {});
