@@ -1,6 +1,5 @@
 #include "output_file.hpp"
 
-#include "file_io.hpp"
 #include "temporary_output.hpp"
 
 #include <algorithm>
@@ -64,7 +63,7 @@ void writeThroughTemporary(const std::string& output, const std::function<void(c
 
 void writeEditsAsPatch(const PhoneDocument& document, const std::string& output, const std::vector<Region>& regions)
 {
-    if (document.isPhoneFile(output)) throw FileError(Reason::IsOpenPhoneFile, {output});
+    document.refuseAsOutput(output);
     if (regions.empty()) return;
     writeThroughTemporary(output, [&](const std::string& path) { writeSRecordPatch(path, regions); });
 }

@@ -1,5 +1,6 @@
 #include "phone_document.hpp"
 
+#include "file_io.hpp"
 #include "phone_file.hpp"
 
 #include <sys/stat.h>
@@ -15,17 +16,14 @@ std::optional<FileIdentity> identityOf(const std::string& path)
 
 void PhoneDocument::open(const std::string& path)
 {
-    std::vector<std::uint8_t> bytes = readPhoneFile(path);
-    if (bytes.empty()) {
+    try {
+        loadPhoneFile(m_state, path);
+    } catch (const EmptyPhoneFile&) {
         m_state.FirmwarePath = path;
         m_identity = identityOf(path);
-        throw EmptyPhoneFile(Reason::EmptyFile, {path});
+        throw;
     }
-    setImage(m_state, path, std::move(bytes));
     m_identity = identityOf(path);
-    m_state.LastMatch = 0;
-    m_state.FileKind = classifyPhoneFile(path);
-    m_state.ImageLoaded = m_state.FileKind != "other";
     m_history.reset();
     m_originals.reset();
 }
@@ -78,6 +76,11 @@ void PhoneDocument::save()
 }
 
 void PhoneDocument::patchWritten() { m_history.markClean(); }
+
+void PhoneDocument::refuseAsOutput(const std::string& path) const
+{
+    if (isPhoneFile(path)) throw FileError(Reason::IsOpenPhoneFile, {path});
+}
 
 bool PhoneDocument::isPhoneFile(const std::string& path) const
 {

@@ -84,6 +84,9 @@ public:
 
     // True when `path` names the phone file itself, under any name or link.
     bool isPhoneFile(const std::string& path) const;
+    // Throws FileError (IsOpenPhoneFile) when `path` names the phone file: no output
+    // is ever written over it.
+    void refuseAsOutput(const std::string& path) const;
 
 private:
     void rememberOriginals(const UndoStep* step);

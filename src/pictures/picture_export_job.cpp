@@ -1,6 +1,5 @@
 #include "picture_export_job.hpp"
 
-#include "image/file_io.hpp"
 #include "image/output_file.hpp"
 #include "picture_player.hpp"
 #include "pixel_decode.hpp"
@@ -13,7 +12,7 @@ FrameExport exportFrame(const image::PhoneDocument& document, const FrameGeometr
                         const std::string& output, const std::string& colourTablePath)
 {
     if (bmpBitsPerPixel(geometry.depth) == 0) return FrameExport::DepthNotDrawable;
-    if (document.isPhoneFile(output)) throw image::FileError(image::Reason::IsOpenPhoneFile, {output});
+    document.refuseAsOutput(output);
     const std::int64_t address = frameAddress(geometry, frame);
     image::writeThroughTemporary(output, [&](const std::string& path) {
         decodePreviewFrame(document.bytes(), geometry, address, path, colourTablePath);
