@@ -14,7 +14,9 @@
 #include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionFrame>
+#include <QTreeView>
 #include <QTreeWidget>
+#include <algorithm>
 #include <initializer_list>
 #include <vector>
 #include <string>
@@ -46,6 +48,33 @@ inline QTreeWidget* reportList(const char* name, const QStringList& headers, QWi
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->header()->setStretchLastSection(true);
     return list;
+}
+
+// A report list over a model: one row a line, no tree decoration; the model's
+// header texts are the captions.
+inline QTreeView* reportView(const char* name, QAbstractItemModel* model, QWidget* parent)
+{
+    auto* view = named(new QTreeView(parent), name);
+    view->setModel(model);
+    view->setRootIsDecorated(false);
+    view->setItemsExpandable(false);
+    view->setUniformRowHeights(true);
+    view->setAlternatingRowColors(true);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view->header()->setStretchLastSection(true);
+    return view;
+}
+
+// The rows of a report view the user has selected, in list order.
+inline std::vector<int> selectedRows(const QAbstractItemView* view)
+{
+    std::vector<int> rows;
+    for (const QModelIndex& index : view->selectionModel()->selectedRows()) rows.push_back(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 // The width a text box needs to show `sample` whole in its font, frame and margins included.

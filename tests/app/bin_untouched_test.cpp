@@ -3,6 +3,7 @@
 #include "qt_files.hpp"
 #include "window_fixture.hpp"
 
+#include "app/list_cells.hpp"
 #include "app/main_window.hpp"
 #include "image/ui/converter_tab.hpp"
 #include "pictures/ui/pictures_tab.hpp"
@@ -62,25 +63,25 @@ private:
     {
         auto* tab = window.findChild<zevran::tones::TonesTab*>();
         tab->GetTone->click();
-        QCOMPARE(tab->ListView4->topLevelItemCount(), 1);
-        tab->ListView4->topLevelItem(0)->setSelected(true);
+        QCOMPARE(rowCount(tab->ListView4), 1);
+        selectRow(tab->ListView4, 0);
         m_dialogs->files = {path("out/tones.txt"), path("out/tones.txt"), path("out/ring.mmf"), path("out/all.mmf"),
                             path("out/tones.s3")};
         tab->SaveToneTable->click();
         tab->OpenToneTable->click();
-        tab->ListView4->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView4, 0);
         window.findChild<QAction*>("outputselect")->trigger();
         window.findChild<QAction*>("outputall")->trigger();
         writeBytes(path("tones/new.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        tab->ListView1->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView1, 0);
         window.findChild<QAction*>("addmmf")->trigger();
         window.findChild<QAction*>("addaddress")->trigger();
-        tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        setCheckState(tab->ListView3, 0, 0, Qt::Checked);
         window.findChild<QAction*>("outputs3")->trigger();
         // Disabled for a "bin" file, and refusing all the same when called.
         tab->outputaxf_Click();
-        tab->ListView3->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView3, 0);
         for (const char* name : {"movemmf", "moveallmmf", "movealladdress", "moveall"})
             window.findChild<QAction*>(name)->trigger();
         QVERIFY(QFile::exists(path("out/tones.s3")));
@@ -111,8 +112,8 @@ private:
         m_dialogs->files = {path("pictures.txt"), path("out/pictures.txt"), path("out/pictures.s3")};
         m_dialogs->folders = {path("out/"), path("out/")};
         tab->OpenPicTable_Click();
-        QCOMPARE(tab->ListView5->topLevelItemCount(), 1);
-        tab->ListView5->topLevelItem(0)->setSelected(true);
+        QCOMPARE(rowCount(tab->ListView5), 1);
+        selectRow(tab->ListView5, 0);
         tab->ListView5_ItemClick(tab->ListView5->topLevelItem(0));
         tab->nextpicture_Click();
         tab->PreviousPicture_Click();
@@ -121,7 +122,7 @@ private:
         tab->PausePlay_Click();
         tab->StopPlay_Click();
         tab->SavePicTable_Click();
-        tab->ListView5->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        setCheckState(tab->ListView5, 0, 0, Qt::Checked);
         tab->outputpic_Click();
         tab->outputpicall_Click();
         tab->outputpics3_Click();

@@ -4,6 +4,7 @@
 #include "qt_files.hpp"
 #include "window_fixture.hpp"
 
+#include "app/list_cells.hpp"
 #include "app/compare_dialog.hpp"
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
@@ -41,13 +42,6 @@ namespace {
 const QByteArray kOpen = "0123456789ABCDEF";
 // Against kOpen: 2..3 and 8 differ, and 16..19 lie past its end.
 const QByteArray kSecond = "01xx4567z9ABCDEFtail";
-
-QStringList rowTexts(const QTreeWidgetItem* item)
-{
-    QStringList texts;
-    for (int column = 0; column < 5; ++column) texts << item->text(column);
-    return texts;
-}
 
 QByteArray imageOf(Form1& window)
 {
@@ -119,13 +113,13 @@ private slots:
         QVERIFY(dialog);
         QCOMPARE(dialog->windowTitle(), QString("Compare with second.bin"));
         QTreeWidget* list = listOf(dialog);
-        QCOMPARE(list->headerItem()->text(0), QString("First"));
-        QCOMPARE(list->headerItem()->text(4), QString("Second image"));
-        QCOMPARE(list->topLevelItemCount(), 3);
-        QCOMPARE(rowTexts(list->topLevelItem(0)), (QStringList{"0x00000002", "0x00000003", "2", "32 33", "78 78"}));
-        QCOMPARE(rowTexts(list->topLevelItem(1)), (QStringList{"0x00000008", "0x00000008", "1", "38", "7A"}));
-        QCOMPARE(rowTexts(list->topLevelItem(2)), (QStringList{"0x00000010", "0x00000013", "4", "", "74 61 69 6C"}));
-        for (int row = 0; row < 3; ++row) QCOMPARE(list->topLevelItem(row)->checkState(0), Qt::Checked);
+        QCOMPARE(headerText(list, 0), QString("First"));
+        QCOMPARE(headerText(list, 4), QString("Second image"));
+        QCOMPARE(rowCount(list), 3);
+        QCOMPARE(rowTexts(list, 0), (QStringList{"0x00000002", "0x00000003", "2", "32 33", "78 78"}));
+        QCOMPARE(rowTexts(list, 1), (QStringList{"0x00000008", "0x00000008", "1", "38", "7A"}));
+        QCOMPARE(rowTexts(list, 2), (QStringList{"0x00000010", "0x00000013", "4", "", "74 61 69 6C"}));
+        for (int row = 0; row < 3; ++row) QCOMPARE(checkState(list, row, 0), Qt::Checked);
         QCOMPARE(dialog->findChild<QLabel*>("CompareSummary")->text(), QString("3 regions checked, 7 bytes"));
         QVERIFY(m_dialogs->asked.first().startsWith("open "));
     }
@@ -137,15 +131,14 @@ private slots:
         CompareDialog* dialog = compareWith(*window, phoneFile("second.bin", kSecond));
         dialog->findChild<QSpinBox*>("CompareGap")->setValue(4);
         QTreeWidget* list = listOf(dialog);
-        QCOMPARE(list->topLevelItemCount(), 2);
-        QCOMPARE(rowTexts(list->topLevelItem(0)),
+        QCOMPARE(rowCount(list), 2);
+        QCOMPARE(rowTexts(list, 0),
                  (QStringList{"0x00000002", "0x00000008", "7", "32 33 34 35 36 37 38", "78 78 34 35 36 37 7A"}));
-        QCOMPARE(rowTexts(list->topLevelItem(1)), (QStringList{"0x00000010", "0x00000013", "4", "", "74 61 69 6C"}));
+        QCOMPARE(rowTexts(list, 1), (QStringList{"0x00000010", "0x00000013", "4", "", "74 61 69 6C"}));
         dialog->findChild<QSpinBox*>("CompareGap")->setValue(7);
-        QCOMPARE(list->topLevelItemCount(), 1);
-        QCOMPARE(rowTexts(list->topLevelItem(0)),
-                 (QStringList{"0x00000002", "0x00000013", "18", "32 33 34 35 36 37 38 39 ...",
-                              "78 78 34 35 36 37 7A 39 ..."}));
+        QCOMPARE(rowCount(list), 1);
+        QCOMPARE(rowTexts(list, 0), (QStringList{"0x00000002", "0x00000013", "18", "32 33 34 35 36 37 38 39 ...",
+                                                 "78 78 34 35 36 37 7A 39 ..."}));
     }
 
     void imagesDifferingAllOverAreListedWithARaisedGap()
@@ -157,8 +150,8 @@ private slots:
         CompareDialog* dialog = compareWith(*window, phoneFile("second.bin", second));
         // 20000 runs one byte apart are more than a list shows: a gap of 1 makes them one.
         QCOMPARE(dialog->findChild<QSpinBox*>("CompareGap")->value(), 1);
-        QCOMPARE(listOf(dialog)->topLevelItemCount(), 1);
-        QCOMPARE(rowTexts(listOf(dialog)->topLevelItem(0)),
+        QCOMPARE(rowCount(listOf(dialog)), 1);
+        QCOMPARE(rowTexts(listOf(dialog), 0),
                  (QStringList{"0x00000000", "0x00009C3E", "39999", "61 61 61 61 61 61 61 61 ...",
                               "62 61 62 61 62 61 62 61 ..."}));
     }
@@ -169,7 +162,7 @@ private slots:
         const QString phone = phoneFile("phone.bin", kOpen);
         window->openPhoneFile(phone);
         CompareDialog* dialog = compareWith(*window, phoneFile("second.bin", kSecond));
-        listOf(dialog)->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        setCheckState(listOf(dialog), 1, 0, Qt::Unchecked);
         QCOMPARE(dialog->findChild<QLabel*>("CompareSummary")->text(), QString("2 regions checked, 6 bytes"));
         m_dialogs->files = {path("change.s3")};
         dialog->findChild<QPushButton*>("CompareWrite")->click();
@@ -193,10 +186,10 @@ private slots:
         CompareDialog* dialog = compareWith(*window, phoneFile("second.asf", kSecond));
         QTreeWidget* list = listOf(dialog);
         // The image cannot grow: the bytes past its end are listed but cannot be checked.
-        QCOMPARE(list->topLevelItem(2)->checkState(0), Qt::Unchecked);
-        QVERIFY(!(list->topLevelItem(2)->flags() & Qt::ItemIsEnabled));
+        QCOMPARE(checkState(list, 2, 0), Qt::Unchecked);
+        QVERIFY(!(cellFlags(list, 2, 0) & Qt::ItemIsEnabled));
         dialog->findChild<QPushButton*>("CompareCheckAll")->click();
-        QCOMPARE(list->topLevelItem(2)->checkState(0), Qt::Unchecked);
+        QCOMPARE(checkState(list, 2, 0), Qt::Unchecked);
         QCOMPARE(dialog->findChild<QLabel*>("CompareSummary")->text(), QString("2 regions checked, 3 bytes"));
         dialog->findChild<QPushButton*>("CompareWrite")->click();
         QCOMPARE(imageOf(*window), QByteArray("01xx4567z9ABCDEF"));

@@ -4,9 +4,11 @@
 #include "qt_files.hpp"
 #include "window_fixture.hpp"
 
+#include "app/list_cells.hpp"
 #include "app/main_window.hpp"
 #include "tones/ui/tones_tab.hpp"
 
+#include <QTreeWidget>
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
@@ -14,7 +16,6 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
 #include <csignal>
 #include <sys/resource.h>
 
@@ -144,7 +145,7 @@ private slots:
         writeBytes(path("phone.bin"), phoneImage());
         m_window->openPhoneFile(path("phone.bin"));
         tones()->GetTone->click();
-        QCOMPARE(tones()->ListView4->topLevelItemCount(), 1);
+        QCOMPARE(rowCount(tones()->ListView4), 1);
         writeBytes(path("plain"), "a file");
         m_dialogs->files = {path("plain/tones.txt")};
         tones()->SaveToneTable->click();
@@ -158,7 +159,7 @@ private slots:
         writeBytes(path("phone.bin"), phoneImage());
         m_window->openPhoneFile(path("phone.bin"));
         tones()->GetTone->click();
-        tones()->ListView4->topLevelItem(0)->setSelected(true);
+        selectRow(tones()->ListView4, 0);
         // "/proc/ring.mmf" less four characters, "-001.mmf": a file /proc will not make.
         m_dialogs->files = {"/proc/ring.mmf"};
         action("outputselect")->trigger();
@@ -176,28 +177,28 @@ private slots:
             " 0x1 : 0xZZ - 0xQQ  Size: -5 \t\r\n 002 : 0x00000040 - 0x0000013F  Size: 99999999999999999999 \t\r\n");
         m_dialogs->files = {path("odd.txt")};
         tones()->OpenToneTable->click();
-        QCOMPARE(tones()->ListView4->topLevelItemCount(), 2);
-        QCOMPARE(tones()->ListView4->topLevelItem(0)->text(3), QString("-5"));
+        QCOMPARE(rowCount(tones()->ListView4), 2);
+        QCOMPARE(cellText(tones()->ListView4, 0, 3), QString("-5"));
         QVERIFY(m_dialogs->messages.empty());
         // Planned as slots, the negative size is an empty slot and the enormous one lies outside.
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/a.mmf"), "MMMD");
         tones()->showToneFiles(path("tones"));
-        tones()->ListView1->topLevelItem(0)->setSelected(true);
+        selectRow(tones()->ListView1, 0);
         action("addmmf")->trigger();
         action("addmmf")->trigger();
-        tones()->ListView4->topLevelItem(0)->setSelected(true);
-        tones()->ListView4->topLevelItem(1)->setSelected(true);
+        selectRow(tones()->ListView4, 0);
+        selectRow(tones()->ListView4, 1);
         action("addaddress")->trigger();
-        QTreeWidget* plan = tones()->ListView3;
-        const int negative = plan->topLevelItem(0)->text(2).startsWith("0x1 ") ? 0 : 1;
+        QAbstractItemView* plan = tones()->ListView3;
+        const int negative = cellText(plan, 0, 2).startsWith("0x1 ") ? 0 : 1;
         // A slot of -5 bytes takes no tone of 4.
-        plan->topLevelItem(negative)->setCheckState(0, Qt::Checked);
+        setCheckState(plan, negative, 0, Qt::Checked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{12});
         // An enormous slot lies outside the image.
-        plan->topLevelItem(negative)->setCheckState(0, Qt::Unchecked);
-        plan->topLevelItem(1 - negative)->setCheckState(0, Qt::Checked);
+        setCheckState(plan, negative, 0, Qt::Unchecked);
+        setCheckState(plan, 1 - negative, 0, Qt::Checked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{12, 0}));
         QVERIFY(m_dialogs->messages.back().text.contains("outside the image"));

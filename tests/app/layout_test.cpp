@@ -4,6 +4,7 @@
 #include "qt_files.hpp"
 #include "window_fixture.hpp"
 
+#include "app/list_cells.hpp"
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
 #include "tones/ui/tones_tab.hpp"
@@ -186,24 +187,24 @@ private slots:
         auto window = startWindowOnPhoneFile();
         auto* tab = window->findChild<zevran::tones::TonesTab*>();
         tab->GetTone_Click();
-        QCOMPARE(tab->ListView4->topLevelItemCount(), 1);
-        tab->ListView4->topLevelItem(0)->setText(4, "a rather long note about the ring tone");
-        tab->ListView4->topLevelItem(0)->setSelected(true);
+        QCOMPARE(rowCount(tab->ListView4), 1);
+        setCellText(tab->ListView4, 0, 4, "a rather long note about the ring tone");
+        selectRow(tab->ListView4, 0);
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/a ring tone with a long name.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        tab->ListView1->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView1, 0);
         tab->addmmf_Click();
         tab->addaddress_Click();
-        QCOMPARE(tab->ListView4->topLevelItem(0)->toolTip(4), QString("a rather long note about the ring tone"));
-        const QTreeWidgetItem* row = tab->ListView3->topLevelItem(0);
-        QCOMPARE(row->toolTip(2), QString("001 0x00000100 - 0x000001FF 256 a rather long note about the ring tone"));
-        QCOMPARE(row->toolTip(1), row->text(1));
-        QVERIFY(row->toolTip(1).startsWith("a ring tone with a long name.mmf 200 "));
-        tab->ListView3->topLevelItem(0)->setSelected(true);
+        QCOMPARE(cellToolTip(tab->ListView4, 0, 4), QString("a rather long note about the ring tone"));
+        QCOMPARE(cellToolTip(tab->ListView3, 0, 2),
+                 QString("001 0x00000100 - 0x000001FF 256 a rather long note about the ring tone"));
+        QCOMPARE(cellToolTip(tab->ListView3, 0, 1), cellText(tab->ListView3, 0, 1));
+        QVERIFY(cellToolTip(tab->ListView3, 0, 1).startsWith("a ring tone with a long name.mmf 200 "));
+        selectRow(tab->ListView3, 0);
         tab->moveallmmf_Click();
-        QCOMPARE(tab->ListView3->topLevelItem(0)->toolTip(1), QString());
-        QCOMPARE(tab->ListView3->topLevelItem(0)->toolTip(2), tab->ListView3->topLevelItem(0)->text(2));
+        QCOMPARE(cellToolTip(tab->ListView3, 0, 1), QString());
+        QCOMPARE(cellToolTip(tab->ListView3, 0, 2), cellText(tab->ListView3, 0, 2));
     }
 
     void editListTextShowsWholeInItsToolTip()
@@ -226,14 +227,14 @@ private slots:
         auto window = startWindowOnPhoneFile();
         auto* tab = window->findChild<zevran::tones::TonesTab*>();
         tab->GetTone_Click();
-        tab->ListView4->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView4, 0);
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/new.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        tab->ListView1->topLevelItem(0)->setSelected(true);
+        selectRow(tab->ListView1, 0);
         tab->addmmf_Click();
         tab->addaddress_Click();
-        tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        setCheckState(tab->ListView3, 0, 0, Qt::Checked);
         m_dialogs->files = {path("tonepatch")};
         window->findChild<QAction*>("outputs3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});

@@ -1,5 +1,6 @@
 // The window's life cycle through the dialogs double: start-up, language, opening,
 // in-image patches, saving and shut-down.
+#include "app/list_cells.hpp"
 #include "qt_files.hpp"
 #include "window_fixture.hpp"
 
@@ -22,7 +23,7 @@
 #include <QLocale>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
+#include <QAbstractItemView>
 
 using zevran::app::Answer;
 using zevran::app::Form1;
@@ -83,7 +84,8 @@ private slots:
                 // The tone tab's table buttons are read a second time among the text tab's keys.
                 if (key.kept || (QString(tabName) == "StringsTab" && QString(key.section) == "SSTab1")) continue;
                 QVERIFY2(tab->findChild<QObject*>(key.objectName), (QString(tabName) + " " + key.objectName).toUtf8());
-                if (key.column >= 0) QVERIFY(key.column < tab->findChild<QTreeWidget*>(key.objectName)->columnCount());
+                if (key.column >= 0)
+                    QVERIFY(key.column < columnCount(tab->findChild<QAbstractItemView*>(key.objectName)));
                 ++labelled;
             }
         }
@@ -107,7 +109,7 @@ private slots:
         QVERIFY(!tabs->isTabEnabled(2));
         QCOMPARE(window->findChild<QPushButton*>("GetTone")->text(), QString("Scan"));
         QCOMPARE(window->findChild<QAction*>("menuopen")->text(), QString("Open phone file"));
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView4")->headerItem()->text(3), QString("Size"));
+        QCOMPARE(headerText(window->findChild<QAbstractItemView*>("ListView4"), 3), QString("Size"));
         QVERIFY(!window->findChild<QAction*>("Save")->isEnabled());
         // Keys the file lacked were added to it, empty.
         QVERIFY(readBytes(m_home.path() + "/language/English.ini").contains("\r\nMsgStr39=\r\n"));
@@ -117,12 +119,12 @@ private slots:
     {
         auto window = startWindow();
         for (const char* name : {"ListView1", "ListView2", "ListView3", "ListView4", "ListView5"})
-            QVERIFY2(window->findChild<QTreeWidget*>(name), name);
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView1")->columnCount(), 2);
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView2")->columnCount(), 5);
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView3")->columnCount(), 3);
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView4")->columnCount(), 5);
-        QCOMPARE(window->findChild<QTreeWidget*>("ListView5")->columnCount(), 7);
+            QVERIFY2(window->findChild<QAbstractItemView*>(name), name);
+        QCOMPARE(columnCount(window->findChild<QAbstractItemView*>("ListView1")), 2);
+        QCOMPARE(columnCount(window->findChild<QAbstractItemView*>("ListView2")), 5);
+        QCOMPARE(columnCount(window->findChild<QAbstractItemView*>("ListView3")), 3);
+        QCOMPARE(columnCount(window->findChild<QAbstractItemView*>("ListView4")), 5);
+        QCOMPARE(columnCount(window->findChild<QAbstractItemView*>("ListView5")), 7);
         for (const char* name : {"GetTone",      "SaveToneTable", "OpenToneTable",     "SeachString", "Add2List",
                                  "OpenPicTable", "SavePicTable",  "OpenS3File",        "OpenBinFile", "ComS3ToBin",
                                  "ComBinToS3",   "Option1",       "Option4",           "SearchBegin", "Check1",

@@ -1,6 +1,7 @@
 // The Bytes tab through the dialogs double: go to, find in hex and both text encodings,
 // the owners' colours and names, "Show bytes" and "Show owner" both ways, typing in both
 // columns of an "asf" image, and a "bin" image's edits leaving as one patch.
+#include "app/list_cells.hpp"
 #include "app/qt_files.hpp"
 #include "app/window_fixture.hpp"
 
@@ -202,16 +203,16 @@ private slots:
         open("phone.bin");
         fillOwners();
         auto* tones = m_window->findChild<zevran::tones::TonesTab*>();
-        tones->ListView4->setCurrentItem(tones->ListView4->topLevelItem(0));
+        setCurrentRow(tones->ListView4, 0);
         showBytesIn("menufile1")->trigger();
         QCOMPARE(m_tabs->currentWidget(), m_tab);
         QCOMPARE(m_tab->view->selection(), Selection(0x100, 0x16C));
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
-        strings->ListView2->setCurrentItem(strings->ListView2->topLevelItem(0));
+        setCurrentRow(strings->ListView2, 0);
         showBytesIn("menufile4")->trigger();
         QCOMPARE(m_tab->view->selection(), Selection(0x10, 0x14));
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
-        pictures->ListView5->setCurrentItem(pictures->ListView5->topLevelItem(0));
+        setCurrentRow(pictures->ListView5, 0);
         showBytesIn("menufile5")->trigger();
         QCOMPARE(m_tab->view->selection(), Selection(0x80, 0x90));
     }
@@ -224,19 +225,19 @@ private slots:
         m_tab->view->setCursor(0x120);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), tones);
-        QCOMPARE(tones->ListView4->currentItem(), tones->ListView4->topLevelItem(0));
+        QCOMPARE(tones->ListView4->currentIndex().row(), 0);
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
         new QTreeWidgetItem(pictures->ListView5, QStringList{"002", "other", "0X000001C0", "1", "16", "4*2", "16"});
         m_tab->refreshOwners();
         m_tab->view->setCursor(0x1C5);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), pictures);
-        QCOMPARE(pictures->ListView5->currentItem(), pictures->ListView5->topLevelItem(1));
+        QCOMPARE(pictures->ListView5->currentIndex().row(), 1);
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
         m_tab->view->setCursor(0x12);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), strings);
-        QCOMPARE(strings->ListView2->currentItem(), strings->ListView2->topLevelItem(0));
+        QCOMPARE(strings->ListView2->currentIndex().row(), 0);
     }
 
     void typingOverwritesAnAsfImageInBothColumns()

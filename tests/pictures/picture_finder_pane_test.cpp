@@ -56,7 +56,7 @@ private slots:
         QVERIFY(finder);
         QVERIFY(finder->isVisible());
         QCOMPARE(finder->address(), 0);
-        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView5), 0);
     }
 
     void showInFinderTakesTheSelectedRowsPlaceSizeAndDepth()
@@ -204,8 +204,9 @@ private slots:
         QVERIFY(finder);
         finder->nameEdit->setText("found_screen");
         finder->addButton->click();
-        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 9);
-        QCOMPARE(rowTexts(row(8)), (QStringList{"009", "found_screen", "0X00000200", "1", "12288", "96*64", "16"}));
+        QCOMPARE(rowCount(m_tab->ListView5), 9);
+        QCOMPARE(rowTexts(m_tab->ListView5, 8),
+                 (QStringList{"009", "found_screen", "0X00000200", "1", "12288", "96*64", "16"}));
         clickRow(Screen);
         const QImage original = m_tab->Picture2->pixmap().toImage();
         clickRow(8);
@@ -223,8 +224,8 @@ private slots:
         finder->framesBox->setValue(2);
         finder->nameEdit->setText("mono");
         finder->addButton->click();
-        QCOMPARE(m_tab->ListView5->topLevelItemCount(), 1);
-        QCOMPARE(rowTexts(row(0)), (QStringList{"001", "mono", "0X00003200", "2", "768", "64*96", "1"}));
+        QCOMPARE(rowCount(m_tab->ListView5), 1);
+        QCOMPARE(rowTexts(m_tab->ListView5, 0), (QStringList{"001", "mono", "0X00003200", "2", "768", "64*96", "1"}));
     }
 
     void captionsComeFromTheWorkshopTexts()
@@ -274,7 +275,7 @@ private slots:
             finder->nameEdit->setText(name);
             finder->statusLine->clear();
             finder->addButton->click();
-            QCOMPARE(m_tab->ListView5->topLevelItemCount(), 0);
+            QCOMPARE(rowCount(m_tab->ListView5), 0);
             QVERIFY(!finder->statusLine->text().isEmpty());
         }
     }

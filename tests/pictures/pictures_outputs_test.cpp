@@ -53,8 +53,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        row(Logo)->setSelected(true);
-        row(D8)->setSelected(true);
+        selectRow(m_tab->ListView5, Logo);
+        selectRow(m_tab->ListView5, D8);
         m_dialogs->folders.push_back(path("out/"));
         QDir().mkpath(path("out"));
         bool sawProgress = false;
@@ -153,7 +153,7 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        row(Logo)->setSelected(true);
+        selectRow(m_tab->ListView5, Logo);
         m_dialogs->folders.push_back(m_home.path());
         bool accepted = true;
         QTimer::singleShot(0, this, [&] {
@@ -186,8 +186,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        row(Logo)->setCheckState(0, Qt::Checked);
-        row(D8)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
+        setCheckState(m_tab->ListView5, D8, 0, Qt::Checked);
         m_dialogs->files.push_back(path("patches/pictures.s3"));
         QDir().mkpath(path("patches"));
         choose(m_tab->outputpics3);
@@ -207,8 +207,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        row(D8)->setCheckState(0, Qt::Checked);
-        row(None)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView5, D8, 0, Qt::Checked);
+        setCheckState(m_tab->ListView5, None, 0, Qt::Checked);
         m_dialogs->files.push_back(path("p.s3"));
         choose(m_tab->outputpics3);
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{1, 10}));
@@ -229,8 +229,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable + line("010", "far", "00003FF0", "1", "32", "4*4", "16"));
-        row(Logo)->setCheckState(0, Qt::Checked);
-        row(8)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
+        setCheckState(m_tab->ListView5, 8, 0, Qt::Checked);
         m_dialogs->files.push_back(path("p.s3"));
         choose(m_tab->outputpics3);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -242,7 +242,7 @@ private slots:
     {
         startWindow("phone.asf");
         openTable(kTable);
-        row(Logo)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
         m_tab->outputpics3_Click();
         QVERIFY(m_dialogs->asked.filter("save").isEmpty());
         QVERIFY(m_dialogs->messages.empty());

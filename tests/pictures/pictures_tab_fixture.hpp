@@ -2,12 +2,14 @@
 // depth, its picture table, and the window driven through the dialogs double.
 #pragma once
 
+#include "app/list_cells.hpp"
 #include "app/qt_files.hpp"
 #include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
 
+#include <QTreeWidget>
 #include <QAction>
 #include <QCheckBox>
 #include <QDir>
@@ -19,7 +21,6 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
 
 namespace zevran::test {
 
@@ -96,13 +97,6 @@ inline QByteArray bmpHeader(int fileSize, int offset, int width, int height, int
            le(bits, 2) + le(compression, 4) + le(dataSize, 4) + le(3780, 4) + le(3780, 4) + le(0, 4) + le(0, 4);
 }
 
-inline QStringList rowTexts(const QTreeWidgetItem* item)
-{
-    QStringList cells;
-    for (int c = 0; c < 7; ++c) cells << item->text(c);
-    return cells;
-}
-
 // The window on a fresh program folder; each test starts it with the phone file it needs.
 class PicturesTabFixture : public zevran::test::WindowFixture {
 protected:
@@ -158,11 +152,9 @@ protected:
         m_tab->OpenPicTable->click();
     }
 
-    QTreeWidgetItem* row(int index) const { return m_tab->ListView5->topLevelItem(index); }
-
     void clickRow(int index)
     {
-        const QRect rect = m_tab->ListView5->visualItemRect(row(index));
+        const QRect rect = rowRect(m_tab->ListView5, index);
         QTest::mouseClick(m_tab->ListView5->viewport(), Qt::LeftButton, {}, rect.center());
     }
 

@@ -1,11 +1,13 @@
 // The strings tab through the dialogs double: the search in both encodings, the
 // edit list and its pop-up menu, and both outputs, on phone files the test writes.
+#include "app/list_cells.hpp"
 #include "app/qt_files.hpp"
 #include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
 
+#include <QTreeWidget>
 #include <QAction>
 #include <QCheckBox>
 #include <QLineEdit>
@@ -15,7 +17,6 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
 
 using zevran::app::Form1;
 using zevran::strings::StringsTab;
@@ -94,11 +95,8 @@ private:
 
     QStringList row(int index) const
     {
-        const QTreeWidgetItem* item = m_tab->ListView2->topLevelItem(index);
-        QStringList cells;
-        if (!item) return {"no row", QString::number(index)};
-        for (int column = 0; column < 5; ++column) cells << item->text(column);
-        return cells;
+        if (index >= rowCount(m_tab->ListView2)) return {"no row", QString::number(index)};
+        return rowTexts(m_tab->ListView2, index);
     }
 
     QAction* action(const char* name) const
@@ -287,14 +285,14 @@ private slots:
         add("Yo");
         search(kZhong);
         add(kWen);
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 3);
+        QCOMPARE(rowCount(m_tab->ListView2), 3);
         QCOMPARE(row(0), QStringList({"01", "00000010", "00000013", "Cat ", "4"}));
         QCOMPARE(row(1), QStringList({"02", "00000040", "00000047", "Yo  ", "4"}));
         // 文 takes two of the string's four GBK bytes: two spaces fill the rest.
         QCOMPARE(row(2), QStringList({"03", "00000060", "00000063", kWen + "  ", "4"}));
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(m_tab->ListView2->topLevelItem(i)->flags() & Qt::ItemIsUserCheckable);
-            QCOMPARE(m_tab->ListView2->topLevelItem(i)->checkState(0), Qt::Checked);
+            QVERIFY(cellFlags(m_tab->ListView2, i, 0) & Qt::ItemIsUserCheckable);
+            QCOMPARE(checkState(m_tab->ListView2, i, 0), Qt::Checked);
         }
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -308,7 +306,7 @@ private slots:
         add("");
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{26, 25, 25}));
         QCOMPARE(m_dialogs->messages[1].kind, zevran::app::MessageKind::Warning);
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView2), 0);
     }
 
     void replacementThatCannotFillItsStringIsRefused()
@@ -325,7 +323,7 @@ private slots:
         add("A");
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 0}));
         QVERIFY2(m_dialogs->messages[1].text.contains("odd count"), qPrintable(m_dialogs->messages[1].text));
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView2), 0);
     }
 
     void removeOneTakesTheSelectedRowAndNumbersAreKept()
@@ -336,10 +334,10 @@ private slots:
             add(replacement);
         }
         action("Removeone")->trigger();
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 3);
-        m_tab->ListView2->setCurrentItem(m_tab->ListView2->topLevelItem(1));
+        QCOMPARE(rowCount(m_tab->ListView2), 3);
+        setCurrentRow(m_tab->ListView2, 1);
         action("Removeone")->trigger();
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 2);
+        QCOMPARE(rowCount(m_tab->ListView2), 2);
         QCOMPARE(row(0), QStringList({"01", "00000010", "00000013", "A   ", "4"}));
         QCOMPARE(row(1), QStringList({"03", "00000030", "00000033", "C   ", "4"}));
         // A later row takes the count of rows plus one, so numbers may repeat.
@@ -348,7 +346,7 @@ private slots:
         add("D");
         QCOMPARE(row(2), QStringList({"03", "00000010", "00000013", "D   ", "4"}));
         action("Removeall")->trigger();
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView2), 0);
         QCOMPARE(itemsEnabled(), QList<bool>({false, false, false, false}));
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -361,12 +359,11 @@ private slots:
         search("Menu");
         add("Cat");
         QCOMPARE(itemsEnabled(), QList<bool>({false, true, true, false}));
-        QTreeWidgetItem* item = m_tab->ListView2->topLevelItem(0);
-        m_tab->ListView2->setCurrentItem(item);
+        setCurrentRow(m_tab->ListView2, 0);
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, true, false}));
-        item->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView2, 0, 0, Qt::Unchecked);
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, false, false}));
-        item->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView2, 0, 0, Qt::Checked);
         // The list outlives the phone file: opening another kind moves the output over.
         open("phone.asf");
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, false, true}));
@@ -393,11 +390,11 @@ private slots:
         open("phone.bin");
         search("Menu");
         add("Cat");
-        m_tab->ListView2->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView2, 0, 0, Qt::Unchecked);
         m_dialogs->files.push_back(path("never.s3"));
         action("outputStrS3")->trigger();
         m_tab->outputStrS3_Click();
-        m_tab->ListView2->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView2, 0, 0, Qt::Checked);
         m_tab->outputStraxf_Click();
         QVERIFY(m_dialogs->asked.isEmpty());
         QVERIFY(m_dialogs->messages.empty());
@@ -414,7 +411,7 @@ private slots:
         add("Food");
         m_tab->SeachString->click();
         add("Bar");
-        m_tab->ListView2->topLevelItem(2)->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView2, 2, 0, Qt::Unchecked);
         search(kZhong);
         add(kWen);
         QVERIFY(m_tab->Option4->isChecked());
@@ -433,7 +430,7 @@ private slots:
         QCOMPARE(m_dialogs->asked, QStringList({"save " + m_home.path() + "||2"}));
         QCOMPARE(m_window->settings().S3SavePath, path("patches"));
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 4);
+        QCOMPARE(rowCount(m_tab->ListView2), 4);
     }
 
     void sRecordPatchInHandsetCodes()
@@ -487,7 +484,7 @@ private slots:
         add("Cat");
         search("Hi", true);
         add("Yo");
-        m_tab->ListView2->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView2, 1, 0, Qt::Unchecked);
         QVERIFY(!saveButton()->isEnabled());
         action("outputStraxf")->trigger();
         QByteArray expected = phoneImage();
@@ -500,7 +497,7 @@ private slots:
         saveButton()->trigger();
         QCOMPARE(readBytes(path("phone.asf")), expected);
         // The rows stay, and the patched string is found as it now reads.
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 2);
+        QCOMPARE(rowCount(m_tab->ListView2), 2);
         m_tab->SearchBegin->setChecked(true);
         search("Cat");
         QCOMPARE(found(), QStringList({"00000010", "00000013", "4", "1"}));

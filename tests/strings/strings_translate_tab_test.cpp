@@ -1,12 +1,14 @@
 // The strings tab's translation frame through the dialogs double: "Export all
 // strings...", "Import translation..." filling the edit list and the list of entries
 // that do not fit, the report, and the outputs of imported rows with undo.
+#include "app/list_cells.hpp"
 #include "app/qt_files.hpp"
 #include "app/window_fixture.hpp"
 
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
 
+#include <QTreeWidget>
 #include <QAction>
 #include <QMenu>
 #include <QProgressBar>
@@ -16,7 +18,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QFile>
-#include <QTreeWidget>
 
 using zevran::app::Form1;
 using zevran::app::MessageKind;
@@ -66,12 +67,11 @@ private:
         m_tab->ImportTranslation->click();
     }
 
-    QStringList cells(QTreeWidget* list, int index, int columns) const
+    QStringList cells(const QAbstractItemView* list, int index, int columns) const
     {
-        const QTreeWidgetItem* item = list->topLevelItem(index);
         QStringList shown;
-        if (!item) return {"no row", QString::number(index)};
-        for (int column = 0; column < columns; ++column) shown << item->text(column);
+        if (index >= rowCount(list)) return {"no row", QString::number(index)};
+        for (int column = 0; column < columns; ++column) shown << cellText(list, index, column);
         return shown;
     }
 
@@ -149,13 +149,13 @@ private slots:
     {
         open("phone.bin");
         importTranslation();
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 2);
+        QCOMPARE(rowCount(m_tab->ListView2), 2);
         QCOMPARE(cells(m_tab->ListView2, 0, 5),
                  QStringList({"01", "00000010", "00000013", QString::fromUtf8("菜单"), "4"}));
         QCOMPARE(cells(m_tab->ListView2, 1, 5),
                  QStringList({"02", "00000024", "00000027", QString::fromUtf8("是 "), "2"}));
-        QCOMPARE(m_tab->ListView2->topLevelItem(1)->checkState(0), Qt::Checked);
-        QCOMPARE(m_tab->ListViewRefused->topLevelItemCount(), 1);
+        QCOMPARE(checkState(m_tab->ListView2, 1, 0), Qt::Checked);
+        QCOMPARE(rowCount(m_tab->ListViewRefused), 1);
         QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
                  QStringList({"0x00000015 single", "Settings", "Settings++", "over budget by 2 bytes"}));
         QCOMPARE(m_dialogs->messages.back().text,
@@ -214,7 +214,7 @@ private slots:
                                             "0x00000024,handset,OK,\xEA\x84\xA3\r\n"
                                             "0x0000001E,single,Bock,Zurueck\r\n"
                                             "0x00100000,single,Far,Near\r\n"));
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView2), 0);
         QCOMPARE(cells(m_tab->ListViewRefused, 0, 4).last(), "character U+A123 not encodable");
         QCOMPARE(cells(m_tab->ListViewRefused, 1, 4).last(), "stored text changed");
         QCOMPARE(cells(m_tab->ListViewRefused, 2, 4).last(), "address outside the image");
@@ -228,7 +228,7 @@ private slots:
         QCOMPARE(m_dialogs->messages[0].text,
                  path("zh.csv") +
                      ", line 2: \"0x10 single\" is no entry key (\"0x\", eight hex digits, then single or handset)");
-        QCOMPARE(m_tab->ListView2->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView2), 0);
     }
 };
 

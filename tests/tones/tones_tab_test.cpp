@@ -1,5 +1,6 @@
 // The ring-tone tab through the dialogs double: scan, tone tables, export, notes, the
 // file browser, the replacement plan and both patch outputs.
+#include "app/list_cells.hpp"
 #include "app/qt_files.hpp"
 #include "app/window_fixture.hpp"
 
@@ -8,6 +9,7 @@
 #include "tones/tone_check.hpp"
 #include "tones/ui/tones_tab.hpp"
 
+#include <QTreeWidget>
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
@@ -20,7 +22,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <QTreeWidget>
 
 using zevran::app::Form1;
 using zevran::test::readBytes;
@@ -85,14 +86,10 @@ QByteArray phoneImage()
     return image;
 }
 
-QStringList rowTexts(const QTreeWidget* list)
+QStringList listTexts(const QAbstractItemView* list)
 {
     QStringList rows;
-    for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        QStringList cells;
-        for (int c = 0; c < list->columnCount(); ++c) cells << list->topLevelItem(i)->text(c);
-        rows << cells.join('|');
-    }
+    for (int i = 0; i < rowCount(list); ++i) rows << rowTexts(list, i).join('|');
     return rows;
 }
 
@@ -126,11 +123,7 @@ private:
         m_window->openPhoneFile(path(name));
     }
 
-    void select(QTreeWidget* list, std::initializer_list<int> rows)
-    {
-        list->clearSelection();
-        for (int row : rows) list->topLevelItem(row)->setSelected(true);
-    }
+    void select(QAbstractItemView* list, std::initializer_list<int> rows) { selectRows(list, rows); }
 
     // Files a (120 bytes), b (101) and c (300) in the listed folder, then a plan
     // pairing a with tone 001 and c with tone 003, both checked.
@@ -145,7 +138,7 @@ private:
         action("addmmf")->trigger();
         select(m_tab->ListView4, {0, 2});
         action("addaddress")->trigger();
-        for (int i = 0; i < 2; ++i) m_tab->ListView3->topLevelItem(i)->setCheckState(0, Qt::Checked);
+        for (int i = 0; i < 2; ++i) setCheckState(m_tab->ListView3, i, 0, Qt::Checked);
     }
 
 private slots:
@@ -172,18 +165,18 @@ private slots:
         action("addmmf")->trigger();
         select(m_tab->ListView4, {0});
         action("addaddress")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
         m_window->languagNum_Click(2);
-        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 octets|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 octets|001 0x00000100 - 0x0000019F 160 "});
         m_window->languagNum_Click(1);
-        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
     }
 
     void scanWithoutPhoneFileShowsMessage3()
     {
         m_tab->GetTone->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{3});
-        QCOMPARE(m_tab->ListView4->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView4), 0);
     }
 
     void scanListsEveryToneInRange()
@@ -192,12 +185,12 @@ private slots:
         m_tab->GetTone->click();
         const QStringList expected{"001|0x00000100|0x0000019F|160|", "002|0x00000500|0x00000564|101|",
                                    "003|0x00001234|0x00001333|256|"};
-        QCOMPARE(rowTexts(m_tab->ListView4), expected);
+        QCOMPARE(listTexts(m_tab->ListView4), expected);
         QCOMPARE(m_tab->ToneCount->text(), QString("3 tones found"));
         QVERIFY(!m_tab->ProgressBar1->isVisible());
         QCOMPARE(m_tab->ProgressBar1->value(), 1);
         m_tab->GetTone->click();
-        QCOMPARE(rowTexts(m_tab->ListView4), expected);
+        QCOMPARE(listTexts(m_tab->ListView4), expected);
         QCOMPARE(m_window->imageState().LastMatch, 0);
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -263,7 +256,7 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        m_tab->ListView4->topLevelItem(0)->setText(4, "ring1");
+        setCellText(m_tab->ListView4, 0, 4, "ring1");
         m_dialogs->files = {path("tones.txt")};
         m_tab->SaveToneTable->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{6});
@@ -281,7 +274,7 @@ private slots:
         writeBytes(path("in.txt"), table);
         m_dialogs->files = {path("in.txt"), path("out.txt")};
         m_tab->OpenToneTable->click();
-        QCOMPARE(rowTexts(m_tab->ListView4),
+        QCOMPARE(listTexts(m_tab->ListView4),
                  (QStringList{"001|0x00000100|0x0000019F|160|ring1", "002|0x00001234|0x00001333|256|"}));
         m_tab->SaveToneTable->click();
         QCOMPARE(readBytes(path("out.txt")), QByteArray(table).replace("\r\n\r\n", "\r\n"));
@@ -300,7 +293,7 @@ private slots:
                    " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x1\r\n 003 : 0x2 - 0x3  Size: 4 \t\r\n");
         m_dialogs->files = {path("in.txt")};
         m_tab->OpenToneTable->click();
-        QCOMPARE(rowTexts(m_tab->ListView4), QStringList{"001|0x00000100|0x0000019F|160|"});
+        QCOMPARE(listTexts(m_tab->ListView4), QStringList{"001|0x00000100|0x0000019F|160|"});
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages.front().text.contains("line 2"));
     }
@@ -376,29 +369,27 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        QTreeWidgetItem* row = m_tab->ListView4->topLevelItem(1);
         select(m_tab->ListView4, {1});
-        emit m_tab->ListView4->itemDoubleClicked(row, 0);
+        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 1, 0));
         QVERIFY(!m_tab->Text5->isHidden());
         m_tab->Text5->setText("alarm");
         emit m_tab->Text5->editingFinished();
         QVERIFY(m_tab->Text5->isHidden());
-        QCOMPARE(row->text(4), QString("alarm"));
+        QCOMPARE(cellText(m_tab->ListView4, 1, 4), QString("alarm"));
     }
 
     void escapeCancelsTheNoteEdit()
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        QTreeWidgetItem* row = m_tab->ListView4->topLevelItem(1);
-        row->setText(4, "ring");
+        setCellText(m_tab->ListView4, 1, 4, "ring");
         select(m_tab->ListView4, {1});
-        emit m_tab->ListView4->itemDoubleClicked(row, 0);
+        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 1, 0));
         m_tab->Text5->setText("alarm");
         QTest::keyClick(m_tab->Text5, Qt::Key_Escape);
         QVERIFY(m_tab->Text5->isHidden());
         emit m_tab->Text5->editingFinished();
-        QCOMPARE(row->text(4), QString("ring"));
+        QCOMPARE(cellText(m_tab->ListView4, 1, 4), QString("ring"));
     }
 
     void browserListsToneFilesAndSortsByNameOrSizeAsText()
@@ -409,15 +400,15 @@ private slots:
         writeBytes(path("tones/c.mmf"), QByteArray(300, 'C'));
         writeBytes(path("tones/notes.txt"), "x");
         m_tab->showToneFiles(path("tones"));
-        QCOMPARE(rowTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
         emit m_tab->ListView1->header()->sectionClicked(1);
-        QCOMPARE(rowTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
         emit m_tab->ListView1->header()->sectionClicked(1);
-        QCOMPARE(rowTexts(m_tab->ListView1), (QStringList{"c.mmf|300", "b.mmf|101", "A.MMF|1000"}));
+        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"c.mmf|300", "b.mmf|101", "A.MMF|1000"}));
         // A caption other than "Name" or "Size" only flips the order of the sorted column.
-        m_tab->ListView1->headerItem()->setText(0, "Nom");
+        setHeaderText(m_tab->ListView1, 0, "Nom");
         emit m_tab->ListView1->header()->sectionClicked(0);
-        QCOMPARE(rowTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
     }
 
     void doubleClickPlaysTheToneFile()
@@ -427,7 +418,7 @@ private slots:
         m_tab->showToneFiles(path("tones"));
         QStringList played;
         m_tab->playFile = [&played](const QString& file) { played << file; };
-        emit m_tab->ListView1->itemDoubleClicked(m_tab->ListView1->topLevelItem(0), 0);
+        emit m_tab->ListView1->doubleClicked(cellIndex(m_tab->ListView1, 0, 0));
         QCOMPARE(played, QStringList{path("tones/b.mmf")});
     }
 
@@ -446,13 +437,13 @@ private slots:
         action("addmmf")->trigger();
         select(m_tab->ListView4, {0, 2});
         action("addaddress")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3),
+        QCOMPARE(listTexts(m_tab->ListView3),
                  (QStringList{"001|c.mmf 110 字节|", "002|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 ",
                               "003|b.mmf 110 字节|003 0x00001234 - 0x00001333 256 "}));
-        m_tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
-        QCOMPARE(m_tab->ListView3->topLevelItem(0)->checkState(0), Qt::Unchecked);
-        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Checked);
-        QCOMPARE(m_tab->ListView3->topLevelItem(1)->checkState(0), Qt::Checked);
+        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
+        QCOMPARE(checkState(m_tab->ListView3, 0, 0), Qt::Unchecked);
+        setCheckState(m_tab->ListView3, 1, 0, Qt::Checked);
+        QCOMPARE(checkState(m_tab->ListView3, 1, 0), Qt::Checked);
     }
 
     void removeCommandsKeepNumbersWithoutGaps()
@@ -461,17 +452,17 @@ private slots:
         planTwoPairs();
         select(m_tab->ListView3, {0});
         action("movemmf")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3), (QStringList{"001||001 0x00000100 - 0x0000019F 160 ",
-                                                          "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
-        QCOMPARE(m_tab->ListView3->topLevelItem(0)->checkState(0), Qt::Unchecked);
+        QCOMPARE(listTexts(m_tab->ListView3), (QStringList{"001||001 0x00000100 - 0x0000019F 160 ",
+                                                           "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
+        QCOMPARE(checkState(m_tab->ListView3, 0, 0), Qt::Unchecked);
         select(m_tab->ListView3, {0});
         action("moveaddress")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "});
+        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "});
         action("movealladdress")->trigger();
-        QCOMPARE(rowTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|"});
+        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|"});
         select(m_tab->ListView3, {0});
         action("moveone")->trigger();
-        QCOMPARE(m_tab->ListView3->topLevelItemCount(), 0);
+        QCOMPARE(rowCount(m_tab->ListView3), 0);
     }
 
     void planMenuEnablesByRowsSelectionAndKind()
@@ -501,7 +492,7 @@ private slots:
         m_tab->showToneFiles(path("tones"));
         select(m_tab->ListView1, {1});
         action("addmmf")->trigger();
-        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView3, 1, 0, Qt::Checked);
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
@@ -536,10 +527,10 @@ private slots:
     {
         openPhone("phone.bin");
         planTwoPairs();
-        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView3, 1, 0, Qt::Unchecked);
         // An empty tone into a slot of 0 bytes (a hand-made table): sizes pass, the slot is empty.
-        m_tab->ListView3->topLevelItem(0)->setText(1, QString::fromUtf8("a.mmf 0 字节"));
-        m_tab->ListView3->topLevelItem(0)->setText(2, "001 0x00000100 - 0x0000019F 0 ");
+        setCellText(m_tab->ListView3, 0, 1, QString::fromUtf8("a.mmf 0 字节"));
+        setCellText(m_tab->ListView3, 0, 2, "001 0x00000100 - 0x0000019F 0 ");
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
         QCOMPARE(m_dialogs->asked.size(), 1);
@@ -550,7 +541,7 @@ private slots:
     {
         openPhone("phone.asf");
         planTwoPairs();
-        m_tab->ListView3->topLevelItem(1)->setCheckState(0, Qt::Unchecked);
+        setCheckState(m_tab->ListView3, 1, 0, Qt::Unchecked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{13});
         const std::vector<std::uint8_t>& image = m_window->imageState().FirmwareImage;
@@ -575,7 +566,7 @@ private slots:
     {
         openPhone("phone.asf");
         planTwoPairs();
-        for (int i = 0; i < 2; ++i) m_tab->ListView3->topLevelItem(i)->setCheckState(0, Qt::Unchecked);
+        for (int i = 0; i < 2; ++i) setCheckState(m_tab->ListView3, i, 0, Qt::Unchecked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{11});
         QVERIFY(!action("Save")->isEnabled());
@@ -643,7 +634,7 @@ private slots:
         action("addmmf")->trigger();
         select(m_tab->ListView4, {0});
         action("addaddress")->trigger();
-        m_tab->ListView3->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages.front().text.contains("outside the image"));
