@@ -9,6 +9,8 @@
 #include <QAction>
 #include <QMenu>
 #include <QTabWidget>
+#include <QAbstractItemView>
+#include <QItemSelectionModel>
 #include <QTreeWidget>
 #include <algorithm>
 
@@ -52,7 +54,8 @@ void BytesLink::addShowBytes(QMenu* menu, OwnerKind kind)
     item->setObjectName("ShowBytes");
     connect(item, &QAction::triggered, this, [this, kind] { showRowBytes(kind); });
     // Enabled for a selected row only, checked as the menu opens.
-    connect(menu, &QMenu::aboutToShow, item, [this, item, kind] { item->setEnabled(listOf(kind)->currentItem()); });
+    connect(menu, &QMenu::aboutToShow, item,
+            [this, item, kind] { item->setEnabled(listOf(kind)->currentIndex().isValid()); });
     m_showBytes.push_back(item);
 }
 
@@ -114,7 +117,7 @@ std::vector<ByteOwner> BytesLink::ownedRanges() const
     return all;
 }
 
-QTreeWidget* BytesLink::listOf(OwnerKind kind) const
+QAbstractItemView* BytesLink::listOf(OwnerKind kind) const
 {
     switch (kind) {
     case OwnerKind::Tone: return m_lists.tones->ListView4;
@@ -136,19 +139,17 @@ QWidget* BytesLink::tabOf(OwnerKind kind) const
 
 void BytesLink::showOwner(const ByteOwner& owner)
 {
-    QTreeWidget* list = listOf(owner.kind);
-    QTreeWidgetItem* row = list->topLevelItem(owner.row);
-    if (!row) return;
+    QAbstractItemView* list = listOf(owner.kind);
+    const QModelIndex row = list->model()->index(owner.row, 0);
+    if (!row.isValid()) return;
     m_tabs->setCurrentWidget(tabOf(owner.kind));
-    list->clearSelection();
-    list->setCurrentItem(row);
-    list->scrollToItem(row);
+    list->selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    list->scrollTo(row);
 }
 
 void BytesLink::showRowBytes(OwnerKind kind)
 {
-    QTreeWidget* list = listOf(kind);
-    const int row = list->indexOfTopLevelItem(list->currentItem());
+    const int row = listOf(kind)->currentIndex().row();
     if (row < 0) return;
     // A picture row owns its frames one after another: the view selects them all.
     std::int64_t first = -1;

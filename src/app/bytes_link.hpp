@@ -13,7 +13,7 @@
 class QAction;
 class QMenu;
 class QTabWidget;
-class QTreeWidget;
+class QAbstractItemView;
 
 namespace zevran::tones {
 class TonesTab;
@@ -63,7 +63,7 @@ public:
     void showRowBytes(image::OwnerKind kind);
 
 private:
-    QTreeWidget* listOf(image::OwnerKind kind) const;
+    QAbstractItemView* listOf(image::OwnerKind kind) const;
     QWidget* tabOf(image::OwnerKind kind) const;
     std::vector<image::ByteOwner> rangesOf(image::OwnerKind kind) const;
     void addShowBytes(QMenu* menu, image::OwnerKind kind);

@@ -15,7 +15,7 @@
 #include <QMenu>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QTreeWidget>
+#include <QAbstractItemView>
 
 #include <array>
 #include <functional>
@@ -49,7 +49,8 @@ std::function<void(const QString&)> labelOf(QWidget* window, const char* tabName
         auto* tab = window->findChild<QWidget*>(tabName);
         if (!tab) return;
         if (column >= 0) {
-            if (auto* view = tab->findChild<QTreeWidget*>(name)) view->headerItem()->setText(column, text);
+            if (auto* view = tab->findChild<QAbstractItemView*>(name))
+                view->model()->setHeaderData(column, Qt::Horizontal, text, Qt::EditRole);
             return;
         }
         for (QObject* target : tab->findChildren<QObject*>(name)) setCaption(target, text);
