@@ -79,7 +79,7 @@ int runImportPicture(const std::vector<std::string>& words, const Context& conte
     if (args.has("--in-place") && state.FileKind != "asf")
         throw std::runtime_error(phonePath + ": only an \"asf\" phone file is changed in place; this one is \"" +
                                  state.FileKind + "\" (write a patch with -o)");
-    if (args.has("-o")) refusePhoneFile(phonePath, *args.value("-o"));
+    if (args.has("-o")) document.refuseAsOutput(*args.value("-o"));
     const auto rows = openPictureTable(tablePath, args.has("--recompute-size"));
     const PictureEntry& entry = pictureRow(rows, rowNumber, tablePath);
 

@@ -49,7 +49,7 @@ int runExportStrings(const std::vector<std::string>& words, const Context& conte
     }
     const image::PhoneDocument document = openPhoneFile(phonePath);
     const image::ImageState& state = document.state();
-    refusePhoneFile(phonePath, outPath);
+    document.refuseAsOutput(outPath);
     const ExtractResult result = extractStrings(state.FirmwareImage, options);
     writeTranslationFile(outPath, result.strings, FileNameOf(phonePath));
     std::size_t handset = 0;
@@ -95,7 +95,7 @@ int runImportStrings(const std::vector<std::string>& words, const Context& conte
     image::ImageState& state = document.state();
     requireOutputForKind(args, state, phonePath);
     for (const char* output : {"-o", "--report"})
-        if (args.has(output)) refusePhoneFile(phonePath, *args.value(output));
+        if (args.has(output)) document.refuseAsOutput(*args.value(output));
     const std::vector<TranslationEntry> entries = readTranslations(translationPath);
     const ImportResult result = importTranslations(state.FirmwareImage, entries, codePageOf(context));
     if (args.has("--report")) writeReport(*args.value("--report"), result);

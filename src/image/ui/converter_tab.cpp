@@ -216,7 +216,7 @@ void ConverterTab::convertS3ToBin()
         requireRegularFile(input);
         in = openInputFile(input);
         refuseSameFile(input, output);
-        refusePhoneFile(m_host->imageState().FirmwarePath, output);
+        m_host->document().refuseAsOutput(output);
         if (!mayWrite(output)) return;
         // Departure: the bytes go to a temporary file renamed over the output when
         // done, so a stop or a failure leaves an existing file as it was.
@@ -296,7 +296,7 @@ void ConverterTab::ComBinToS3_Click()
             check.start = 0;
             check.end = wholeFileLastAddress(fields.inputPath);
         }
-        refusePhoneFile(m_host->imageState().FirmwarePath, output);
+        m_host->document().refuseAsOutput(output);
         // The save dialog of the fill-only mode has asked already.
         if (fields.mode != BinToS3Mode::FillOnly && !mayWrite(output)) return;
         TemporaryOutput out(output, kConvertingMarker);
