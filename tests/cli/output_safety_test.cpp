@@ -143,3 +143,72 @@ TEST(OutputSafety, ConversionFailingPartWaySaysNothingWasWrittenToItsOutput)
     EXPECT_TRUE(failedWith(result, {"in.s3: line 3", "nothing was written to out.bin"}));
     EXPECT_EQ(readText(folder.path("out.bin")), kOldOutput);
 }
+
+namespace {
+
+// A command asked to write over the phone file it reads, by its own name or by another
+// name of the same file (a hard link).
+struct OverThePhoneFile {
+    std::string name;
+    std::vector<std::pair<std::string, Bytes>> inputs;
+    std::string otherName;  // a hard link to image.bin, or "" for none
+    std::vector<std::string> args;
+};
+
+std::ostream& operator<<(std::ostream& out, const OverThePhoneFile& run) { return out << run.name; }
+
+const Bytes kTranslation = text("address,encoding,source,target\r\n0x00000010,single,ZZ,AB\r\n");
+
+std::vector<OverThePhoneFile> runsOverThePhoneFile()
+{
+    return {
+        {"patch-strings",
+         {{"plan.txt", text("00000004 00000005 ab\n")}},
+         "",
+         {"patch-strings", "image.bin", "plan.txt", "-o", "image.bin"}},
+        {"picture-patch",
+         {{"table.txt", kTwoFrameTable}},
+         "",
+         {"picture-patch", "image.bin", "table.txt", "--rows", "1", "-o", "image.bin"}},
+        {"import-picture",
+         {{"table.txt", kTwoFrameTable}, {"notes.png", text("not a picture")}},
+         "same.s3",
+         {"import-picture", "image.bin", "table.txt", "1", "--from", "notes.png", "-o", "same.s3"}},
+        {"export-strings", {}, "same.csv", {"export-strings", "image.bin", "-o", "same.csv"}},
+        {"import-strings",
+         {{"zh.csv", kTranslation}},
+         "",
+         {"import-strings", "image.bin", "zh.csv", "-o", "image.bin"}},
+        {"import-strings report",
+         {{"zh.csv", kTranslation}},
+         "same.csv",
+         {"import-strings", "image.bin", "zh.csv", "-o", "out.s3", "--report", "same.csv"}},
+    };
+}
+
+class PhoneFileAsOutput : public ::testing::TestWithParam<OverThePhoneFile> {};
+
+}  // namespace
+
+TEST_P(PhoneFileAsOutput, IsRefusedAndNothingIsWritten)
+{
+    const OverThePhoneFile& run = GetParam();
+    TempFolder folder;
+    writeFile(folder.path("image.bin"), kImage);
+    for (const auto& [name, bytes] : run.inputs) writeFile(folder.path(name), bytes);
+    if (!run.otherName.empty()) std::filesystem::create_hard_link(folder.path("image.bin"), folder.path(run.otherName));
+    const std::vector<std::string> before = namesBelow(folder);
+    std::vector<std::string> args = {"--home", folder.root().string()};
+    args.insert(args.end(), run.args.begin(), run.args.end());
+    EXPECT_TRUE(failedWith(runCli(folder, args), {"is the phone file open in the workshop"}));
+    EXPECT_EQ(readBytes(folder.path("image.bin")), kImage);
+    EXPECT_EQ(namesBelow(folder), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCommandReadingAPhoneFile, PhoneFileAsOutput, ::testing::ValuesIn(runsOverThePhoneFile()),
+                         [](const auto& row) {
+                             std::string name = row.param.name;
+                             std::replace_if(
+                                 name.begin(), name.end(), [](char c) { return c == '-' || c == ' '; }, '_');
+                             return name;
+                         });
