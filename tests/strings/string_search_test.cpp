@@ -16,11 +16,28 @@ ImageState imageOf(const std::string& text)
 
 }  // namespace
 
-TEST(SearchPattern, SingleByteCodes) { EXPECT_EQ(searchPattern("OK", false), "4F4B"); }
-TEST(SearchPattern, HandsetCodes) { EXPECT_EQ(searchPattern("Hi", true), "A148A169"); }
-TEST(SearchPattern, ChineseInSingleByteCodesIsItsGbkCode) { EXPECT_EQ(searchPattern("\xE4\xB8\xAD", false), "D6D0"); }
-TEST(SearchPattern, ChineseInHandsetCodesIsItsCodeUnit) { EXPECT_EQ(searchPattern("\xE4\xB8\xAD", true), "4E2D"); }
-TEST(SearchPattern, ControlCodeBelow10IsOneDigit) { EXPECT_EQ(searchPattern("\x05", false), "5"); }
+struct PatternCase {
+    std::string name;
+    std::string text;  // UTF-8
+    bool handset;
+    std::string pattern;
+};
+
+class SearchPattern : public ::testing::TestWithParam<PatternCase> {};
+
+TEST_P(SearchPattern, IsTheHexOfTheStoredCodes)
+{
+    EXPECT_EQ(searchPattern(GetParam().text, GetParam().handset), GetParam().pattern);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, SearchPattern,
+    ::testing::Values(PatternCase{"SingleByteCodes", "OK", false, "4F4B"},
+                      PatternCase{"HandsetCodes", "Hi", true, "A148A169"},
+                      PatternCase{"ChineseInSingleByteCodesIsItsGbkCode", "\xE4\xB8\xAD", false, "D6D0"},
+                      PatternCase{"ChineseInHandsetCodesIsItsCodeUnit", "\xE4\xB8\xAD", true, "4E2D"},
+                      PatternCase{"ControlCodeBelow10IsOneDigit", "\x05", false, "5"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(FindNextString, ThreeOccurrencesAreWalkedThenMissedThenWrapped)
 {
@@ -59,47 +76,47 @@ TEST(FindNextString, StartingFromTheBeginningEveryTimeShowsTheFirst)
     }
 }
 
-TEST(FindNextString, MatchFollowedByZeroIsMeasuredInBytes)
+// The first hit of a search in a small image: where the stored string starts and ends
+// (at the byte before its zero) and its length, in bytes or in handset characters.
+struct FirstHitCase {
+    std::string name;
+    std::string image;
+    std::string pattern;
+    bool handset;
+    std::string start, end, length;
+    int maxLength;
+};
+
+class FindFirstString : public ::testing::TestWithParam<FirstHitCase> {};
+
+TEST_P(FindFirstString, MeasuresTheStoredStringToItsZero)
 {
-    ImageState state = imageOf(std::string("\0OK\0", 4));
+    const FirstHitCase& hitCase = GetParam();
+    ImageState state = imageOf(hitCase.image);
     int count = 0;
-    auto hit = findNextString(state, "4F4B", false, count);
+    const auto hit = findNextString(state, hitCase.pattern, hitCase.handset, count);
     ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text10, "00000001");
-    EXPECT_EQ(hit->Text9, "00000002");
-    EXPECT_EQ(hit->Text8, "2");
-    EXPECT_EQ(hit->maxLength, 2);
+    EXPECT_EQ(hit->Text10, hitCase.start);
+    EXPECT_EQ(hit->Text9, hitCase.end);
+    EXPECT_EQ(hit->Text8, hitCase.length);
+    EXPECT_EQ(hit->maxLength, hitCase.maxLength);
+    EXPECT_EQ(count, 1);
 }
 
-TEST(FindNextString, StoredStringRunsOnToItsZero)
-{
-    ImageState state = imageOf(std::string("\0OKAY\0", 6));
-    int count = 0;
-    auto hit = findNextString(state, "4F4B", false, count);
-    ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text9, "00000004");
-    EXPECT_EQ(hit->Text8, "4");
-}
-
-TEST(FindNextString, HandsetCodesMeasureCharacters)
-{
-    ImageState state = imageOf(std::string("\0\xA1H\xA1i\xA1 \xA1 \0", 10));
-    int count = 0;
-    auto hit = findNextString(state, "A148A169", true, count);
-    ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text8, "4");
-    EXPECT_EQ(hit->maxLength, 4);
-}
-
-TEST(FindNextString, OddByteCountShowsAHalfCharacter)
-{
-    ImageState state = imageOf(std::string("\0\xA1H\xA1i!\0", 7));
-    int count = 0;
-    auto hit = findNextString(state, "A148", true, count);
-    ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text8, "2.5");
-    EXPECT_EQ(hit->maxLength, 2);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Images, FindFirstString,
+    ::testing::Values(FirstHitCase{"MatchFollowedByZeroIsMeasuredInBytes", std::string("\0OK\0", 4), "4F4B", false,
+                                   "00000001", "00000002", "2", 2},
+                      FirstHitCase{"StoredStringRunsOnToItsZero", std::string("\0OKAY\0", 6), "4F4B", false, "00000001",
+                                   "00000004", "4", 4},
+                      FirstHitCase{"HandsetCodesMeasureCharacters", std::string("\0\xA1H\xA1i\xA1 \xA1 \0", 10),
+                                   "A148A169", true, "00000001", "00000008", "4", 4},
+                      FirstHitCase{"OddByteCountShowsAHalfCharacter", std::string("\0\xA1H\xA1i!\0", 7), "A148", true,
+                                   "00000001", "00000005", "2.5", 2},
+                      // "OK.OK" is one stored string: the first hit runs on to the zero at 6.
+                      FirstHitCase{"HitWithoutZeroIsSkippedForTheNextOne", std::string("\0OK.OK\0", 7), "4F4B", false,
+                                   "00000001", "00000005", "5", 5}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(FindNextString, HitRunningToTheEndIsCountedAndPassedOver)
 {
@@ -112,32 +129,32 @@ TEST(FindNextString, HitRunningToTheEndIsCountedAndPassedOver)
     EXPECT_EQ(count, 2);
 }
 
-TEST(FindNextString, HitWithoutZeroIsSkippedForTheNextOne)
+struct StoredTextCase {
+    std::string name;
+    std::vector<std::uint8_t> bytes;
+    bool handset;
+    std::string text;  // UTF-8
+};
+
+class StoredText : public ::testing::TestWithParam<StoredTextCase> {};
+
+TEST_P(StoredText, DecodesTheStoredCodes)
 {
-    ImageState state = imageOf(std::string("\0OK.OK\0", 7));
-    // "OK.OK" is one stored string; searching "4F4B2E" finds only the first, whose zero is at 6.
-    int count = 0;
-    auto hit = findNextString(state, "4F4B", false, count);
-    ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text9, "00000005");
+    EXPECT_EQ(storedText(GetParam().bytes, GetParam().handset), GetParam().text);
 }
 
-TEST(StoredText, HandsetCodesDecodeA1PairsAndCodeUnits)
-{
-    const std::vector<std::uint8_t> bytes{0xA1, 0x48, 0xA1, 0x69, 0x4E, 0x2D, 0xD8, 0x3D, 0xDE, 0x00, 0x21};
-    // "Hi", U+4E2D, U+1F600 from its surrogate pair; the odd last byte is left out.
-    EXPECT_EQ(storedText(bytes, true), "Hi\xE4\xB8\xAD\xF0\x9F\x98\x80");
-}
-
-TEST(StoredText, LoneSurrogateShowsAsReplacementCharacter)
-{
-    const std::vector<std::uint8_t> bytes{0xDC, 0x00, 0xA1, 0x41};
-    EXPECT_EQ(storedText(bytes, true), "\xEF\xBF\xBD"
-                                       "A");
-}
-
-TEST(StoredText, SingleByteCodesDecodeInTheCodePage)
-{
-    const std::vector<std::uint8_t> bytes{'O', 'K', 0xD6, 0xD0};
-    EXPECT_EQ(storedText(bytes, false), "OK\xE4\xB8\xAD");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Bytes, StoredText,
+    ::testing::Values(
+        // "Hi", U+4E2D, U+1F600 from its surrogate pair; the odd last byte is left out.
+        StoredTextCase{"HandsetCodesDecodeA1PairsAndCodeUnits",
+                       {0xA1, 0x48, 0xA1, 0x69, 0x4E, 0x2D, 0xD8, 0x3D, 0xDE, 0x00, 0x21},
+                       true,
+                       "Hi\xE4\xB8\xAD\xF0\x9F\x98\x80"},
+        StoredTextCase{"LoneSurrogateShowsAsReplacementCharacter",
+                       {0xDC, 0x00, 0xA1, 0x41},
+                       true,
+                       "\xEF\xBF\xBD"
+                       "A"},
+        StoredTextCase{"SingleByteCodesDecodeInTheCodePage", {'O', 'K', 0xD6, 0xD0}, false, "OK\xE4\xB8\xAD"}),
+    [](const auto& row) { return row.param.name; });

@@ -35,70 +35,58 @@ ImageState imageOf(std::vector<std::uint8_t> bytes)
 
 }  // namespace
 
-TEST(ToneScan, ToneAt0x1234OfSize256GivesItsRow)
+struct Signature {
+    std::size_t at;
+    std::uint32_t bodyLength;  // the size a header declares is this plus its own 8 bytes
+};
+
+// An image of zeros with signatures planted in order, and the rows its scan gives as
+// "number start end size".
+struct ScanCase {
+    std::string name;
+    std::size_t imageBytes;
+    std::vector<Signature> signatures;
+    std::vector<std::string> rows;
+};
+
+class ToneScanRows : public ::testing::TestWithParam<ScanCase> {};
+
+TEST_P(ToneScanRows, ListEveryAcceptedToneWithAnEmptyNote)
 {
-    std::vector<std::uint8_t> image(0x2000, 0);
-    plantSignature(image, 0x1234, 0x100 - 8);
+    std::vector<std::uint8_t> image(GetParam().imageBytes, 0);
+    for (const Signature& signature : GetParam().signatures) plantSignature(image, signature.at, signature.bodyLength);
     ImageState state = imageOf(image);
-    auto rows = scanTones(state);
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].number, "001");
-    EXPECT_EQ(rows[0].start, "0x00001234");
-    EXPECT_EQ(rows[0].end, "0x00001333");
-    EXPECT_EQ(rows[0].size, "256");
-    EXPECT_EQ(rows[0].note, "");
+    const std::vector<ToneSlot> rows = scanTones(state);
+    std::vector<std::string> lines;
+    for (const ToneSlot& row : rows) {
+        lines.push_back(row.number + " " + row.start + " " + row.end + " " + row.size);
+        EXPECT_EQ(row.note, "");
+    }
+    EXPECT_EQ(lines, GetParam().rows);
 }
 
-TEST(ToneScan, SignatureAtOffsetZeroIsNeverFound)
-{
-    std::vector<std::uint8_t> image(400, 0);
-    plantSignature(image, 0, 200);
-    ImageState state = imageOf(image);
-    EXPECT_TRUE(scanTones(state).empty());
-}
-
-TEST(ToneScan, DeclaredSizeMustLieFrom101To99999)
-{
-    std::vector<std::uint8_t> image(600000, 0);
-    plantSignature(image, 1000, 92);       // 100: too small
-    plantSignature(image, 2000, 93);       // 101
-    plantSignature(image, 3000, 99991);    // 99999
-    plantSignature(image, 200000, 99992);  // 100000: too large
-    ImageState state = imageOf(image);
-    auto rows = scanTones(state);
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].start, "0x000007D0");
-    EXPECT_EQ(rows[0].size, "101");
-    EXPECT_EQ(rows[1].number, "002");
-    EXPECT_EQ(rows[1].start, "0x00000BB8");
-    EXPECT_EQ(rows[1].size, "99999");
-}
-
-TEST(ToneScan, SignatureInsideAnAcceptedToneIsExaminedToo)
-{
-    std::vector<std::uint8_t> image(4000, 0);
-    plantSignature(image, 100, 1000);
-    plantSignature(image, 300, 200);
-    ImageState state = imageOf(image);
-    auto rows = scanTones(state);
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].start, "0x00000064");
-    EXPECT_EQ(rows[1].start, "0x0000012C");
-}
-
-TEST(ToneScan, SignaturesOneByteApartAreJudgedEachOnItsOwn)
-{
-    // The copy at 11 overwrites the first's last three bytes, leaving "MMMMD": the
-    // four bytes at 10 no longer form a signature, so only the copy at 11 is judged.
-    std::vector<std::uint8_t> image(2000, 0);
-    plantSignature(image, 10, 0);
-    plantSignature(image, 11, 150);
-    ImageState state = imageOf(image);
-    auto rows = scanTones(state);
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].start, "0x0000000B");
-    EXPECT_EQ(rows[0].size, "158");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Images, ToneScanRows,
+    ::testing::Values(
+        ScanCase{"ToneAt0x1234OfSize256GivesItsRow", 0x2000, {{0x1234, 0x100 - 8}}, {"001 0x00001234 0x00001333 256"}},
+        ScanCase{"SignatureAtOffsetZeroIsNeverFound", 400, {{0, 200}}, {}},
+        // Declared sizes 100 (too small), 101, 99999 and 100000 (too large).
+        ScanCase{"DeclaredSizeMustLieFrom101To99999",
+                 600000,
+                 {{1000, 92}, {2000, 93}, {3000, 99991}, {200000, 99992}},
+                 {"001 0x000007D0 0x00000834 101", "002 0x00000BB8 0x00019256 99999"}},
+        ScanCase{"SignatureInsideAnAcceptedToneIsExaminedToo",
+                 4000,
+                 {{100, 1000}, {300, 200}},
+                 {"001 0x00000064 0x00000453 1008", "002 0x0000012C 0x000001FB 208"}},
+        // The copy at 11 overwrites the first's last three bytes, leaving "MMMMD": the
+        // four bytes at 10 no longer form a signature, so only the copy at 11 is judged.
+        ScanCase{"SignaturesOneByteApartAreJudgedEachOnItsOwn",
+                 2000,
+                 {{10, 0}, {11, 150}},
+                 {"001 0x0000000B 0x000000A8 158"}},
+        ScanCase{"HugeDeclaredLengthIsRejectedWithoutOverflow", 100, {{5, 0xFFFFFFFF}}, {}}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(ToneScan, SignatureWhoseLengthFieldPassesTheEndIsNoTone)
 {
@@ -108,14 +96,6 @@ TEST(ToneScan, SignatureWhoseLengthFieldPassesTheEndIsNoTone)
     std::vector<std::int32_t> matches;
     EXPECT_TRUE(scanTones(state, [&](std::int32_t at) { matches.push_back(at); }).empty());
     EXPECT_EQ(matches, (std::vector<std::int32_t>{14}));
-}
-
-TEST(ToneScan, HugeDeclaredLengthIsRejectedWithoutOverflow)
-{
-    std::vector<std::uint8_t> image(100, 0);
-    plantSignature(image, 5, 0xFFFFFFFF);
-    ImageState state = imageOf(image);
-    EXPECT_TRUE(scanTones(state).empty());
 }
 
 TEST(ToneScan, ThousandthToneIsNumbered1000)
