@@ -7,6 +7,8 @@ namespace {
 
 const std::string kVersionMarker = "VersionString:";
 const std::string kRevisionMarker = "Rev S";
+// Version bytes are printed as they are stored, control and high bytes included.
+const std::string kRawVersion("\x01\xFE\x00 v\t\x7F\x80", 8);
 
 RunResult infoOf(const TempFolder& folder, const std::string& name, const std::string& content)
 {
@@ -42,105 +44,72 @@ INSTANTIATE_TEST_SUITE_P(Names, InfoKind,
                                            KindRow{"S3IsOther", "phone.s3", "other"}),
                          [](const ::testing::TestParamInfo<KindRow>& row) { return std::string(row.param.label); });
 
-TEST(InfoCommand, VersionIsTheEightBytesSeventeenAfterTheVersionStringMarker)
+// What info prints for a phone file of the given name and bytes.
+struct InfoCase {
+    std::string name;
+    std::string fileName;
+    std::string content;
+    std::string printed;
+};
+
+class InfoCommand : public ::testing::TestWithParam<InfoCase> {};
+
+TEST_P(InfoCommand, PrintsKindLengthAndVersion)
 {
     TempFolder folder;
-    // Marker at 2; 14 marker bytes and 3 more ("abc") come before the version.
-    const RunResult result = infoOf(folder, "phone.bin", "xx" + kVersionMarker + "abcV1.23.45tail");
+    const RunResult result = infoOf(folder, GetParam().fileName, GetParam().content);
     ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 31\nversion: V1.23.45\n");
+    EXPECT_EQ(result.out, GetParam().printed);
 }
 
-TEST(InfoCommand, VersionIsTheEightBytesTwelveBeforeTheRevSMarker)
-{
-    TempFolder folder;
-    // "Rev S" at 13: the version starts at 1, four more bytes lie between it and the marker.
-    const RunResult result = infoOf(folder, "phone.axf", "xABCDEFGH1234" + kRevisionMarker + "...");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: asf\nlength: 21\nversion: ABCDEFGH\n");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Files, InfoCommand,
+    ::testing::Values(
+        // Marker at 2; 14 marker bytes and 3 more ("abc") come before the version.
+        InfoCase{"VersionIsTheEightBytesSeventeenAfterTheVersionStringMarker", "phone.bin",
+                 "xx" + kVersionMarker + "abcV1.23.45tail", "kind: bin\nlength: 31\nversion: V1.23.45\n"},
+        // "Rev S" at 13: the version starts at 1, four more bytes lie between it and the marker.
+        InfoCase{"VersionIsTheEightBytesTwelveBeforeTheRevSMarker", "phone.axf",
+                 "xABCDEFGH1234" + kRevisionMarker + "...", "kind: asf\nlength: 21\nversion: ABCDEFGH\n"},
+        InfoCase{"VersionStringMarkerWinsOverRevS", "phone.bin",
+                 "xOLDVERSN1234" + kRevisionMarker + kVersionMarker + "---NEWVERSN",
+                 "kind: bin\nlength: 43\nversion: NEWVERSN\n"},
+        InfoCase{"NoMarkerGivesNone", "phone.bin", "Version String: Rev s", "kind: bin\nlength: 21\nversion: (none)\n"},
+        InfoCase{"VersionStringMarkerAtIndexZeroIsNeverFound", "phone.bin", kVersionMarker + "abcV1.23.45",
+                 "kind: bin\nlength: 25\nversion: (none)\n"},
+        InfoCase{"RevSMarkerAtIndexZeroIsNeverFound", "phone.bin", kRevisionMarker + "0123456789ABCDEF",
+                 "kind: bin\nlength: 21\nversion: (none)\n"},
+        InfoCase{"VersionStringWithExactlyTwentyFiveBytesToTheEndIsRead", "phone.bin",
+                 "x" + kVersionMarker + "abc12345678", "kind: bin\nlength: 26\nversion: 12345678\n"},
+        InfoCase{"RevSAtIndexTwelveReadsTheFirstEightBytes", "phone.bin", "ABCDEFGH1234" + kRevisionMarker,
+                 "kind: bin\nlength: 17\nversion: ABCDEFGH\n"},
+        InfoCase{"VersionBytesAreCopiedAsTheyAre", "phone.bin",
+                 std::string("\x00", 1) + kVersionMarker + std::string(3, '\0') + kRawVersion,
+                 "kind: bin\nlength: 26\nversion: " + kRawVersion + "\n"}),
+    [](const auto& row) { return row.param.name; });
 
-TEST(InfoCommand, VersionStringMarkerWinsOverRevS)
-{
-    TempFolder folder;
-    const RunResult result =
-        infoOf(folder, "phone.bin", "xOLDVERSN1234" + kRevisionMarker + kVersionMarker + "---NEWVERSN");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 43\nversion: NEWVERSN\n");
-}
-
-TEST(InfoCommand, NoMarkerGivesNone)
-{
-    TempFolder folder;
-    const RunResult result = infoOf(folder, "phone.bin", "Version String: Rev s");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 21\nversion: (none)\n");
-}
-
-TEST(InfoCommand, VersionStringMarkerAtIndexZeroIsNeverFound)
-{
-    TempFolder folder;
-    const RunResult result = infoOf(folder, "phone.bin", kVersionMarker + "abcV1.23.45");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 25\nversion: (none)\n");
-}
-
-TEST(InfoCommand, RevSMarkerAtIndexZeroIsNeverFound)
-{
-    TempFolder folder;
-    const RunResult result = infoOf(folder, "phone.bin", kRevisionMarker + "0123456789ABCDEF");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 21\nversion: (none)\n");
-}
-
-TEST(InfoCommand, VersionStringWithExactlyTwentyFiveBytesToTheEndIsRead)
-{
-    TempFolder folder;
-    const RunResult result = infoOf(folder, "phone.bin", "x" + kVersionMarker + "abc12345678");
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 26\nversion: 12345678\n");
-}
-
-TEST(InfoCommand, VersionStringWithFewerThanTwentyFiveBytesToTheEndFails)
+TEST(InfoFailure, VersionStringWithFewerThanTwentyFiveBytesToTheEndFails)
 {
     TempFolder folder;
     const RunResult result = infoOf(folder, "phone.bin", "x" + kVersionMarker + "abc1234567");
     EXPECT_TRUE(failedWith(result, {"phone.bin", "VersionString:"}));
 }
 
-TEST(InfoCommand, RevSAtIndexTwelveReadsTheFirstEightBytes)
-{
-    TempFolder folder;
-    const RunResult result = infoOf(folder, "phone.bin", "ABCDEFGH1234" + kRevisionMarker);
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 17\nversion: ABCDEFGH\n");
-}
-
-TEST(InfoCommand, RevSWithinTheFirstTwelveBytesFails)
+TEST(InfoFailure, RevSWithinTheFirstTwelveBytesFails)
 {
     TempFolder folder;
     const RunResult result = infoOf(folder, "phone.bin", "ABCDEFGH123" + kRevisionMarker + "tail");
     EXPECT_TRUE(failedWith(result, {"phone.bin", "Rev S"}));
 }
 
-TEST(InfoCommand, VersionBytesAreCopiedAsTheyAre)
-{
-    TempFolder folder;
-    const std::string version("\x01\xFE\x00 v\t\x7F\x80", 8);
-    const RunResult result =
-        infoOf(folder, "phone.bin", std::string("\x00", 1) + kVersionMarker + std::string(3, '\0') + version);
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "kind: bin\nlength: 26\nversion: " + version + "\n");
-}
-
-TEST(InfoCommand, EmptyFileFails)
+TEST(InfoFailure, EmptyFileFails)
 {
     TempFolder folder;
     const RunResult result = infoOf(folder, "phone.bin", "");
     EXPECT_TRUE(failedWith(result, {"phone.bin", "empty"}));
 }
 
-TEST(InfoCommand, MissingFileFailsNamingThePath)
+TEST(InfoFailure, MissingFileFailsNamingThePath)
 {
     TempFolder folder;
     const RunResult result = runCli(folder, {"info", "no-such-phone.bin"});

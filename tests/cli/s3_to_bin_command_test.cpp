@@ -27,27 +27,73 @@ RunResult convert(const TempFolder& folder, const std::string& text, std::vector
 
 }  // namespace
 
-TEST(S3ToBinCommand, FullAddressFillsGapsWithFF)
+// Input text, options and the exact bytes written.
+struct Conversion {
+    std::string name;
+    std::string text;
+    std::vector<std::string> options;
+    Bytes bytes;
+};
+
+class S3ToBinConversion : public ::testing::TestWithParam<Conversion> {};
+
+TEST_P(S3ToBinConversion, WritesExactlyTheseBytes)
 {
     TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kTwoRecords, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
+    ASSERT_TRUE(succeeded(convert(folder, GetParam().text, GetParam().options)));
+    EXPECT_EQ(readBytes(folder.path("out.bin")), GetParam().bytes);
 }
 
-TEST(S3ToBinCommand, FullAddressFillsGapsWithTheChosenByte)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kTwoRecords, {"--fill", "00"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")),
-              joined({repeated(16, 0x00), {1, 2, 3, 4}, repeated(12, 0x00), {5, 6, 7, 8}}));
-}
-
-TEST(S3ToBinCommand, DataOnlyGivesTheRecordsBytesOneAfterAnother)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kTwoRecords, {"--data-only"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, S3ToBinConversion,
+    ::testing::Values(
+        Conversion{"FullAddressFillsGapsWithFF", kTwoRecords, {}, kTwoRecordsFilledFF},
+        Conversion{"FullAddressFillsGapsWithTheChosenByte",
+                   kTwoRecords,
+                   {"--fill", "00"},
+                   joined({repeated(16, 0x00), {1, 2, 3, 4}, repeated(12, 0x00), {5, 6, 7, 8}})},
+        Conversion{
+            "DataOnlyGivesTheRecordsBytesOneAfterAnother", kTwoRecords, {"--data-only"}, Bytes{1, 2, 3, 4, 5, 6, 7, 8}},
+        // Only the first three characters decide: "S00" and "S70" lines carry no data.
+        Conversion{"HeaderAndTrailerLinesOfAnyContentAreSkipped",
+                   "S00Fnot read at all\r\n" + kRecordAt10 + "\r\nS70 anything\r\n",
+                   {"--data-only"},
+                   Bytes{1, 2, 3, 4}},
+        // Count 07: address 00000030 and the two bytes AA BB; 07 + 30 + AA + BB = 19C -> 63.
+        Conversion{"S5LineIsReadAsS3Data",
+                   kHeader + kRecordAt20 + "\r\nS50700000030AABB63\r\n" + kTrailer,
+                   {},
+                   joined({repeated(32, 0xFF), {5, 6, 7, 8}, repeated(12, 0xFF), {0xAA, 0xBB}})},
+        Conversion{"NonHexDigitInDataReadsAsZero",
+                   kHeader + "S3090000000001ZZ0304EC\r\n" + kTrailer,
+                   {"--data-only"},
+                   Bytes{1, 0, 3, 4}},
+        Conversion{
+            "WrongChecksumStillConverts", kHeader + "S309000000000102030400\r\n" + kTrailer, {}, Bytes{1, 2, 3, 4}},
+        Conversion{"LineShorterThanItsCountGivesZeroBytes",
+                   kHeader + "S309000000000102\r\n" + kTrailer,
+                   {},
+                   Bytes{1, 2, 0, 0}},
+        Conversion{"SingleLeftoverHexCharacterReadsAsThatDigit",
+                   kHeader + "S309000000000102A\r\n" + kTrailer,
+                   {},
+                   Bytes{1, 2, 0x0A, 0}},
+        Conversion{"RecordBelowTheLastOneIsFineInDataOnlyMode",
+                   kHeader + kRecordAt10 + "\r\nS3090000000805060708D4\r\n" + kTrailer,
+                   {"--data-only"},
+                   Bytes{1, 2, 3, 4, 5, 6, 7, 8}},
+        Conversion{"LineFeedOnlyLineEndsWork",
+                   "S00600004844521B\n" + kRecordAt10 + "\n" + kRecordAt20 + "\nS705A002000058\n",
+                   {},
+                   kTwoRecordsFilledFF},
+        Conversion{"CarriageReturnLineFeedLineEndsWork", kTwoRecords, {}, kTwoRecordsFilledFF},
+        Conversion{"LoneCarriageReturnLineEndsWork",
+                   "S00600004844521B\r" + kRecordAt10 + "\r" + kRecordAt20 + "\rS705A002000058\r",
+                   {},
+                   kTwoRecordsFilledFF},
+        Conversion{
+            "LastLineWithoutALineEndIsRead", kHeader + kRecordAt10 + "\r\n" + kRecordAt20, {}, kTwoRecordsFilledFF}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(S3ToBinCommand, ContiguousRecordsFromZeroGiveTheSameBytesInBothModes)
 {
@@ -72,59 +118,12 @@ TEST(S3ToBinCommand, DefaultOutputIsTheInputNameWithBinExtension)
     EXPECT_FALSE(exists(folder.path("two.bin")));
 }
 
-TEST(S3ToBinCommand, HeaderAndTrailerLinesOfAnyContentAreSkipped)
-{
-    TempFolder folder;
-    // Only the first three characters decide: "S00" and "S70" lines carry no data.
-    const std::string text = "S00Fnot read at all\r\n" + kRecordAt10 + "\r\nS70 anything\r\n";
-    ASSERT_TRUE(succeeded(convert(folder, text, {"--data-only"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
-}
-
-TEST(S3ToBinCommand, S5LineIsReadAsS3Data)
-{
-    TempFolder folder;
-    // Count 07: address 00000030 and the two bytes AA BB; 07 + 30 + AA + BB = 19C -> 63.
-    const std::string text = kHeader + kRecordAt20 + "\r\nS50700000030AABB63\r\n" + kTrailer;
-    ASSERT_TRUE(succeeded(convert(folder, text, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")),
-              joined({repeated(32, 0xFF), {5, 6, 7, 8}, repeated(12, 0xFF), {0xAA, 0xBB}}));
-}
-
 TEST(S3ToBinCommand, RecordCountS5LineFailsAsACountBelowFive)
 {
     TempFolder folder;
     const std::string text = kHeader + kRecordAt10 + "\r\n" + kRecordAt20 + "\r\nS5030002FA\r\n" + kTrailer;
     EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 4", "nothing was written to out.bin"}));
     EXPECT_FALSE(exists(folder.path("out.bin")));
-}
-
-TEST(S3ToBinCommand, NonHexDigitInDataReadsAsZero)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kHeader + "S3090000000001ZZ0304EC\r\n" + kTrailer, {"--data-only"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 0, 3, 4}));
-}
-
-TEST(S3ToBinCommand, WrongChecksumStillConverts)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kHeader + "S309000000000102030400\r\n" + kTrailer, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4}));
-}
-
-TEST(S3ToBinCommand, LineShorterThanItsCountGivesZeroBytes)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kHeader + "S309000000000102\r\n" + kTrailer, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 0, 0}));
-}
-
-TEST(S3ToBinCommand, SingleLeftoverHexCharacterReadsAsThatDigit)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kHeader + "S309000000000102A\r\n" + kTrailer, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 0x0A, 0}));
 }
 
 TEST(S3ToBinCommand, CountBelowFiveFailsNamingTheLineAndWritesNothing)
@@ -143,44 +142,6 @@ TEST(S3ToBinCommand, RecordBelowTheExpectedAddressFailsNamingTheLineAndKeepsAnOl
     const std::string text = kHeader + kRecordAt10 + "\r\nS3090000000801020304E4\r\n" + kTrailer;
     EXPECT_TRUE(failedWith(convert(folder, text, {}), {"in.s3", "line 3", "nothing was written to out.bin"}));
     EXPECT_EQ(readText(folder.path("out.bin")), "older");
-}
-
-TEST(S3ToBinCommand, RecordBelowTheLastOneIsFineInDataOnlyMode)
-{
-    TempFolder folder;
-    const std::string text = kHeader + kRecordAt10 + "\r\nS3090000000805060708D4\r\n" + kTrailer;
-    ASSERT_TRUE(succeeded(convert(folder, text, {"--data-only"})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
-}
-
-TEST(S3ToBinCommand, LineFeedOnlyLineEndsWork)
-{
-    TempFolder folder;
-    ASSERT_TRUE(
-        succeeded(convert(folder, "S00600004844521B\n" + kRecordAt10 + "\n" + kRecordAt20 + "\nS705A002000058\n", {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
-}
-
-TEST(S3ToBinCommand, CarriageReturnLineFeedLineEndsWork)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kTwoRecords, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
-}
-
-TEST(S3ToBinCommand, LoneCarriageReturnLineEndsWork)
-{
-    TempFolder folder;
-    ASSERT_TRUE(
-        succeeded(convert(folder, "S00600004844521B\r" + kRecordAt10 + "\r" + kRecordAt20 + "\rS705A002000058\r", {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
-}
-
-TEST(S3ToBinCommand, LastLineWithoutALineEndIsRead)
-{
-    TempFolder folder;
-    ASSERT_TRUE(succeeded(convert(folder, kHeader + kRecordAt10 + "\r\n" + kRecordAt20, {})));
-    EXPECT_EQ(readBytes(folder.path("out.bin")), kTwoRecordsFilledFF);
 }
 
 TEST(S3ToBinCommand, FillTogetherWithDataOnlyIsAUsageError)
