@@ -31,37 +31,42 @@ TEST(FindHexInImage, WalksEveryOccurrenceThenFailsOnceThenWraps)
     EXPECT_EQ(state.SearchStart, 1);
 }
 
-TEST(FindHexInImage, PatternAtIndexZeroIsNeverFound)
+// A search walked to its end: the offset of every hit in turn, then no more.
+struct WalkCase {
+    std::string name;
+    std::vector<std::uint8_t> image;
+    std::string pattern;
+    std::vector<std::int32_t> hits;
+};
+
+class FindHexWalk : public ::testing::TestWithParam<WalkCase> {};
+
+TEST_P(FindHexWalk, FindsEachHitInTurnThenNoMore)
 {
-    ImageState state = imageOf({0x4D, 0x4D, 0x4D, 0x44, 0x00, 0x00});
-    EXPECT_FALSE(FindHexInImage(state, "4D4D4D44"));
+    ImageState state = imageOf(GetParam().image);
+    for (std::int32_t hit : GetParam().hits) {
+        ASSERT_TRUE(FindHexInImage(state, GetParam().pattern)) << "hit at " << hit;
+        EXPECT_EQ(state.SearchStart, hit);
+    }
+    EXPECT_FALSE(FindHexInImage(state, GetParam().pattern));
     EXPECT_EQ(state.LastMatch, 0);
 }
 
-TEST(FindHexInImage, PatternEndingOnTheLastByteIsFound)
-{
-    ImageState state = imageOf({0x00, 0x00, 0x12, 0x34});
-    ASSERT_TRUE(FindHexInImage(state, "1234"));
-    EXPECT_EQ(state.SearchStart, 2);
-}
-
-TEST(FindHexInImage, OverlappingOccurrencesAreEachFound)
-{
-    ImageState state = imageOf({0x00, 0x4D, 0x4D, 0x4D, 0x4D, 0x44});
-    ASSERT_TRUE(FindHexInImage(state, "4D4D"));
-    EXPECT_EQ(state.SearchStart, 1);
-    ASSERT_TRUE(FindHexInImage(state, "4D4D"));
-    EXPECT_EQ(state.SearchStart, 2);
-    ASSERT_TRUE(FindHexInImage(state, "4D4D"));
-    EXPECT_EQ(state.SearchStart, 3);
-    EXPECT_FALSE(FindHexInImage(state, "4D4D"));
-}
-
-TEST(FindHexInImage, LowerCaseHexMatches)
-{
-    ImageState state = imageOf({0x00, 0xAB});
-    EXPECT_TRUE(FindHexInImage(state, "ab"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Patterns, FindHexWalk,
+    ::testing::Values(
+        WalkCase{"PatternAtIndexZeroIsNeverFound", {0x4D, 0x4D, 0x4D, 0x44, 0x00, 0x00}, "4D4D4D44", {}},
+        WalkCase{"PatternEndingOnTheLastByteIsFound", {0x00, 0x00, 0x12, 0x34}, "1234", {2}},
+        WalkCase{"OverlappingOccurrencesAreEachFound", {0x00, 0x4D, 0x4D, 0x4D, 0x4D, 0x44}, "4D4D", {1, 2, 3}},
+        WalkCase{"LowerCaseHexMatches", {0x00, 0xAB}, "ab", {1}},
+        // Three digits make two pattern bytes (1.5 rounds to 2): 12 and 3.
+        WalkCase{"OddTailDigitIsAByteWhenHalfRoundsUp", {0x00, 0x12, 0x03, 0x12, 0x30}, "123", {1}},
+        // Five digits make two pattern bytes (2.5 rounds to 2): the 5 is ignored.
+        WalkCase{"OddTailDigitIsDroppedWhenHalfRoundsDown", {0x00, 0x12, 0x34, 0x99}, "12345", {1}},
+        WalkCase{"EmptyPatternIsNotFound", {0x00, 0x01}, "", {}},
+        WalkCase{"SingleDigitPatternIsNotFound", {0x00, 0x01}, "1", {}},
+        WalkCase{"PatternLongerThanTheImageIsNotFound", {0x00, 0x01, 0x02}, "01020304", {}}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(FindHexInImage, NonHexPatternIsNotFoundAndResets)
 {
@@ -71,83 +76,41 @@ TEST(FindHexInImage, NonHexPatternIsNotFoundAndResets)
     EXPECT_EQ(state.LastMatch, 0);
 }
 
-TEST(FindHexInImage, OddTailDigitIsAByteWhenHalfRoundsUp)
-{
-    // Three digits make two pattern bytes (1.5 rounds to 2): 12 and 3.
-    ImageState state = imageOf({0x00, 0x12, 0x03, 0x12, 0x30});
-    ASSERT_TRUE(FindHexInImage(state, "123"));
-    EXPECT_EQ(state.SearchStart, 1);
-    EXPECT_FALSE(FindHexInImage(state, "123"));
-}
-
-TEST(FindHexInImage, OddTailDigitIsDroppedWhenHalfRoundsDown)
-{
-    // Five digits make two pattern bytes (2.5 rounds to 2): the 5 is ignored.
-    ImageState state = imageOf({0x00, 0x12, 0x34, 0x99});
-    ASSERT_TRUE(FindHexInImage(state, "12345"));
-    EXPECT_EQ(state.SearchStart, 1);
-}
-
-TEST(FindHexInImage, EmptyPatternIsNotFound)
-{
-    ImageState state = imageOf({0x00, 0x01});
-    EXPECT_FALSE(FindHexInImage(state, ""));
-    EXPECT_FALSE(FindHexInImage(state, "1"));
-}
-
 TEST(FindHexInImage, EmptyImageFindsNothing)
 {
     ImageState state;
     EXPECT_FALSE(FindHexInImage(state, "00"));
 }
 
-TEST(FindHexInImage, PatternLongerThanTheImageIsNotFound)
+// A copy into the image: what it reports and the image after it.
+struct CopyCase {
+    std::string name;
+    std::vector<std::uint8_t> image;
+    std::vector<std::uint8_t> source;
+    std::int32_t offset, count;
+    bool whole;
+    std::vector<std::uint8_t> after;
+};
+
+class CopyToImageCase : public ::testing::TestWithParam<CopyCase> {};
+
+TEST_P(CopyToImageCase, CopiesWhatFitsAndSaysWhetherAllDid)
 {
-    ImageState state = imageOf({0x00, 0x01, 0x02});
-    EXPECT_FALSE(FindHexInImage(state, "01020304"));
+    ImageState state = imageOf(GetParam().image);
+    EXPECT_EQ(CopyToImage(state, GetParam().source, GetParam().offset, GetParam().count), GetParam().whole);
+    EXPECT_EQ(state.FirmwareImage, GetParam().after);
+    EXPECT_EQ(state.FirmwareLength, static_cast<std::int32_t>(GetParam().image.size()));
 }
 
-TEST(CopyToImage, CopiesInPlace)
-{
-    ImageState state = imageOf(std::vector<std::uint8_t>(6, 0));
-    const std::vector<std::uint8_t> source{1, 2, 3};
-    EXPECT_TRUE(CopyToImage(state, source, 2, 3));
-    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{0, 0, 1, 2, 3, 0}));
-    EXPECT_EQ(state.FirmwareLength, 6);
-}
-
-TEST(CopyToImage, StopsAtTheImageEndAndReportsFalse)
-{
-    ImageState state = imageOf(std::vector<std::uint8_t>(4, 0));
-    const std::vector<std::uint8_t> source{7, 8, 9};
-    EXPECT_FALSE(CopyToImage(state, source, 2, 3));
-    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{0, 0, 7, 8}));
-}
-
-TEST(CopyToImage, CountOfZeroOrLessCopiesNothing)
-{
-    ImageState state = imageOf({5, 5});
-    const std::vector<std::uint8_t> source{1};
-    EXPECT_TRUE(CopyToImage(state, source, 0, 0));
-    EXPECT_TRUE(CopyToImage(state, source, 0, -3));
-    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{5, 5}));
-}
-
-TEST(CopyToImage, NegativeOffsetCopiesNothingAndReportsFalse)
-{
-    ImageState state = imageOf({5, 5});
-    const std::vector<std::uint8_t> source{1};
-    EXPECT_FALSE(CopyToImage(state, source, -1, 1));
-    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{5, 5}));
-}
-
-TEST(CopyToImage, OffsetPastTheEndCopiesNothingAndReportsFalse)
-{
-    ImageState state = imageOf({5, 5});
-    const std::vector<std::uint8_t> source{1};
-    EXPECT_FALSE(CopyToImage(state, source, 2, 1));
-    EXPECT_EQ(state.FirmwareImage, (std::vector<std::uint8_t>{5, 5}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Copies, CopyToImageCase,
+    ::testing::Values(CopyCase{"CopiesInPlace", {0, 0, 0, 0, 0, 0}, {1, 2, 3}, 2, 3, true, {0, 0, 1, 2, 3, 0}},
+                      CopyCase{"StopsAtTheImageEndAndReportsFalse", {0, 0, 0, 0}, {7, 8, 9}, 2, 3, false, {0, 0, 7, 8}},
+                      CopyCase{"CountOfZeroCopiesNothing", {5, 5}, {1}, 0, 0, true, {5, 5}},
+                      CopyCase{"NegativeCountCopiesNothing", {5, 5}, {1}, 0, -3, true, {5, 5}},
+                      CopyCase{"NegativeOffsetCopiesNothingAndReportsFalse", {5, 5}, {1}, -1, 1, false, {5, 5}},
+                      CopyCase{"OffsetPastTheEndCopiesNothingAndReportsFalse", {5, 5}, {1}, 2, 1, false, {5, 5}}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(CopyToImage, SourceShorterThanCountIsRefused)
 {
