@@ -20,24 +20,6 @@ const Bytes kHelloImage = joined({{0xFF, 0xFF}, text("Hello World"), {0x00}, rep
 
 }  // namespace
 
-TEST(FindTextCommand, HitShowsStartLastByteBeforeTheZeroAndLength)
-{
-    TempFolder folder;
-    writeFile(folder.path("image.bin"), kHelloImage);
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hello"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000002 0000000C 11\n");
-}
-
-TEST(FindTextCommand, HitInsideAStringIsMeasuredFromTheHit)
-{
-    TempFolder folder;
-    writeFile(folder.path("image.bin"), kHelloImage);
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "World"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000008 0000000C 5\n");
-}
-
 TEST(FindTextCommand, AllListsEveryHitInAddressOrder)
 {
     TempFolder folder;
@@ -61,44 +43,11 @@ TEST(FindTextCommand, NoHitFailsWithOneLineOnStderr)
     EXPECT_TRUE(failedWith(runAtHome(folder, {"find-text", "image.bin", "Howdy"}), {"Howdy", "image.bin"}));
 }
 
-TEST(FindTextCommand, HitRunningToTheImageEndWithoutAZeroIsSkipped)
-{
-    TempFolder folder;
-    // The second "Hello" at 0x10 runs to the last byte with no zero after it.
-    writeFile(folder.path("image.bin"),
-              joined({{0xFF, 0xFF}, text("Hello"), {0x00}, repeated(8, 0xFF), text("Hello!")}));
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hello", "--all"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000002 00000006 5\n");
-}
-
 TEST(FindTextCommand, OnlyHitWithoutAZeroIsNoHit)
 {
     TempFolder folder;
     writeFile(folder.path("image.bin"), joined({{0xFF, 0xFF}, text("Hello World")}));
     EXPECT_TRUE(failedWith(runAtHome(folder, {"find-text", "image.bin", "Hello"}), {"Hello"}));
-}
-
-TEST(FindTextHandsetCodes, AsciiCharactersAreSearchedAsA1AndTheirByte)
-{
-    TempFolder folder;
-    // The plain "Hi" at 0x02 is not a handset string; A1 48 A1 69 A1 20 at 0x10 is, 6 bytes = 3 characters.
-    writeFile(
-        folder.path("image.bin"),
-        joined({{0xFF, 0xFF}, text("Hi"), {0x00}, repeated(11, 0xFF), {0xA1, 0x48, 0xA1, 0x69, 0xA1, 0x20, 0x00}}));
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hi", "--handset-codes", "--all"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000010 00000015 3\n");
-}
-
-TEST(FindTextHandsetCodes, OddByteCountShowsAHalfCharacter)
-{
-    TempFolder folder;
-    // A1 48 A1 69 7A at 0x04: five bytes before the zero.
-    writeFile(folder.path("image.bin"), joined({repeated(4, 0xFF), {0xA1, 0x48, 0xA1, 0x69, 0x7A, 0x00}}));
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "Hi", "--handset-codes"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000004 00000008 2.5\n");
 }
 
 namespace {
@@ -109,23 +58,54 @@ const Bytes kChineseImage = joined(
 
 }  // namespace
 
-TEST(FindTextCommand, ChineseTextIsSearchedAsItsGbkBytes)
+// One find-text run over an image: its words after the image's name and what it prints.
+struct FindTextCase {
+    std::string name;
+    Bytes image;
+    std::vector<std::string> args;
+    std::string printed;
+};
+
+class FindText : public ::testing::TestWithParam<FindTextCase> {};
+
+TEST_P(FindText, PrintsStartLastByteBeforeTheZeroAndLength)
 {
     TempFolder folder;
-    writeFile(folder.path("image.bin"), kChineseImage);
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "中", "--all"});
+    writeFile(folder.path("image.bin"), GetParam().image);
+    std::vector<std::string> args = {"find-text", "image.bin"};
+    args.insert(args.end(), GetParam().args.begin(), GetParam().args.end());
+    const RunResult result = runAtHome(folder, args);
     ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "00000004 00000007 4\n");
+    EXPECT_EQ(result.out, GetParam().printed);
 }
 
-TEST(FindTextHandsetCodes, ChineseTextIsSearchedAsItsUtf16CodeUnit)
-{
-    TempFolder folder;
-    writeFile(folder.path("image.bin"), kChineseImage);
-    const RunResult result = runAtHome(folder, {"find-text", "image.bin", "中", "--handset-codes", "--all"});
-    ASSERT_TRUE(succeeded(result));
-    EXPECT_EQ(result.out, "0000000A 0000000D 2\n");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Images, FindText,
+    ::testing::Values(
+        FindTextCase{"HitShowsStartLastByteBeforeTheZeroAndLength", kHelloImage, {"Hello"}, "00000002 0000000C 11\n"},
+        FindTextCase{"HitInsideAStringIsMeasuredFromTheHit", kHelloImage, {"World"}, "00000008 0000000C 5\n"},
+        // The second "Hello" at 0x10 runs to the last byte with no zero after it.
+        FindTextCase{"HitRunningToTheImageEndWithoutAZeroIsSkipped",
+                     joined({{0xFF, 0xFF}, text("Hello"), {0x00}, repeated(8, 0xFF), text("Hello!")}),
+                     {"Hello", "--all"},
+                     "00000002 00000006 5\n"},
+        // The plain "Hi" at 0x02 is not a handset string; A1 48 A1 69 A1 20 at 0x10 is, 6 bytes = 3 characters.
+        FindTextCase{
+            "AsciiCharactersAreSearchedAsA1AndTheirByte",
+            joined({{0xFF, 0xFF}, text("Hi"), {0x00}, repeated(11, 0xFF), {0xA1, 0x48, 0xA1, 0x69, 0xA1, 0x20, 0x00}}),
+            {"Hi", "--handset-codes", "--all"},
+            "00000010 00000015 3\n"},
+        // A1 48 A1 69 7A at 0x04: five bytes before the zero.
+        FindTextCase{"OddByteCountShowsAHalfCharacter",
+                     joined({repeated(4, 0xFF), {0xA1, 0x48, 0xA1, 0x69, 0x7A, 0x00}}),
+                     {"Hi", "--handset-codes"},
+                     "00000004 00000008 2.5\n"},
+        FindTextCase{"ChineseTextIsSearchedAsItsGbkBytes", kChineseImage, {"中", "--all"}, "00000004 00000007 4\n"},
+        FindTextCase{"ChineseTextIsSearchedAsItsUtf16CodeUnit",
+                     kChineseImage,
+                     {"中", "--handset-codes", "--all"},
+                     "0000000A 0000000D 2\n"}),
+    [](const auto& row) { return row.param.name; });
 
 namespace {
 
