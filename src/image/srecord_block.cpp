@@ -144,29 +144,6 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint
     address = bigEndianAddress(bytes);
 }
 
-ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd,
-                               unsigned& sum)
-{
-    if (digitText + (2 * count + 31) / 32 * 32 > textEnd)
-        return portable::strictBytes(digitText, count, out, textEnd, sum);
-    __m128i sums = _mm_setzero_si128();
-    for (std::size_t i = 0; i < count; i += 16) {
-        std::uint32_t hexMask;
-        __m128i bytes = sixteenBytes(digitText + 2 * i, hexMask);
-        const std::size_t left = count - i;
-        if (left < 16) {
-            hexMask |= ~0u << (2 * left);
-            bytes = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - left)));
-        }
-        if (hexMask != ~0u) return false;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
-        sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, _mm_setzero_si128()));
-    }
-    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) +
-           static_cast<unsigned>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
-    return true;
-}
-
 ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size_t addressBytes, unsigned& sum,
                                 std::uint32_t& address)
 {
@@ -239,28 +216,6 @@ ZEVRAN_KERNEL void headerFields(const char* line, const char* textEnd, std::uint
                                 std::uint32_t& address)
 {
     sse2::headerFields(line, textEnd, countField, address);
-}
-
-ZEVRAN_KERNEL bool strictBytes(const char* digitText, std::size_t count, std::uint8_t* out, const char* textEnd,
-                               unsigned& sum)
-{
-    if (digitText + (2 * count + 31) / 32 * 32 > textEnd)
-        return portable::strictBytes(digitText, count, out, textEnd, sum);
-    __m128i sums = _mm_setzero_si128();
-    for (std::size_t i = 0; i < count; i += 16) {
-        std::uint32_t hexMask;
-        __m128i bytes = sixteenBytes(digitText + 2 * i, hexMask);
-        const std::size_t left = count - i;
-        if (left < 16) {
-            hexMask |= ~0u << (2 * left);
-            bytes = _mm_and_si128(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - left)));
-        }
-        if (hexMask != ~0u) return false;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), bytes);
-        sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, _mm_setzero_si128()));
-    }
-    sum += static_cast<unsigned>(_mm_cvtsi128_si64(sums)) + static_cast<unsigned>(_mm_extract_epi64(sums, 1));
-    return true;
 }
 
 ZEVRAN_KERNEL bool strictHeader(const char* line, const char* textEnd, std::size_t addressBytes, unsigned& sum,
