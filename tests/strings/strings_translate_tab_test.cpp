@@ -8,7 +8,7 @@
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
 
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QAction>
 #include <QMenu>
 #include <QProgressBar>
