@@ -27,6 +27,8 @@ struct StringEditRow {
     // The row's own encoding (a translation imported for a string of that encoding);
     // unset, the row is written in the encoding the list is written in.
     std::optional<bool> handsetCodes = std::nullopt;
+    // Whether the list writes the row: a new replacement is meant to be written.
+    bool checked = true;
 };
 
 inline constexpr int kMessageEmptyEditFields = 25;

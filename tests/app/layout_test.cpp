@@ -7,7 +7,9 @@
 #include "app/list_cells.hpp"
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
+#include "strings/ui/strings_tab.hpp"
 #include "tones/ui/tones_tab.hpp"
+#include "window/row_table_model.hpp"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -16,6 +18,8 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QStyle>
@@ -209,13 +213,25 @@ private slots:
 
     void editListTextShowsWholeInItsToolTip()
     {
-        auto window = startWindowOnPhoneFile();
-        auto* list = window->findChild<QTreeWidget*>("ListView2");
-        auto* row =
-            new QTreeWidgetItem(list, {"01", "00000400", "00000404", "a replacement text longer than its column"});
-        QCOMPARE(row->toolTip(3), QString("a replacement text longer than its column"));
-        row->setText(3, "short");
-        QCOMPARE(row->toolTip(3), QString("short"));
+        QByteArray image = phoneImage();
+        image.replace(0x400, 42, QByteArray("an old label text, longer than its column\0", 42));
+        writeBytes(path("phone.bin"), image);
+        auto window = startedWindow();
+        window->openPhoneFile(path("phone.bin"));
+        auto* tab = window->findChild<zevran::strings::StringsTab*>();
+        tab->Text11->setText("an old label");
+        tab->Option2->setChecked(true);
+        tab->SeachString->click();
+        tab->Text7->setText("a replacement text longer than its column");
+        tab->Add2List->click();
+        QCOMPARE(cellToolTip(tab->ListView2, 0, 3), QString("a replacement text longer than its column"));
+        using EditRows = zevran::window::RowTableModel<zevran::strings::StringEditRow>;
+        auto* rows = dynamic_cast<EditRows*>(tab->ListView2->model());
+        QVERIFY(rows);
+        zevran::strings::StringEditRow changed = rows->row(0);
+        changed.text = "short";
+        rows->replaceRow(0, changed);
+        QCOMPARE(cellToolTip(tab->ListView2, 0, 3), QString("short"));
     }
 
     void tonePatchNamedWithoutExtensionIsWrittenAsS3()

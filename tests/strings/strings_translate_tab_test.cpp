@@ -8,7 +8,7 @@
 #include "app/main_window.hpp"
 #include "strings/ui/strings_tab.hpp"
 
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QAction>
 #include <QMenu>
 #include <QProgressBar>
@@ -17,6 +17,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QDir>
 #include <QFile>
 
 using zevran::app::Form1;
@@ -86,7 +87,7 @@ private slots:
         startWindow();
         m_tab = m_window->findChild<StringsTab*>();
     }
-    void cleanup() { stopWindow(false); }
+    void cleanup() { stopWindow(); }
 
     void exportWritesEveryStringInTheChosenFormat()
     {
@@ -218,6 +219,35 @@ private slots:
         QCOMPARE(cells(m_tab->ListViewRefused, 0, 4).last(), "character U+A123 not encodable");
         QCOMPARE(cells(m_tab->ListViewRefused, 1, 4).last(), "stored text changed");
         QCOMPARE(cells(m_tab->ListViewRefused, 2, 4).last(), "address outside the image");
+    }
+
+    void refusedCellsShowWholeAndFollowTheLanguage()
+    {
+        // Both shipped languages in the folder, English chosen; the next test starts on an empty folder.
+        stopWindow();
+        QDir().mkpath(path("language"));
+        QVERIFY(QFile::copy(ZEVRAN_DATA_DIR "/language/ChineseS.ini", path("language/ChineseS.ini")));
+        writeBytes(path("zevran.ini"), "[Language]\r\nLanguage=English.ini\r\n");
+        startWindow();
+        m_tab = m_window->findChild<StringsTab*>();
+        open("phone.bin");
+        importTranslation();
+        QCOMPARE(headerText(m_tab->ListViewRefused, 0), QString("Address"));
+        QCOMPARE(headerText(m_tab->ListViewRefused, 3), QString("Outcome"));
+        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 0), QString());
+        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 1), QString("Settings"));
+        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 2), QString("Settings++"));
+        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 3), QString("over budget by 2 bytes"));
+        QCOMPARE(cellToolTip(m_tab->ListView2, 0, 3), QString::fromUtf8("菜单"));
+        QCOMPARE(cellToolTip(m_tab->ListView2, 0, 1), QString());
+        for (QAction* item : m_window->findChildren<QAction*>("languagNum"))
+            if (item->text() == "ChineseS") item->trigger();
+        QCOMPARE(headerText(m_tab->ListViewRefused, 0), QString::fromUtf8("地址"));
+        QCOMPARE(headerText(m_tab->ListViewRefused, 3), QString::fromUtf8("结果"));
+        QCOMPARE(headerText(m_tab->ListView2, 3), QString::fromUtf8("替换文字"));
+        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
+                 QStringList({"0x00000015 single", "Settings", "Settings++", QString::fromUtf8("超出长度 2 字节")}));
+        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 3), QString::fromUtf8("超出长度 2 字节"));
     }
 
     void brokenTranslationFileIsNamedWithItsLine()

@@ -2,6 +2,7 @@
 
 #include "strings/string_search.hpp"
 
+#include "window/row_table_model.hpp"
 #include "window/tab_host.hpp"
 #include "window/widget_helpers.hpp"
 
@@ -11,7 +12,9 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QTreeView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace zevran::strings {
 
@@ -21,10 +24,29 @@ using image::fromUtf8;
 
 namespace {
 
-// Columns of ListView2.
-enum Column { kNumber, kStart, kEnd, kText, kLength };
+using EditColumn = window::RowColumn<StringEditRow>;
+
+// A cell showing one of the row's texts as it was given.
+EditColumn cellOf(std::string StringEditRow::*cell, bool toolTip = false)
+{
+    return {.text = [cell](const StringEditRow& row) { return fromUtf8(row.*cell); }, .toolTip = toolTip};
+}
 
 }  // namespace
+
+// The edit list's columns: No. (with the check box that says the row is written),
+// Start, End, Text (shown whole under the pointer) and Length.
+void StringsTab::makeEditModel()
+{
+    EditColumn number = cellOf(&StringEditRow::number);
+    number.checked = [](const StringEditRow& row) { return row.checked; };
+    number.setChecked = [](StringEditRow& row, bool checked) { row.checked = checked; };
+    m_editModel =
+        new window::RowTableModel<StringEditRow>({number, cellOf(&StringEditRow::start), cellOf(&StringEditRow::end),
+                                                  cellOf(&StringEditRow::text, true), cellOf(&StringEditRow::length)},
+                                                 this);
+    m_editModel->setHeaders({tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")});
+}
 
 StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 {
@@ -95,8 +117,8 @@ QGroupBox* StringsTab::buildFoundFrame()
 QGroupBox* StringsTab::buildEditListFrame()
 {
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
-    ListView2 = image::reportList("ListView2", {tr("No."), tr("Start"), tr("End"), tr("Text"), tr("Length")}, frame13);
-    image::showCellsInToolTips(ListView2, {kText});
+    makeEditModel();
+    ListView2 = image::reportView("ListView2", m_editModel, frame13);
     // `Removeone` removes "the selected row": there is never more than one.
     ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
     Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
@@ -147,9 +169,9 @@ void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)
     connect(Removeall, &QAction::triggered, this, &StringsTab::Removeall_Click);
     connect(outputStrS3, &QAction::triggered, this, &StringsTab::outputStrS3_Click);
     connect(outputStraxf, &QAction::triggered, this, &StringsTab::outputStraxf_Click);
-    connect(ListView2, &QTreeWidget::customContextMenuRequested, this, &StringsTab::ListView2_ContextMenu);
-    connect(ListView2, &QTreeWidget::itemChanged, this, &StringsTab::updateListMenu);
-    connect(ListView2, &QTreeWidget::itemSelectionChanged, this, &StringsTab::updateListMenu);
+    connect(ListView2, &QTreeView::customContextMenuRequested, this, &StringsTab::ListView2_ContextMenu);
+    connect(m_editModel, &QAbstractItemModel::dataChanged, this, &StringsTab::updateListMenu);
+    connect(ListView2->selectionModel(), &QItemSelectionModel::selectionChanged, this, &StringsTab::updateListMenu);
     connect(menufile4, &QMenu::aboutToShow, this, &StringsTab::updateListMenu);
     connect(ExportStrings, &QPushButton::clicked, this, &StringsTab::ExportStrings_Click);
     connect(ImportTranslation, &QPushButton::clicked, this, &StringsTab::ImportTranslation_Click);
@@ -213,9 +235,9 @@ void StringsTab::Add2List_Click()
 {
     std::optional<StringEditRow> row;
     try {
-        row = makeFittedEditRow(static_cast<std::size_t>(ListView2->topLevelItemCount()), Text10->text().toStdString(),
-                                Text9->text().toStdString(), Text7->text().toStdString(), Text8->text().toStdString(),
-                                m_hitInHandsetCodes, m_host->codePage());
+        row = makeFittedEditRow(m_editModel->rows().size(), Text10->text().toStdString(), Text9->text().toStdString(),
+                                Text7->text().toStdString(), Text8->text().toStdString(), m_hitInHandsetCodes,
+                                m_host->codePage());
     } catch (const std::exception& error) {
         m_host->showError(m_host->failureText(error));
         return;
@@ -228,39 +250,29 @@ void StringsTab::Add2List_Click()
     updateListMenu();
 }
 
-void StringsTab::addEditRow(const StringEditRow& row)
-{
-    auto* item = new QTreeWidgetItem(
-        {fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end), fromUtf8(row.text), fromUtf8(row.length)});
-    item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-    // A new replacement is meant to be written: it starts checked.
-    item->setCheckState(kNumber, Qt::Checked);
-    if (row.handsetCodes) item->setData(kNumber, Qt::UserRole, *row.handsetCodes);
-    ListView2->addTopLevelItem(item);
-}
+void StringsTab::addEditRow(const StringEditRow& row) { m_editModel->append(row); }
 
 void StringsTab::Removeone_Click()
 {
-    const QList<QTreeWidgetItem*> selected = ListView2->selectedItems();
-    if (selected.isEmpty()) return;
-    delete selected.first();
+    const std::vector<int> selected = image::selectedRows(ListView2);
+    if (selected.empty()) return;
+    m_editModel->removeRow(selected.front());
     updateListMenu();
 }
 
 void StringsTab::Removeall_Click()
 {
-    ListView2->clear();
+    m_editModel->clear();
     updateListMenu();
 }
 
 void StringsTab::updateListMenu()
 {
     if (!m_host) return;
-    bool anyChecked = false;
-    for (int i = 0; i < ListView2->topLevelItemCount() && !anyChecked; ++i)
-        anyChecked = ListView2->topLevelItem(i)->checkState(kNumber) == Qt::Checked;
-    Removeone->setEnabled(!ListView2->selectedItems().isEmpty());
-    Removeall->setEnabled(ListView2->topLevelItemCount() > 0);
+    const std::vector<StringEditRow>& rows = m_editModel->rows();
+    const bool anyChecked = std::any_of(rows.begin(), rows.end(), [](const StringEditRow& row) { return row.checked; });
+    Removeone->setEnabled(!image::selectedRows(ListView2).empty());
+    Removeall->setEnabled(!rows.empty());
     outputStrS3->setEnabled(anyChecked && m_host->takesSRecordPatch());
     outputStraxf->setEnabled(anyChecked && m_host->takesInImagePatch());
 }
@@ -273,16 +285,8 @@ void StringsTab::ListView2_ContextMenu(const QPoint& position)
 std::vector<StringEditRow> StringsTab::rowsWhere(bool checkedOnly) const
 {
     std::vector<StringEditRow> rows;
-    for (int i = 0; i < ListView2->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem* item = ListView2->topLevelItem(i);
-        if (checkedOnly && item->checkState(kNumber) != Qt::Checked) continue;
-        rows.push_back({item->text(kNumber).toStdString(), item->text(kStart).toStdString(),
-                        item->text(kEnd).toStdString(), item->text(kText).toStdString(),
-                        item->text(kLength).toStdString()});
-        // An imported translation is written in its string's encoding.
-        const QVariant ownCodes = item->data(kNumber, Qt::UserRole);
-        if (ownCodes.isValid()) rows.back().handsetCodes = ownCodes.toBool();
-    }
+    for (const StringEditRow& row : m_editModel->rows())
+        if (!checkedOnly || row.checked) rows.push_back(row);
     return rows;
 }
 

@@ -18,10 +18,15 @@ class QPoint;
 class QProgressBar;
 class QPushButton;
 class QRadioButton;
-class QTreeWidget;
+class QTreeView;
 
 namespace zevran::image {
 class TabHost;
+}
+
+namespace zevran::window {
+template <typename Row>
+class RowTableModel;
 }
 
 namespace zevran::strings {
@@ -74,12 +79,12 @@ public:
     QCheckBox* SearchBegin;
     QPushButton* SeachString;
     QPushButton* Add2List;
-    QTreeWidget* ListView2;
+    QTreeView* ListView2;
     QPushButton* ExportStrings;
     QPushButton* ImportTranslation;
     QProgressBar* ExportProgress;  // shown while an export runs
     QPushButton* StopExport;
-    QTreeWidget* ListViewRefused;  // the imported entries that do not fit: address, source, translation, outcome
+    QTreeView* ListViewRefused;  // the imported entries that do not fit: address, source, translation, outcome
     QPushButton* SaveReport;
 
 private:
@@ -89,6 +94,8 @@ private:
     QWidget* makeTranslationFrame();
     void applyTranslationTexts();
     void addEditRow(const StringEditRow& row);
+    void makeEditModel();
+    void makeRefusedModel();
     void showRefused();
     // An outcome and a file failure in the current language.
     QString outcomeText(const EntryResult& result) const;
@@ -101,6 +108,8 @@ private:
     std::optional<std::vector<image::Region>> checkedRegions();
 
     image::TabHost* m_host = nullptr;
+    window::RowTableModel<StringEditRow>* m_editModel = nullptr;
+    window::RowTableModel<EntryResult>* m_refusedModel = nullptr;
     QMenu* menufile4 = nullptr;
     QAction* Removeone = nullptr;
     QAction* Removeall = nullptr;

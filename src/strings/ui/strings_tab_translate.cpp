@@ -10,8 +10,9 @@
 
 #include "image/file_io.hpp"
 #include "image/hex_text.hpp"
-#include "window/tab_host.hpp"
 #include "image/temporary_output.hpp"
+#include "window/row_table_model.hpp"
+#include "window/tab_host.hpp"
 #include "window/widget_helpers.hpp"
 
 #include <QApplication>
@@ -19,8 +20,10 @@
 #include <QHBoxLayout>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <iterator>
 
 namespace zevran::strings {
 
@@ -31,7 +34,28 @@ namespace {
 
 QString pathText(const std::string& path) { return fromUtf8(path); }
 
+using RefusedColumn = window::RowColumn<EntryResult>;
+
+// An entry's text cut by its column shows whole under the pointer.
+RefusedColumn entryCell(std::string TranslationEntry::*cell)
+{
+    return {.text = [cell](const EntryResult& result) { return fromUtf8(result.entry.*cell); }, .toolTip = true};
+}
+
 }  // namespace
+
+// The report list's columns: the entry's key, its source and translation, and why it
+// does not fit in the current language.
+void StringsTab::makeRefusedModel()
+{
+    const RefusedColumn address{
+        .text = [](const EntryResult& result) { return fromUtf8(entryKey(result.entry.address, result.entry.codes)); }};
+    const RefusedColumn outcome{.text = [this](const EntryResult& result) { return outcomeText(result); },
+                                .toolTip = true};
+    m_refusedModel = new window::RowTableModel<EntryResult>(
+        {address, entryCell(&TranslationEntry::source), entryCell(&TranslationEntry::target), outcome}, this);
+    m_refusedModel->setHeaders({tr("Address"), tr("Source"), tr("Translation"), tr("Outcome")});
+}
 
 QWidget* StringsTab::makeTranslationFrame()
 {
@@ -43,9 +67,8 @@ QWidget* StringsTab::makeTranslationFrame()
     ExportProgress->hide();
     StopExport = named(new QPushButton(frame), "StopExport", tr("Stop"));
     StopExport->hide();
-    ListViewRefused =
-        image::reportList("ListViewRefused", {tr("Address"), tr("Source"), tr("Translation"), tr("Outcome")}, frame);
-    image::showCellsInToolTips(ListViewRefused, {1, 2, 3});
+    makeRefusedModel();
+    ListViewRefused = image::reportView("ListViewRefused", m_refusedModel, frame);
     SaveReport = named(new QPushButton(frame), "SaveReport", tr("Save report..."));
     SaveReport->setEnabled(false);
     auto* buttons = new QHBoxLayout;
@@ -68,8 +91,8 @@ void StringsTab::applyTranslationTexts()
     ImportTranslation->setText(m_host->text("ImportTranslation"));
     StopExport->setText(m_host->text("StopExport"));
     SaveReport->setText(m_host->text("SaveReport"));
-    ListViewRefused->setHeaderLabels({m_host->text("RefusedHeader1"), m_host->text("RefusedHeader2"),
-                                      m_host->text("RefusedHeader3"), m_host->text("RefusedHeader4")});
+    m_refusedModel->setHeaders({m_host->text("RefusedHeader1"), m_host->text("RefusedHeader2"),
+                                m_host->text("RefusedHeader3"), m_host->text("RefusedHeader4")});
     showRefused();
 }
 
@@ -116,7 +139,7 @@ void StringsTab::ExportStrings_Click()
         return;
     }
     try {
-        image::refusePhoneFile(state.FirmwarePath, path.toStdString());
+        m_host->document().refuseAsOutput(path.toStdString());
         writeTranslationFile(path.toStdString(), result.strings, image::FileNameOf(state.FirmwarePath));
     } catch (const std::exception& error) {
         m_host->showError(m_host->failureText(error));
@@ -143,7 +166,7 @@ void StringsTab::ImportTranslation_Click()
         ImportResult imported = importTranslations(m_host->imageState().FirmwareImage, entries, m_host->codePage());
         for (const EntryResult& result : imported.results)
             if (result.outcome == ImportOutcome::Fits)
-                rows.push_back(editRowOf(result, ListView2->topLevelItemCount() + rows.size(), m_host->codePage()));
+                rows.push_back(editRowOf(result, m_editModel->rows().size() + rows.size(), m_host->codePage()));
         m_lastImport = std::move(imported);
     } catch (const std::exception& error) {  // a code page iconv does not know
         m_host->showError(m_host->failureText(error));
@@ -161,13 +184,10 @@ void StringsTab::ImportTranslation_Click()
 
 void StringsTab::showRefused()
 {
-    ListViewRefused->clear();
-    for (const EntryResult& result : m_lastImport.results) {
-        if (result.outcome == ImportOutcome::Fits) continue;
-        ListViewRefused->addTopLevelItem(
-            new QTreeWidgetItem({fromUtf8(entryKey(result.entry.address, result.entry.codes)),
-                                 fromUtf8(result.entry.source), fromUtf8(result.entry.target), outcomeText(result)}));
-    }
+    std::vector<EntryResult> refused;
+    std::copy_if(m_lastImport.results.begin(), m_lastImport.results.end(), std::back_inserter(refused),
+                 [](const EntryResult& result) { return result.outcome != ImportOutcome::Fits; });
+    m_refusedModel->setRows(std::move(refused));
 }
 
 void StringsTab::SaveReport_Click()
@@ -176,7 +196,7 @@ void StringsTab::SaveReport_Click()
     if (path.isEmpty()) return;
     m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     try {
-        image::refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
+        m_host->document().refuseAsOutput(path.toStdString());
         image::TemporaryOutput report(path.toStdString(), image::kSavingMarker);
         report.stream() << reportCsv(m_lastImport);
         report.commit();
