@@ -87,7 +87,7 @@ void EditorCommands::compareWith()
         image::BusyPointer busy;
         newer = image::readPhoneFile(path.toStdString());
     } catch (const std::exception& error) {
-        m_host.showError(m_host.failureText(error));
+        m_host.showFailure(error);
         return;
     }
     const std::size_t newerLength = newer.size();

@@ -392,7 +392,7 @@ bool Form1::readPhoneFile(const std::string& file)
     } catch (const std::exception& error) {
         // The image and its path stay as they were, so a later save cannot land elsewhere.
         setBusy(false);
-        showError(failureText(error));
+        showFailure(error);
         return false;
     }
     setBusy(false);

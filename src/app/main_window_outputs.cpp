@@ -50,7 +50,7 @@ bool Form1::Saveaxf(bool showDone)
         m_editor->history().save();
     } catch (const std::exception& error) {
         // The phone file is untouched and Save stays enabled, so the save can be tried again.
-        showError(failureText(error));
+        showFailure(error);
         return false;
     }
     if (showDone) ShowMessage(21);
@@ -78,7 +78,7 @@ bool Form1::writeSRecordPatchTo(const QString& path, const std::vector<image::Re
         BusyPointer busy;
         image::writeEditsAsPatch(m_document, path.toStdString(), regions);
     } catch (const std::exception& error) {
-        showError(failureText(error));
+        showFailure(error);
         return false;
     }
     ShowMessage(10);
@@ -93,7 +93,7 @@ void Form1::patchInImage(const std::vector<image::Region>& regions, bool showDon
         // One undo step; Save follows from it, even for a region cut at the image's end.
         whole = m_editor->history().patch(regions);
     } catch (const std::exception& error) {
-        showError(failureText(error));
+        showFailure(error);
         return;
     }
     if (!whole) {

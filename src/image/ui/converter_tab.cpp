@@ -222,7 +222,7 @@ void ConverterTab::convertS3ToBin()
         // done, so a stop or a failure leaves an existing file as it was.
         out.emplace(output, kConvertingMarker);
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     m_converting = true;
@@ -306,7 +306,7 @@ void ConverterTab::ComBinToS3_Click()
         });
         out.commit();
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     m_host->ShowMessage(10);

@@ -194,7 +194,7 @@ void StringsTab::SeachString_Click()
     try {
         pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     // Departure: the classic search went on from the previous text's last hit, so a
@@ -239,7 +239,7 @@ void StringsTab::Add2List_Click()
                                 Text7->text().toStdString(), Text8->text().toStdString(), m_hitInHandsetCodes,
                                 m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     if (!row) {
@@ -297,7 +297,7 @@ std::optional<std::vector<image::Region>> StringsTab::checkedRegions()
     try {
         return editListRegions(rows, Option3->isChecked(), m_host->imageState().FirmwareLength, m_host->codePage());
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return std::nullopt;
     }
 }

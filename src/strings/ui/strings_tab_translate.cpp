@@ -142,7 +142,7 @@ void StringsTab::ExportStrings_Click()
         m_host->document().refuseAsOutput(path.toStdString());
         writeTranslationFile(path.toStdString(), result.strings, image::FileNameOf(state.FirmwarePath));
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     m_host->showInformation(m_host->text("StringsExported").arg(result.strings.size()).arg(path));
@@ -169,7 +169,7 @@ void StringsTab::ImportTranslation_Click()
                 rows.push_back(editRowOf(result, m_editModel->rows().size() + rows.size(), m_host->codePage()));
         m_lastImport = std::move(imported);
     } catch (const std::exception& error) {  // a code page iconv does not know
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     for (const StringEditRow& row : rows) addEditRow(row);
@@ -201,7 +201,7 @@ void StringsTab::SaveReport_Click()
         report.stream() << reportCsv(m_lastImport);
         report.commit();
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     m_host->showInformation(m_host->text("ReportWritten").arg(path));
