@@ -53,7 +53,7 @@ public:
     void SavePicTable_Click();
 
     // The preview and its player.
-    // The row at `row` was clicked (or chosen with the keyboard): its first frame shows.
+    // Row `row` was clicked or reached with the keyboard: the chosen row shows from its first frame.
     void ListView5_ItemClick(int row);
     void ListView5_DblClick();
     void nextpicture_Click();
