@@ -112,14 +112,15 @@ int previewFrames()
     auto* pictures = window.findChild<zevran::pictures::PicturesTab*>();
     answers->files = {home.path() + "/pictures.txt"};
     pictures->OpenPicTable_Click();
-    if (pictures->ListView5->topLevelItemCount() != 1) return 1;
-    pictures->ListView5->topLevelItem(0)->setSelected(true);
-    pictures->ListView5_ItemClick(pictures->ListView5->topLevelItem(0));
+    if (pictures->ListView5->model()->rowCount() != 1) return 1;
+    pictures->ListView5->selectionModel()->select(pictures->ListView5->model()->index(0, 0),
+                                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    pictures->ListView5_ItemClick(0);
     std::vector<double> shown;
     for (int frame = 0; frame < 60; ++frame) {
         QElapsedTimer clock;
         clock.start();
-        if (frame % 20 == 19) pictures->ListView5_ItemClick(pictures->ListView5->topLevelItem(0));
+        if (frame % 20 == 19) pictures->ListView5_ItemClick(0);
         else pictures->nextpicture_Click();
         QApplication::processEvents();
         shown.push_back(milliseconds(clock.nsecsElapsed()));

@@ -22,11 +22,12 @@ namespace zevran::app {
 
 namespace {
 
-void selectRows(QTreeWidget* list, std::initializer_list<int> rows)
+void selectRows(QAbstractItemView* list, std::initializer_list<int> rows)
 {
     list->clearSelection();
     for (int row : rows)
-        if (QTreeWidgetItem* item = list->topLevelItem(row)) item->setSelected(true);
+        if (const QModelIndex first = list->model()->index(row, 0); first.isValid())
+            list->selectionModel()->select(first, QItemSelectionModel::Select | QItemSelectionModel::Rows);
 }
 
 // Tones found, a few notes, the demo's tone files and a plan pairing two of them.
@@ -62,10 +63,10 @@ void stagePictures(Form1& window, StagedDialogs& dialogs, const QString& demoFol
     auto* tab = window.findChild<pictures::PicturesTab*>();
     dialogs.files = {demoFolder + "/demo-pictures.txt"};
     tab->OpenPicTable_Click();
-    const int last = tab->ListView5->topLevelItemCount() - 1;
+    const int last = tab->ListView5->model()->rowCount() - 1;
     if (last < 0) return;
     selectRows(tab->ListView5, {last});
-    tab->ListView5_ItemClick(tab->ListView5->topLevelItem(last));
+    tab->ListView5_ItemClick(last);
     tab->nextpicture_Click();
     tab->nextpicture_Click();
 }

@@ -114,7 +114,7 @@ private:
         tab->OpenPicTable_Click();
         QCOMPARE(rowCount(tab->ListView5), 1);
         selectRow(tab->ListView5, 0);
-        tab->ListView5_ItemClick(tab->ListView5->topLevelItem(0));
+        tab->ListView5_ItemClick(0);
         tab->nextpicture_Click();
         tab->PreviousPicture_Click();
         tab->PlayPicture_Click();

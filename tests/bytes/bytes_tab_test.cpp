@@ -89,7 +89,7 @@ private:
         strings->Text7->setText("Mine");
         strings->Add2List->click();
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
-        new QTreeWidgetItem(pictures->ListView5, QStringList{"001", "pic", "0X00000080", "2", "8", "2*2", "16"});
+        pictures->appendPictureRows({{"001", "pic", "0X00000080", "2", "8", "2*2", "16"}});
         m_tab->refreshOwners();
     }
 
@@ -227,7 +227,7 @@ private slots:
         QCOMPARE(m_tabs->currentWidget(), tones);
         QCOMPARE(tones->ListView4->currentIndex().row(), 0);
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
-        new QTreeWidgetItem(pictures->ListView5, QStringList{"002", "other", "0X000001C0", "1", "16", "4*2", "16"});
+        pictures->appendPictureRows({{"002", "other", "0X000001C0", "1", "16", "4*2", "16"}});
         m_tab->refreshOwners();
         m_tab->view->setCursor(0x1C5);
         m_tab->ShowOwner->trigger();

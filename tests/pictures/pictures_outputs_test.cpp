@@ -1,5 +1,5 @@
 // The picture tab's outputs through the dialogs double: the pop-up menu, export to BMP
-// files and the S-record patch of the checked rows.
+// files, the S-record patch of the checked rows, and the rows these read from the list.
 #include "pictures_tab_fixture.hpp"
 
 #include <QCloseEvent>
@@ -14,6 +14,44 @@ class PictureOutputsTest : public PicturesTabFixture {
 private slots:
     void init() { QVERIFY(m_home.isValid()); }
     void cleanup() { resetHome(); }
+
+    // ---- The list's rows ----
+
+    void nameCellsShowTheirWholeTextUnderThePointer()
+    {
+        startWindow("phone.bin");
+        openTable(kTable +
+                  line("009", "a_name_far_longer_than_its_column_is_wide", "00000100", "1", "12", "2*2", "24"));
+        QCOMPARE(cellToolTip(m_tab->ListView5, Screen, 1), QString("screen"));
+        QCOMPARE(cellToolTip(m_tab->ListView5, 8, 1), QString("a_name_far_longer_than_its_column_is_wide"));
+        for (int column : {0, 2, 3, 4, 5, 6}) QCOMPARE(cellToolTip(m_tab->ListView5, Screen, column), QString());
+    }
+
+    void anotherTableLoadsUnchecked()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        QVERIFY(setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked));
+        QCOMPARE(checkState(m_tab->ListView5, Logo, 0), Qt::Checked);
+        QVERIFY(!setCellText(m_tab->ListView5, Logo, 1, "renamed"));
+        openTable(kTable);
+        QCOMPARE(rowCount(m_tab->ListView5), 8);
+        for (int row = 0; row < 8; ++row) QCOMPARE(checkState(m_tab->ListView5, row, 0), Qt::Unchecked);
+        QCOMPARE(m_tab->pictureRows()[Logo].name, std::string("logo"));
+    }
+
+    void tableSavedOverThePhoneFileIsRefusedAndTheFileKept()
+    {
+        startWindow("phone.bin");
+        openTable(kTable);
+        m_dialogs->files.push_back(path("phone.bin"));
+        m_tab->SavePicTable_Click();
+        QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
+        QCOMPARE(m_dialogs->messages[0].text,
+                 path("phone.bin") + ": " + path("phone.bin") +
+                     ": is the phone file open in the workshop; it is changed only by saving its image");
+        QCOMPARE(readBytes(path("phone.bin")), phoneImage());
+    }
 
     // ---- The pop-up menu ----
 

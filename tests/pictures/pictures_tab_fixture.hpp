@@ -9,7 +9,7 @@
 #include "app/main_window.hpp"
 #include "pictures/ui/pictures_tab.hpp"
 
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QAction>
 #include <QCheckBox>
 #include <QDir>

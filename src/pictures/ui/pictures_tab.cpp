@@ -23,6 +23,7 @@
 #include <QSlider>
 #include <QSplitter>
 #include <QTimer>
+#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -62,9 +63,10 @@ PicturesTab::PicturesTab(QWidget* parent) : QWidget(parent)
 QWidget* PicturesTab::buildTablePane()
 {
     auto* table = new QWidget(this);
-    ListView5 = image::reportList(
-        "ListView5", {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")}, table);
-    image::showCellsInToolTips(ListView5, {1});
+    m_pictureModel = makePictureListModel(this);
+    m_pictureModel->setHeaders(
+        {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")});
+    ListView5 = image::reportView("ListView5", m_pictureModel, table);
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
     FindPictures = named(new QPushButton(table), "FindPictures");
@@ -176,12 +178,17 @@ QImage enlarged(const QImage& picture, int zoom)
 
 }  // namespace
 
-std::vector<PictureEntry> PicturesTab::rowsWhere(const std::function<bool(const QTreeWidgetItem*)>& take) const
+std::vector<PictureEntry> PicturesTab::rowsWhere(const std::function<bool(int)>& take) const
 {
     std::vector<PictureEntry> rows;
-    for (int i = 0; i < ListView5->topLevelItemCount(); ++i)
-        if (take(ListView5->topLevelItem(i))) rows.push_back(entryOf(ListView5->topLevelItem(i)));
+    for (int i = 0; i < m_pictureModel->rowCount(); ++i)
+        if (take(i)) rows.push_back(m_pictureModel->row(i).entry);
     return rows;
+}
+
+void PicturesTab::appendPictureRows(const std::vector<PictureEntry>& rows)
+{
+    for (const PictureEntry& row : rows) m_pictureModel->append({row, false});
 }
 
 std::vector<QWidget*> PicturesTab::workControls() const
@@ -201,12 +208,16 @@ void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
     importallpic = menuAction(menufile5, "importallpic");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
-    connect(ListView5, &QTreeWidget::itemClicked, this, &PicturesTab::ListView5_ItemClick);
+    connect(ListView5, &QTreeView::clicked, this,
+            [this](const QModelIndex& index) { ListView5_ItemClick(index.row()); });
     // A row chosen with the keyboard is shown too; a mouse press is left to the click.
-    connect(ListView5, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
-        if (item && item->isSelected() && QApplication::mouseButtons() == Qt::NoButton) ListView5_ItemClick(item);
-    });
-    connect(ListView5, &QTreeWidget::customContextMenuRequested, this, &PicturesTab::ListView5_MouseUp);
+    connect(ListView5->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) {
+                if (current.isValid() && ListView5->selectionModel()->isRowSelected(current.row(), {}) &&
+                    QApplication::mouseButtons() == Qt::NoButton)
+                    ListView5_ItemClick(current.row());
+            });
+    connect(ListView5, &QTreeView::customContextMenuRequested, this, &PicturesTab::ListView5_MouseUp);
     ListView5->viewport()->installEventFilter(this);
     Picture2->installEventFilter(this);
     connect(nextpicture, &QPushButton::clicked, this, &PicturesTab::nextpicture_Click);
@@ -237,12 +248,18 @@ bool PicturesTab::eventFilter(QObject* watched, QEvent* event)
 
 // ---- The preview and its player ----
 
-QTreeWidgetItem* PicturesTab::selectedRow() const
+int PicturesTab::selectedRow() const
 {
-    QTreeWidgetItem* current = ListView5->currentItem();
-    if (current && current->isSelected()) return current;
-    const auto selected = ListView5->selectedItems();
-    return selected.isEmpty() ? nullptr : selected.first();
+    const QModelIndex current = ListView5->currentIndex();
+    if (current.isValid() && ListView5->selectionModel()->isRowSelected(current.row(), {})) return current.row();
+    const std::vector<int> selected = image::selectedRows(ListView5);
+    return selected.empty() ? -1 : selected.front();
+}
+
+PictureEntry PicturesTab::selectedEntry() const
+{
+    const int row = selectedRow();
+    return row < 0 ? PictureEntry{} : m_pictureModel->row(row).entry;
 }
 
 std::string PicturesTab::colourTablePath() const { return (m_host->dataFolder() + "/16.dat").toStdString(); }
@@ -269,7 +286,7 @@ void PicturesTab::showFrameCount(const FrameGeometry& geometry, std::int32_t add
 // loaded into Picture2, and the file deleted again. Returns why it could not, or "".
 QString PicturesTab::showFrame(const std::string& path)
 {
-    const PictureEntry row = entryOf(selectedRow());
+    const PictureEntry row = selectedEntry();
     const QString file = QString::fromStdString(path);
     try {
         const FrameGeometry geometry = pictures::frameGeometry(row);
@@ -319,9 +336,9 @@ void PicturesTab::scalePreview()
     Picture2->setPixmap(QPixmap::fromImage(enlarged(m_preview, m_zoom)));
 }
 
-void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
+void PicturesTab::ListView5_ItemClick(int row)
 {
-    if (!item || m_working) return;
+    if (row < 0 || row >= m_pictureModel->rowCount() || m_working) return;
     m_frame = 0;
     showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
@@ -329,7 +346,7 @@ void PicturesTab::ListView5_ItemClick(QTreeWidgetItem* item)
 void PicturesTab::imageBytesChanged()
 {
     if (m_finder && m_finder->isVisible()) m_finder->redraw();
-    if (!m_preview.isNull() && selectedRow() && !m_working)
+    if (!m_preview.isNull() && selectedRow() >= 0 && !m_working)
         showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));
 }
 
@@ -394,7 +411,7 @@ void PicturesTab::Timer2_Timer()
     // While the player is paused, or a message of the last tick is still open, a tick passes.
     if (m_paused || m_inTick || m_working) return;
     m_inTick = true;
-    const PictureEntry row = entryOf(selectedRow());
+    const PictureEntry row = selectedEntry();
     QString failure;
     try {
         const AnimationTick tick = animationTick(m_frame, pictures::frameGeometry(row).frames, RepeatPlay->isChecked());
@@ -433,9 +450,9 @@ void PicturesTab::applyTexts()
     if (m_finder) m_finder->retranslate();
     if (m_gallery) m_gallery->retranslate();
     // A frame on show keeps its count, now in the new language.
-    if (QTreeWidgetItem* item = selectedRow(); item && !FrameCount->text().isEmpty()) {
+    if (selectedRow() >= 0 && !FrameCount->text().isEmpty()) {
         try {
-            const FrameGeometry geometry = pictures::frameGeometry(entryOf(item));
+            const FrameGeometry geometry = pictures::frameGeometry(selectedEntry());
             showFrameCount(geometry, shownFrameAddress(geometry, m_frame));
         } catch (const std::exception&) {
             // A row that cannot be shown has no count on show to retell.

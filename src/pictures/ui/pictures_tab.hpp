@@ -6,6 +6,7 @@
 #include "pictures/picture_import_job.hpp"
 #include "pictures/picture_player.hpp"
 #include "pictures/picture_table.hpp"
+#include "picture_list_model.hpp"
 
 #include <QImage>
 #include <QWidget>
@@ -25,8 +26,7 @@ class QProgressBar;
 class QPushButton;
 class QSlider;
 class QTimer;
-class QTreeWidget;
-class QTreeWidgetItem;
+class QTreeView;
 
 namespace zevran::image {
 class TabHost;
@@ -53,7 +53,8 @@ public:
     void SavePicTable_Click();
 
     // The preview and its player.
-    void ListView5_ItemClick(QTreeWidgetItem* item);
+    // Row `row` was clicked or reached with the keyboard: the chosen row shows from its first frame.
+    void ListView5_ItemClick(int row);
     void ListView5_DblClick();
     void nextpicture_Click();
     void PreviousPicture_Click();
@@ -92,10 +93,9 @@ public:
     void imageBytesChanged();
 
     // Every row of the list, as the byte view reads their frames.
-    std::vector<PictureEntry> pictureRows() const
-    {
-        return rowsWhere([](const QTreeWidgetItem*) { return true; });
-    }
+    std::vector<PictureEntry> pictureRows() const { return entriesOf(m_pictureModel->rows()); }
+    // Rows added after the last, unchecked, as a loaded table or the finder adds them.
+    void appendPictureRows(const std::vector<PictureEntry>& rows);
 
     // The picture scan over the whole image, its candidates in the gallery
     // (pictures_tab_gallery.cpp).
@@ -110,7 +110,7 @@ public:
     // The integer factor by which Picture2 shows the frame on show.
     int previewZoom() const { return m_zoom; }
 
-    QTreeWidget* ListView5;
+    QTreeView* ListView5;
     QPushButton* OpenPicTable;
     QPushButton* SavePicTable;
     QPushButton* FindPictures;
@@ -150,10 +150,13 @@ private:
     class Work;
 
     std::vector<QWidget*> workControls() const;
-    // The rows of the list that `take` accepts, as the logic sees them, in list order.
-    std::vector<PictureEntry> rowsWhere(const std::function<bool(const QTreeWidgetItem*)>& take) const;
+    // The rows of the list that `take` accepts (by row number), as the logic sees them, in list order.
+    std::vector<PictureEntry> rowsWhere(const std::function<bool(int)>& take) const;
     void stepFrame(int step);
-    QTreeWidgetItem* selectedRow() const;
+    // The row the commands act on: the current row if selected, else the first selected; -1 for none.
+    int selectedRow() const;
+    // That row's cells; every cell empty when no row is chosen, so every number reads as 0.
+    PictureEntry selectedEntry() const;
     QString showFrame(const std::string& path);
     void showFrameOrError(const std::string& path);
     void loadPreview(const QString& path);
@@ -163,7 +166,6 @@ private:
     void showFrameCount(const FrameGeometry& geometry, std::int32_t address);
     std::string colourTablePath() const;
     void exportPictures(bool selectedOnly);
-    void addListRow(const PictureEntry& row);
     PictureFinderPane* openFinder();
     QWidget* buildTablePane();
     QGroupBox* buildPreviewPane();
@@ -176,6 +178,7 @@ private:
     QString importText(const char* key) const;
 
     image::TabHost* m_host = nullptr;
+    PictureListModel* m_pictureModel = nullptr;
     QGroupBox* m_frame16 = nullptr;
     FrameNumber m_frame = 0;
     bool m_paused = false;

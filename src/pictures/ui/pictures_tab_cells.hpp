@@ -1,5 +1,5 @@
-// The picture list's cells as the tab's commands read them, and the row a message is
-// about. Shared by the tab's files (list and preview, import, finder).
+// The row a message is about, and the table's warnings, in the window's language.
+// Shared by the tab's files (list and preview, import, finder).
 #pragma once
 
 #include "pictures/picture_table.hpp"
@@ -8,18 +8,10 @@
 #include "window/widget_helpers.hpp"
 
 #include <QStringList>
-#include <QTreeWidgetItem>
 #include <exception>
 #include <vector>
 
 namespace zevran::pictures {
-
-inline PictureEntry entryOf(const QTreeWidgetItem* item)
-{
-    if (!item) return {};  // no row chosen: every cell reads as empty, every number as 0
-    auto cell = [item](int column) { return item->text(column).toStdString(); };
-    return {cell(0), cell(1), cell(2), cell(3), cell(4), cell(5), cell(6)};
-}
 
 // "row 003: " before a reason, so a message names the row it is about.
 inline QString onRow(const image::TabHost& host, const PictureEntry& row, const std::exception& error)

@@ -27,6 +27,7 @@
 #include <QSlider>
 #include <QSplitter>
 #include <QTimer>
+#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void PicturesTab::OpenPicTable_Click()
     settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
     // The list is replaced, so an animation of one of its rows ends here.
     stopPlayer();
-    ListView5->clear();
+    m_pictureModel->clear();
     std::vector<PictureEntry> rows;
     std::vector<TableFieldWarning> warnings;
     try {
@@ -66,7 +67,7 @@ void PicturesTab::OpenPicTable_Click()
         m_host->showMessageWith(kMessageBadPictureTable, path + ": " + m_host->failureText(error));
         return;
     }
-    for (const PictureEntry& row : rows) addListRow(row);
+    appendPictureRows(rows);
     for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
     // The rows load as they always did, but a field that can name no picture is said now,
     // not later as a wrong picture format.
@@ -74,18 +75,9 @@ void PicturesTab::OpenPicTable_Click()
         m_host->showMessageWith(kMessageBadPictureTable, path + ":\n" + tableWarningText(*m_host, warnings));
 }
 
-void PicturesTab::addListRow(const PictureEntry& row)
-{
-    auto* item = new QTreeWidgetItem(ListView5, {fromUtf8(row.number), fromUtf8(row.name), fromUtf8(row.address),
-                                                 fromUtf8(row.frames), fromUtf8(row.frameSize),
-                                                 fromUtf8(row.dimensions), fromUtf8(row.depth)});
-    item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-    item->setCheckState(0, Qt::Unchecked);
-}
-
 void PicturesTab::SavePicTable_Click()
 {
-    if (ListView5->topLevelItemCount() == 0) {
+    if (m_pictureModel->rowCount() == 0) {
         m_host->ShowMessage(4);
         return;
     }
@@ -93,15 +85,16 @@ void PicturesTab::SavePicTable_Click()
     const QString path = m_host->dialogs().saveFile(settings.TableSavePath, m_host->filter(2), 2);
     if (path.isEmpty()) return;
     settings.TableSavePath = fromUtf8(FolderOf(path.toStdString()));
-    const std::vector<PictureEntry> rows = rowsWhere([](const QTreeWidgetItem*) { return true; });
+    const std::vector<PictureEntry> rows = pictureRows();
     // The frame, size, dimension and depth columns are labelled with their headers as shown.
     std::array<std::string, 4> headers;
     for (int column = 3; column <= 6; ++column)
-        headers[static_cast<std::size_t>(column - 3)] = ListView5->headerItem()->text(column).toStdString();
+        headers[static_cast<std::size_t>(column - 3)] =
+            m_pictureModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
     try {
         const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
         const std::string bytes = strings::encodeText(text, m_host->codePage());
-        refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
+        m_host->document().refuseAsOutput(path.toStdString());
         saveFileSafely(path.toStdString(),
                        std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     } catch (const std::exception& error) {
@@ -120,12 +113,12 @@ void PicturesTab::ListView5_MouseUp(const QPoint& position)
 
 void PicturesTab::enablePictureMenu()
 {
-    const bool rows = ListView5->topLevelItemCount() > 0;
+    const bool rows = m_pictureModel->rowCount() > 0;
     outputpic->setEnabled(rows);
     outputpicall->setEnabled(rows);
     outputpics3->setEnabled(rows && m_host->imageState().FileKind == "bin");
-    ShowInFinder->setEnabled(selectedRow() != nullptr);
-    const bool importable = selectedRow() && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
+    ShowInFinder->setEnabled(selectedRow() >= 0);
+    const bool importable = selectedRow() >= 0 && (m_host->takesSRecordPatch() || m_host->takesInImagePatch());
     importpic->setEnabled(importable);
     importallpic->setEnabled(importable);
 }
@@ -145,8 +138,8 @@ void PicturesTab::exportPictures(bool selectedOnly)
     if (folder.isEmpty()) return;
     Timer2->stop();
     // The rows are read once: the list may change while pending events run.
-    const std::vector<PictureEntry> rows =
-        rowsWhere([selectedOnly](const QTreeWidgetItem* item) { return !selectedOnly || item->isSelected(); });
+    const std::vector<PictureEntry> rows = rowsWhere(
+        [this, selectedOnly](int row) { return !selectedOnly || ListView5->selectionModel()->isRowSelected(row, {}); });
     QString failure;
     ExportTally tally;
     {
@@ -197,8 +190,7 @@ void PicturesTab::outputpics3_Click()
     if (path.isEmpty()) return;
     settings.S3SavePath = fromUtf8(FolderOf(path.toStdString()));
     Timer2->stop();
-    const std::vector<PictureEntry> checked =
-        rowsWhere([](const QTreeWidgetItem* item) { return item->checkState(0) == Qt::Checked; });
+    const std::vector<PictureEntry> checked = rowsWhere([this](int row) { return m_pictureModel->row(row).checked; });
     RowsPatch patch;
     QString failure;
     {

@@ -7,7 +7,7 @@
 #include "window/widget_helpers.hpp"
 
 #include <QPushButton>
-#include <QTreeWidget>
+#include <QTreeView>
 
 namespace zevran::pictures {
 
@@ -36,9 +36,8 @@ void PicturesTab::FindPictures_Click()
 
 void PicturesTab::ShowInFinder_Click()
 {
-    QTreeWidgetItem* item = selectedRow();
-    if (!item) return;
-    const PictureEntry row = entryOf(item);
+    if (selectedRow() < 0) return;
+    const PictureEntry row = selectedEntry();
     try {
         const FrameGeometry geometry = pictures::frameGeometry(row);
         openFinder()->showPicture({geometry.start, geometry.frames, geometry.width, geometry.height, geometry.depth});
@@ -50,10 +49,9 @@ void PicturesTab::ShowInFinder_Click()
 void PicturesTab::addFoundPicture(const FoundPicture& picture, const QString& name)
 {
     std::vector<PictureEntry> last;
-    if (const int count = ListView5->topLevelItemCount(); count > 0)
-        last.push_back(entryOf(ListView5->topLevelItem(count - 1)));
+    if (const int count = m_pictureModel->rowCount(); count > 0) last.push_back(m_pictureModel->row(count - 1).entry);
     try {
-        addListRow(foundPictureEntry(picture, nextPictureNumber(last), name.toStdString()));
+        appendPictureRows({foundPictureEntry(picture, nextPictureNumber(last), name.toStdString())});
     } catch (const std::exception& error) {
         m_host->showError(m_host->failureText(error));
         return;

@@ -20,7 +20,7 @@ void PicturesTab::ScanPictures_Click()
     m_gallery->show();
     m_gallery->raise();
     m_gallery->activateWindow();
-    if (!m_gallery->scanning()) m_gallery->startScan(rowsWhere([](const QTreeWidgetItem*) { return true; }));
+    if (!m_gallery->scanning()) m_gallery->startScan(pictureRows());
 }
 
 }  // namespace zevran::pictures

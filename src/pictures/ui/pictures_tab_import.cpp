@@ -14,7 +14,6 @@
 #include "picture_import_view.hpp"
 
 #include <QTimer>
-#include <QTreeWidget>
 
 #include <algorithm>
 
@@ -139,9 +138,8 @@ void PicturesTab::showImportStop(const PictureEntry& row, const RowImportError& 
 // cannot be imported, before any file is asked for.
 std::optional<ImportableRow> PicturesTab::importableRow()
 {
-    QTreeWidgetItem* item = selectedRow();
-    if (!item || !(m_host->takesSRecordPatch() || m_host->takesInImagePatch())) return std::nullopt;
-    const PictureEntry entry = entryOf(item);
+    if (selectedRow() < 0 || !(m_host->takesSRecordPatch() || m_host->takesInImagePatch())) return std::nullopt;
+    const PictureEntry entry = selectedEntry();
     try {
         return pictures::importableRow(entry, colourTablePath());
     } catch (const RowImportError& error) {
