@@ -361,7 +361,7 @@ void PicturesTab::stepFrame(int step)
     try {
         m_frame = steppedFrame(m_frame, step);
     } catch (const PlayerOverflow& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     showFrameOrError(previewFilePath(m_host->runtimeFolder().toStdString()));

@@ -53,7 +53,7 @@ void PicturesTab::addFoundPicture(const FoundPicture& picture, const QString& na
     try {
         appendPictureRows({foundPictureEntry(picture, nextPictureNumber(last), name.toStdString())});
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(true);
