@@ -351,7 +351,7 @@ void TonesTab::exportTones(bool everyRow)
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
         tones::exportTones(
-            m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; }, picked.toStdString(),
+            m_host->document(), rows, [&](std::size_t i) { return everyRow || selected[i]; }, picked.toStdString(),
             [&](std::size_t i) {
                 if (everyRow || selected[i]) ++written;
                 QCoreApplication::processEvents();
