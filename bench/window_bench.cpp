@@ -29,7 +29,7 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <algorithm>
 #include <cstddef>
 #include <sys/resource.h>
@@ -241,7 +241,7 @@ int loadLargeImage(const QString& phone)
     strings->SeachString_Click();
     const double searched = seconds(clock.nsecsElapsed());
     std::printf("load_image_bytes %lld\nload_tone_rows %d\nload_found_at %s\n",
-                static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->topLevelItemCount(),
+                static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->model()->rowCount(),
                 qPrintable(strings->Text10->text()));
     std::printf("load_open_s %.3f\nload_scan_s %.3f\nload_search_s %.3f\n", opened, scanned - opened,
                 searched - scanned);
@@ -281,8 +281,8 @@ int main(int argc, char** argv)
         tones->GetTone_Click();
         fills.push_back(seconds(clock.nsecsElapsed()));
     }
-    if (tones->ListView4->topLevelItemCount() != 5000) return 1;
-    std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->ListView4->topLevelItemCount(), median(fills));
+    if (tones->ListView4->model()->rowCount() != 5000) return 1;
+    std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->ListView4->model()->rowCount(), median(fills));
 
     auto* converter = window.findChild<zevran::image::ConverterTab*>();
     converter->Text1->setText(QString::fromLocal8Bit(argv[1]));

@@ -11,7 +11,7 @@
 #include <QTabWidget>
 #include <QAbstractItemView>
 #include <QItemSelectionModel>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <algorithm>
 
 namespace zevran::app {

@@ -16,7 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
-#include <QTreeWidget>
+#include <QTreeView>
 
 namespace zevran::app {
 
@@ -35,13 +35,13 @@ void stageTones(Form1& window, const QString& demoFolder)
 {
     auto* tab = window.findChild<tones::TonesTab*>();
     tab->GetTone_Click();
-    if (QTreeWidgetItem* first = tab->ListView4->topLevelItem(0)) first->setText(4, "ring1");
+    tab->ListView4->model()->setData(tab->ListView4->model()->index(0, 4), "ring1", Qt::EditRole);
     tab->setCurrentFolder(demoFolder + "/tones");
     selectRows(tab->ListView1, {0, 1});
     tab->addmmf_Click();
     selectRows(tab->ListView4, {0, 1});
     tab->addaddress_Click();
-    if (QTreeWidgetItem* pair = tab->ListView3->topLevelItem(0)) pair->setCheckState(0, Qt::Checked);
+    tab->ListView3->model()->setData(tab->ListView3->model()->index(0, 0), Qt::Checked, Qt::CheckStateRole);
     selectRows(tab->ListView4, {0});
 }
 

@@ -74,8 +74,7 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
     args.expectPositional(1, "export-tones FILE --to PATH [--rows 001,004,...]");
     if (!args.has("--to")) throw UsageError("export-tones needs --to PATH");
     image::PhoneDocument document = openPhoneFile(args.positional()[0]);
-    image::ImageState& state = document.state();
-    const std::vector<ToneSlot> rows = scanTones(state);
+    const std::vector<ToneSlot> rows = scanTones(document.state());
     std::set<long> wanted;
     if (auto list = args.value("--rows")) {
         wanted = numberListArgument(*list, "--rows");
@@ -89,7 +88,7 @@ int runExportTones(const std::vector<std::string>& words, const Context&)
     auto isWanted = [&](std::size_t i) { return wanted.empty() || wanted.count(static_cast<long>(i) + 1) > 0; };
     std::size_t passed = 0;
     try {
-        exportTones(state, rows, isWanted, picked, [&](std::size_t i) { passed = i + 1; });
+        exportTones(document, rows, isWanted, picked, [&](std::size_t i) { passed = i + 1; });
     } catch (const std::exception& error) {
         // The export stopped at the first wanted row after the ones it passed.
         std::size_t failed = passed;

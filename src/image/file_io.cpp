@@ -85,13 +85,6 @@ void requireRegularFile(const std::string& path)
     if (!S_ISREG(info.st_mode)) throw FileError(Reason::IsDeviceOrPipe, {path});
 }
 
-void refusePhoneFile(const std::string& phone, const std::string& output)
-{
-    std::error_code error;
-    if (!phone.empty() && std::filesystem::equivalent(phone, output, error))
-        throw FileError(Reason::IsOpenPhoneFile, {output});
-}
-
 std::ifstream openInputFile(const std::string& path)
 {
     // A missing file is left for the stream to report.

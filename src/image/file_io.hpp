@@ -32,10 +32,6 @@ void saveFileSafely(const std::string& path, std::span<const std::uint8_t> bytes
 // would make a reader wait for ever or read without end.
 void requireRegularFile(const std::string& path);
 
-// Throws FileError when `output` is the open phone file `phone`, which only a save of
-// its image may change.
-void refusePhoneFile(const std::string& phone, const std::string& output);
-
 // A file opened for reading in binary; throws FileError naming the path (also for a folder).
 std::ifstream openInputFile(const std::string& path);
 

@@ -70,7 +70,7 @@ void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> b
     saveFileSafely(path, whole);
 }
 
-void exportTones(const ImageState& state, const std::vector<ToneSlot>& rows,
+void exportTones(const PhoneDocument& document, const std::vector<ToneSlot>& rows,
                  const std::function<bool(std::size_t)>& wanted, std::string_view pickedPath,
                  const std::function<void(std::size_t)>& afterRow)
 {
@@ -78,8 +78,8 @@ void exportTones(const ImageState& state, const std::vector<ToneSlot>& rows,
         if (wanted(i)) {
             const std::string path = toneExportPath(pickedPath, rows[i].number);
             // A picked name can make a tone's file name that of the phone file itself.
-            refusePhoneFile(state.FirmwarePath, path);
-            writeOverFileStart(path, toneBytes(state, rows[i]));
+            document.refuseAsOutput(path);
+            writeOverFileStart(path, toneBytes(document.state(), rows[i]));
         }
         if (afterRow) afterRow(i);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "image/failure.hpp"
+#include "image/phone_document.hpp"
 
 #include "tone_scan.hpp"
 
@@ -34,10 +35,11 @@ std::span<const std::uint8_t> toneBytes(const image::ImageState& state, const To
 // through a temporary beside it, so a failure leaves it as it was.
 void writeOverFileStart(const std::string& path, std::span<const std::uint8_t> bytes);
 
-// Exports the rows whose index `wanted` accepts, in list order, telling `afterRow`
-// the index of each row passed. Stops with ToneExportError before the file of a
-// faulty row is opened; files written before it stay.
-void exportTones(const image::ImageState& state, const std::vector<ToneSlot>& rows,
+// Exports the rows whose index `wanted` accepts from the document's image, in list
+// order, telling `afterRow` the index of each row passed. Stops with ToneExportError
+// before the file of a faulty row is opened, and with FileError (IsOpenPhoneFile)
+// before a file that is the document's phone file; files written before stay.
+void exportTones(const image::PhoneDocument& document, const std::vector<ToneSlot>& rows,
                  const std::function<bool(std::size_t)>& wanted, std::string_view pickedPath,
                  const std::function<void(std::size_t)>& afterRow = {});
 

@@ -15,7 +15,6 @@
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTreeView>
-#include <QTreeWidget>
 #include <algorithm>
 #include <initializer_list>
 #include <vector>
@@ -33,21 +32,6 @@ Widget* named(Widget* widget, const char* name, const QString& text = QString())
         if (!text.isEmpty()) widget->setText(text);
     if constexpr (std::is_same_v<QGroupBox, Widget>) widget->setTitle(text);
     return widget;
-}
-
-// A report list: one row an item, no tree decoration, headers as given.
-inline QTreeWidget* reportList(const char* name, const QStringList& headers, QWidget* parent)
-{
-    auto* list = named(new QTreeWidget(parent), name);
-    list->setRootIsDecorated(false);
-    list->setUniformRowHeights(true);
-    list->setAlternatingRowColors(true);
-    list->setColumnCount(static_cast<int>(headers.size()));
-    list->setHeaderLabels(headers);
-    list->setContextMenuPolicy(Qt::CustomContextMenu);
-    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    list->header()->setStretchLastSection(true);
-    return list;
 }
 
 // A report list over a model: one row a line, no tree decoration; the model's
@@ -92,27 +76,6 @@ inline int widthForText(const QLineEdit* box, const QString& sample)
 
 // A text box never narrower than its widest expected content, so no layout cuts it.
 inline void fitToText(QLineEdit* box, const QString& widest) { box->setMinimumWidth(widthForText(box, widest)); }
-
-// Each cell of the given columns carries its own text as its tooltip, so a cell cut
-// by its column shows whole under the pointer; it follows every change of the cell.
-inline void showCellsInToolTips(QTreeWidget* list, std::initializer_list<int> columns)
-{
-    const std::vector<int> shown(columns);
-    auto follow = [list, shown](int first, int last) {
-        for (int row = first; row <= last; ++row)
-            if (QTreeWidgetItem* item = list->topLevelItem(row))
-                for (int column : shown)
-                    if (item->toolTip(column) != item->text(column)) item->setToolTip(column, item->text(column));
-    };
-    QObject::connect(list->model(), &QAbstractItemModel::rowsInserted, list,
-                     [follow](const QModelIndex& parent, int first, int last) {
-                         if (!parent.isValid()) follow(first, last);
-                     });
-    QObject::connect(list->model(), &QAbstractItemModel::dataChanged, list,
-                     [follow](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
-                         if (!topLeft.parent().isValid()) follow(topLeft.row(), bottomRight.row());
-                     });
-}
 
 // A command added to a tab's pop-up menu. Its caption comes from the language file
 // under `name` (section [Popup Menu]); until then it reads as its name.

@@ -19,7 +19,7 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <sys/stat.h>
 #include <utime.h>
 

@@ -8,7 +8,7 @@
 #include "app/main_window.hpp"
 #include "tones/ui/tones_tab.hpp"
 
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>

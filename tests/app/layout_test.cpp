@@ -27,7 +27,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
-#include <QTreeWidget>
 
 using zevran::app::Form1;
 using zevran::test::closeWindow;

@@ -25,7 +25,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <sstream>
 
 using zevran::app::Answer;

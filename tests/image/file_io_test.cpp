@@ -105,18 +105,6 @@ TEST(ReadWholeFile, NamedPipeWithoutWriterReadsEmptyInsteadOfWaiting)
               folder.path("pipe") + ": is a device or pipe, not a file");
 }
 
-TEST(RefusePhoneFile, ThePhoneFileUnderAnyNameIsRefused)
-{
-    TempFolder folder;
-    writeFile(folder.path("phone.bin"), "phone");
-    std::filesystem::create_directory(folder.path("sub"));
-    EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("sub/../phone.bin")); }),
-              folder.path("sub/../phone.bin") +
-                  ": is the phone file open in the workshop; it is changed only by saving its image");
-    EXPECT_EQ(whatOf([&] { refusePhoneFile(folder.path("phone.bin"), folder.path("other.s3")); }), "");
-    EXPECT_EQ(whatOf([&] { refusePhoneFile("", folder.path("other.s3")); }), "");
-}
-
 TEST(SaveFileSafely, ReadOnlyFileIsNotReplaced)
 {
     if (::geteuid() == 0) GTEST_SKIP() << "permission bits do not stop root";

@@ -183,6 +183,25 @@ TEST(PhoneDocument, KnowsItsPhoneFileUnderAnotherNameOrLink)
     EXPECT_FALSE(document.isPhoneFile(folder.path("new.s3")));
 }
 
+TEST(PhoneDocument, RefusesItsPhoneFileAsAnOutputSayingWhy)
+{
+    TempFolder folder;
+    writeFile(folder.path("phone.bin"), "phone");
+    std::filesystem::create_directory(folder.path("sub"));
+    PhoneDocument document;
+    EXPECT_NO_THROW(document.refuseAsOutput(folder.path("phone.bin")));
+    document.open(folder.path("phone.bin"));
+    try {
+        document.refuseAsOutput(folder.path("sub/../phone.bin"));
+        FAIL() << "the phone file was taken as an output";
+    } catch (const FileError& error) {
+        EXPECT_EQ(std::string(error.what()),
+                  folder.path("sub/../phone.bin") +
+                      ": is the phone file open in the workshop; it is changed only by saving its image");
+    }
+    EXPECT_NO_THROW(document.refuseAsOutput(folder.path("other.s3")));
+}
+
 TEST(EditOutput, APatchIsNeverWrittenOverThePhoneFile)
 {
     TempFolder folder;

@@ -5,8 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace zevran::tones;
+using zevran::image::FileError;
 using zevran::image::ImageState;
+using zevran::image::PhoneDocument;
+using zevran::image::Reason;
 using zevran::test::readBytes;
 using zevran::test::TempFolder;
 
@@ -19,6 +24,26 @@ ImageState countingImage(std::size_t size)
     ImageState state;
     zevran::image::setImage(state, "/tmp/phone.bin", std::move(bytes));
     return state;
+}
+
+// The counting image as an open document whose phone file is not on disk.
+PhoneDocument countingDocument(std::size_t size)
+{
+    PhoneDocument document;
+    document.state() = countingImage(size);
+    return document;
+}
+
+// The reason of the FileError `work` throws; Reason::Text when it throws none.
+template <typename Work>
+Reason fileErrorReason(Work work)
+{
+    try {
+        work();
+    } catch (const FileError& error) {
+        return error.failure().reason;
+    }
+    return Reason::Text;
 }
 
 }  // namespace
@@ -66,14 +91,14 @@ TEST(ToneBytes, EndPastTheImageIsRefusedNamingTheRow)
 TEST(ExportTones, WritesEachWantedRowAndStopsBeforeAFaultyOne)
 {
     TempFolder folder;
-    ImageState state = countingImage(256);
+    const PhoneDocument document = countingDocument(256);
     const std::vector<ToneSlot> rows{{"001", "0x00000001", "0x00000003", "3", ""},
                                      {"002", "0x00000004", "0x00000004", "1", ""},
                                      {"003", "0x00000010", "0x00001000", "1", ""},
                                      {"004", "0x00000020", "0x00000021", "2", ""}};
     std::vector<std::size_t> passed;
     EXPECT_THROW(exportTones(
-                     state, rows, [](std::size_t i) { return i != 1; }, folder.path("ring.mmf"),
+                     document, rows, [](std::size_t i) { return i != 1; }, folder.path("ring.mmf"),
                      [&](std::size_t i) { passed.push_back(i); }),
                  ToneExportError);
     EXPECT_EQ(readBytes(folder.path("ring-001.mmf")), (std::vector<std::uint8_t>{1, 2, 3}));
@@ -87,9 +112,8 @@ TEST(ExportTones, LongerOldFileKeepsItsTail)
 {
     TempFolder folder;
     zevran::test::writeFile(folder.path("ring-001.mmf"), std::string("abcdefgh"));
-    ImageState state = countingImage(16);
     exportTones(
-        state, {{"001", "0x00000001", "0x00000002", "2", ""}}, [](std::size_t) { return true; },
+        countingDocument(16), {{"001", "0x00000001", "0x00000002", "2", ""}}, [](std::size_t) { return true; },
         folder.path("ring.mmf"));
     EXPECT_EQ(readBytes(folder.path("ring-001.mmf")), (std::vector<std::uint8_t>{1, 2, 'c', 'd', 'e', 'f', 'g', 'h'}));
 }
@@ -98,9 +122,8 @@ TEST(ExportTones, EmptyRowLeavesAnOldFileAsItWas)
 {
     TempFolder folder;
     zevran::test::writeFile(folder.path("ring-001.mmf"), std::string("abc"));
-    ImageState state = countingImage(16);
     exportTones(
-        state, {{"001", "0x00000005", "0x00000002", "0", ""}}, [](std::size_t) { return true; },
+        countingDocument(16), {{"001", "0x00000005", "0x00000002", "0", ""}}, [](std::size_t) { return true; },
         folder.path("ring.mmf"));
     EXPECT_EQ(zevran::test::readText(folder.path("ring-001.mmf")), "abc");
 }
@@ -112,4 +135,39 @@ TEST(WriteOverFileStart, UnwritablePlaceIsAFileError)
     const std::vector<std::uint8_t> bytes{1};
     EXPECT_THROW(writeOverFileStart(folder.path("plain/t.mmf"), bytes), zevran::image::FileError);
     EXPECT_THROW(writeOverFileStart("/dev/full", bytes), zevran::image::FileError);
+}
+
+TEST(ExportTones, RefusesAToneFileThatIsThePhoneFileAndKeepsTheFilesBefore)
+{
+    TempFolder folder;
+    std::vector<std::uint8_t> phone(64, 0xEE);
+    zevran::test::writeFile(folder.path("t-002.mmf"), phone);
+    PhoneDocument document;
+    document.open(folder.path("t-002.mmf"));
+    const std::vector<ToneSlot> rows{{"001", "0x00000001", "0x00000002", "2", ""},
+                                     {"002", "0x00000003", "0x00000004", "2", ""}};
+    EXPECT_EQ(fileErrorReason([&] {
+                  exportTones(
+                      document, rows, [](std::size_t) { return true; }, folder.path("t.mmf"));
+              }),
+              Reason::IsOpenPhoneFile);
+    EXPECT_EQ(readBytes(folder.path("t-001.mmf")), (std::vector<std::uint8_t>{0xEE, 0xEE}));
+    EXPECT_EQ(readBytes(folder.path("t-002.mmf")), phone);
+}
+
+TEST(ExportTones, RefusesThePhoneFileUnderAnotherName)
+{
+    TempFolder folder;
+    std::vector<std::uint8_t> phone(64, 0x11);
+    zevran::test::writeFile(folder.path("phone.bin"), phone);
+    std::filesystem::create_hard_link(folder.path("phone.bin"), folder.path("ring-001.mmf"));
+    PhoneDocument document;
+    document.open(folder.path("phone.bin"));
+    EXPECT_EQ(fileErrorReason([&] {
+                  exportTones(
+                      document, {{"001", "0x00000000", "0x00000001", "2", ""}}, [](std::size_t) { return true; },
+                      folder.path("ring.mmf"));
+              }),
+              Reason::IsOpenPhoneFile);
+    EXPECT_EQ(readBytes(folder.path("phone.bin")), phone);
 }

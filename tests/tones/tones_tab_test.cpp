@@ -7,9 +7,10 @@
 #include "app/main_window.hpp"
 #include "image/srecord.hpp"
 #include "tones/tone_check.hpp"
+#include "tones/ui/tone_columns.hpp"
 #include "tones/ui/tones_tab.hpp"
 
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
@@ -390,6 +391,49 @@ private slots:
         QVERIFY(m_tab->Text5->isHidden());
         emit m_tab->Text5->editingFinished();
         QCOMPARE(cellText(m_tab->ListView4, 1, 4), QString("ring"));
+    }
+
+    void rescanClearsTheToneCheck()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
+        select(m_tab->ListView4, {0});
+        QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
+        m_tab->GetTone->click();
+        QVERIFY(m_tab->ListView4->selectionModel()->selectedRows().isEmpty());
+        QCOMPARE(panel->text(), QString());
+    }
+
+    void listsReadBackTheirRowsAsTheUserLeftThem()
+    {
+        openPhone("phone.bin");
+        m_tab->GetTone->click();
+        select(m_tab->ListView4, {2});
+        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 2, 4));
+        m_tab->Text5->setText(QString::fromUtf8("闹钟"));
+        emit m_tab->Text5->editingFinished();
+        const zevran::tones::ToneSlot& tone = m_tab->toneRows().at(2);
+        QCOMPARE(QString::fromStdString(tone.number + "|" + tone.start + "|" + tone.end + "|" + tone.size),
+                 QString("003|0x00001234|0x00001333|256"));
+        QCOMPARE(QString::fromStdString(tone.note), QString::fromUtf8("闹钟"));
+        QDir().mkpath(path("tones"));
+        writeBytes(path("tones/z.mmf"), QByteArray(1000, 'Z'));
+        writeBytes(path("tones/y.mmf"), QByteArray(99, 'Y'));
+        m_tab->showToneFiles(path("tones"));
+        emit m_tab->ListView1->header()->sectionClicked(1);
+        emit m_tab->ListView1->header()->sectionClicked(1);
+        QCOMPARE(m_tab->toneFileRows().size(), std::size_t{2});
+        QCOMPARE(m_tab->toneFileRows()[0].name + "|" + m_tab->toneFileRows()[0].size, QString("y.mmf|99"));
+        select(m_tab->ListView1, {1});
+        action("addmmf")->trigger();
+        action("addaddress")->trigger();
+        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
+        QCOMPARE(m_tab->planRows().size(), std::size_t{1});
+        const zevran::tones::ReplacementRow& pair = m_tab->planRows()[0];
+        QCOMPARE(QString::fromStdString(pair.number + "|" + pair.file + "|" + pair.slot),
+                 QString::fromUtf8("001|z.mmf 1000 字节|003 0x00001234 - 0x00001333 256 闹钟"));
+        QVERIFY(pair.checked);
     }
 
     void browserListsToneFilesAndSortsByNameOrSizeAsText()

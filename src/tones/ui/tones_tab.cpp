@@ -1,4 +1,5 @@
 #include "tones_tab.hpp"
+#include "tone_columns.hpp"
 
 #include "tones/tone_check.hpp"
 #include "tones/tone_export.hpp"
@@ -29,18 +30,9 @@ namespace zevran::tones {
 using image::BusyPointer;
 using image::fromUtf8;
 using image::named;
-using image::reportList;
+using image::reportView;
+using window::RowTableModel;
 
-namespace {
-
-// A row of the tone list as the logic sees it: its five cells.
-ToneSlot toneRowOf(const QTreeWidgetItem* item)
-{
-    return {item->text(0).toStdString(), item->text(1).toStdString(), item->text(2).toStdString(),
-            item->text(3).toStdString(), item->text(4).toStdString()};
-}
-
-}  // namespace
 
 TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
 {
@@ -66,8 +58,9 @@ TonesTab::TonesTab(QWidget* parent) : QWidget(parent)
 QGroupBox* TonesTab::buildTonesFrame()
 {
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
-    ListView4 = reportList("ListView4", {tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")}, frame5);
-    image::showCellsInToolTips(ListView4, {4});
+    m_toneModel = new RowTableModel<ToneSlot>(toneColumns(), this);
+    m_toneModel->setHeaders({tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")});
+    ListView4 = reportView("ListView4", m_toneModel, frame5);
     // The note editor floats over the note cell of the row being edited.
     Text5 = named(new QLineEdit(ListView4->viewport()), "Text5");
     Text5->setVisible(false);
@@ -104,7 +97,9 @@ QGroupBox* TonesTab::buildToneFilesFrame()
         if (m_openedFolder.isEmpty() || currentFolder() != m_openedFolder) return;
         if (m_openedFolder.startsWith(loaded)) ET1->scrollTo(ET1->currentIndex(), QAbstractItemView::PositionAtCenter);
     });
-    ListView1 = reportList("ListView1", {tr("Name"), tr("Size")}, frame7);
+    m_fileModel = new RowTableModel<ToneFileRow>(fileColumns(), this);
+    m_fileModel->setHeaders({tr("Name"), tr("Size")});
+    ListView1 = reportView("ListView1", m_fileModel, frame7);
     ListView1->header()->setSectionsClickable(true);
     auto* folderPanes = named(new QSplitter(Qt::Vertical, frame7), "TonesFolderSplitter");
     folderPanes->addWidget(ET1);
@@ -118,8 +113,9 @@ QGroupBox* TonesTab::buildToneFilesFrame()
 QGroupBox* TonesTab::buildPlanFrame()
 {
     auto* frame8 = named(new QGroupBox(this), "Frame8", tr("Replacement plan"));
-    ListView3 = reportList("ListView3", {tr("No."), tr("New tone"), tr("Target slot")}, frame8);
-    image::showCellsInToolTips(ListView3, {1, 2});
+    m_planModel = new RowTableModel<ReplacementRow>(planColumns(), this);
+    m_planModel->setHeaders({tr("No."), tr("New tone"), tr("Target slot")});
+    ListView3 = reportView("ListView3", m_planModel, frame8);
     auto* frame8Layout = new QVBoxLayout(frame8);
     frame8Layout->addWidget(ListView3);
     return frame8;
@@ -163,16 +159,18 @@ void TonesTab::connectCommands()
     connect(GetTone, &QPushButton::clicked, this, &TonesTab::GetTone_Click);
     connect(SaveToneTable, &QPushButton::clicked, this, &TonesTab::SaveToneTable_Click);
     connect(OpenToneTable, &QPushButton::clicked, this, &TonesTab::OpenToneTable_Click);
-    connect(ListView4, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* row) { editNote(row); });
-    connect(ListView4, &QTreeWidget::itemSelectionChanged, this, &TonesTab::showToneCheck);
+    connect(ListView4, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) { editNote(at.row()); });
+    connect(ListView4->selectionModel(), &QItemSelectionModel::selectionChanged, this, &TonesTab::showToneCheck);
+    // A new list drops the selection without a word from the selection model.
+    connect(m_toneModel, &QAbstractItemModel::modelReset, this, &TonesTab::showToneCheck);
     connect(Text5, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
     Text5->installEventFilter(this);
     connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
     connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
-    connect(ListView1, &QTreeWidget::itemDoubleClicked, this,
-            [this](QTreeWidgetItem* row) { playFile(QDir(m_listedFolder).filePath(row->text(0))); });
-    connect(ListView3, &QTreeWidget::itemChanged, this, &TonesTab::planCellChanged);
+    connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) {
+        if (at.isValid()) playFile(QDir(m_listedFolder).filePath(m_fileModel->row(at.row()).name));
+    });
 }
 
 void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu)
@@ -191,7 +189,7 @@ void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* pla
             else m_commands.insert(QLatin1String(name), image::menuAction(menu, name));
         }
     struct Popup {
-        QTreeWidget* list;
+        QTreeView* list;
         QMenu* menu;
         void (TonesTab::*enable)();
     };
@@ -223,38 +221,23 @@ void TonesTab::enableOutputsForKind()
 
 void TonesTab::enableMenufile1()
 {
-    const bool rows = ListView4->topLevelItemCount() > 0;
+    const bool rows = m_toneModel->rowCount() > 0;
     const bool loaded = m_host->imageState().ImageLoaded;
     command("addaddress")->setEnabled(rows);
     command("outputselect")->setEnabled(rows && loaded);
     command("outputall")->setEnabled(rows && loaded);
 }
 
-void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!ListView1->selectedItems().isEmpty()); }
+void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!image::selectedRows(ListView1).empty()); }
 
-std::vector<ToneSlot> TonesTab::toneRows() const
-{
-    std::vector<ToneSlot> rows;
-    rows.reserve(static_cast<std::size_t>(ListView4->topLevelItemCount()));
-    for (int i = 0; i < ListView4->topLevelItemCount(); ++i) {
-        rows.push_back(toneRowOf(ListView4->topLevelItem(i)));
-    }
-    return rows;
-}
+const std::vector<ToneSlot>& TonesTab::toneRows() const { return m_toneModel->rows(); }
 
-void TonesTab::showToneRows(const std::vector<ToneSlot>& rows)
-{
-    // One batch with updates suspended: thousands of rows go in at once.
-    ListView4->setUpdatesEnabled(false);
-    ListView4->clear();
-    QList<QTreeWidgetItem*> items;
-    items.reserve(static_cast<qsizetype>(rows.size()));
-    for (const ToneSlot& row : rows)
-        items.append(new QTreeWidgetItem(QStringList{fromUtf8(row.number), fromUtf8(row.start), fromUtf8(row.end),
-                                                     fromUtf8(row.size), fromUtf8(row.note)}));
-    ListView4->addTopLevelItems(items);
-    ListView4->setUpdatesEnabled(true);
-}
+const std::vector<ReplacementRow>& TonesTab::planRows() const { return m_planModel->rows(); }
+
+const std::vector<ToneFileRow>& TonesTab::toneFileRows() const { return m_fileModel->rows(); }
+
+// One reset of the model: thousands of rows go in at once.
+void TonesTab::showToneRows(const std::vector<ToneSlot>& rows) { m_toneModel->setRows(rows); }
 
 void TonesTab::GetTone_Click()
 {
@@ -264,7 +247,7 @@ void TonesTab::GetTone_Click()
         return;
     }
     ProgressBar1->setVisible(true);
-    ListView4->clear();
+    m_toneModel->clear();
     const int length = static_cast<int>(std::min<std::size_t>(image.FirmwareImage.size(), 0x7FFFFFFF));
     ProgressBar1->setRange(1, std::max(1, length));
     ProgressBar1->setValue(std::clamp(100000, 1, std::max(1, length)));
@@ -283,7 +266,7 @@ void TonesTab::GetTone_Click()
 
 void TonesTab::SaveToneTable_Click()
 {
-    if (ListView4->topLevelItemCount() == 0) {
+    if (m_toneModel->rowCount() == 0) {
         m_host->ShowMessage(4);
         return;
     }
@@ -291,9 +274,10 @@ void TonesTab::SaveToneTable_Click()
     if (path.isEmpty()) return;
     m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
     try {
-        const std::string caption = ListView4->headerItem()->text(3).toStdString();
+        const std::string caption =
+            m_toneModel->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
         const std::string text = strings::encodeText(toneTableText(toneRows(), caption), m_host->codePage());
-        image::refusePhoneFile(m_host->imageState().FirmwarePath, path.toStdString());
+        m_host->document().refuseAsOutput(path.toStdString());
         // An existing table is replaced whole, never left half old and half new.
         image::saveFileSafely(path.toStdString(),
                               std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
@@ -314,7 +298,7 @@ void TonesTab::OpenToneTable_Click()
         const std::vector<std::uint8_t> bytes = image::readWholeFile(path.toStdString());
         table = readToneTable(strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage()));
     } catch (const std::exception& error) {
-        m_host->showError(m_host->failureText(error));
+        m_host->showFailure(error);
         return;
     }
     showToneRows(table.rows);
@@ -322,7 +306,7 @@ void TonesTab::OpenToneTable_Click()
         m_host->showError(m_host->text("ToneTableStopped").arg(path).arg(*table.stoppedAtLine).arg(table.rows.size()));
 }
 
-bool TonesTab::hasSelectedTone() const { return !ListView4->selectedItems().isEmpty(); }
+bool TonesTab::hasSelectedTone() const { return !image::selectedRows(ListView4).empty(); }
 
 void TonesTab::outputselect_Click() { exportTones(false); }
 
@@ -337,11 +321,11 @@ void TonesTab::exportTones(bool everyRow)
     const QString picked = m_host->dialogs().saveFile(m_host->settings().RingSavePath, m_host->filter(6), 2);
     if (picked.isEmpty()) return;
     m_host->settings().RingSavePath = fromUtf8(image::FolderOf(picked.toStdString()));
+    // Pending events run during the export: it works on the rows and selection as they were.
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
     int written = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        selected[i] = ListView4->topLevelItem(static_cast<int>(i))->isSelected();
+    for (int row : image::selectedRows(ListView4)) selected[static_cast<std::size_t>(row)] = true;
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
     QString failure;
@@ -351,7 +335,7 @@ void TonesTab::exportTones(bool everyRow)
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
         tones::exportTones(
-            m_host->imageState(), rows, [&](std::size_t i) { return everyRow || selected[i]; }, picked.toStdString(),
+            m_host->document(), rows, [&](std::size_t i) { return everyRow || selected[i]; }, picked.toStdString(),
             [&](std::size_t i) {
                 if (everyRow || selected[i]) ++written;
                 QCoreApplication::processEvents();
@@ -368,14 +352,14 @@ void TonesTab::exportTones(bool everyRow)
     ProgressBar1->setVisible(false);
 }
 
-void TonesTab::editNote(QTreeWidgetItem* row)
+void TonesTab::editNote(int row)
 {
-    if (!row || !row->isSelected()) return;
-    m_noteRow = ListView4->indexOfTopLevelItem(row);
-    const QRect cell = ListView4->visualItemRect(row);
+    if (row < 0 || row >= m_toneModel->rowCount() || !ListView4->selectionModel()->isRowSelected(row, {})) return;
+    m_noteRow = row;
+    const QRect cell = ListView4->visualRect(m_toneModel->index(row, 4));
     const int x = ListView4->header()->sectionViewportPosition(4);
     Text5->setGeometry(x, cell.top(), ListView4->header()->sectionSize(4), cell.height());
-    Text5->setText(row->text(4));
+    Text5->setText(fromUtf8(m_toneModel->row(row).note));
     Text5->setVisible(true);
     Text5->selectAll();
     Text5->setFocus();
@@ -387,7 +371,11 @@ void TonesTab::Text5_LostFocus()
     if (row < 0) return;
     Text5->setVisible(false);
     ListView4->setFocus();
-    if (QTreeWidgetItem* item = ListView4->topLevelItem(row)) item->setText(4, Text5->text());
+    // The list may have been scanned again under the editor.
+    if (row >= m_toneModel->rowCount()) return;
+    ToneSlot slot = m_toneModel->row(row);
+    slot.note = Text5->text().toStdString();
+    m_toneModel->replaceRow(row, std::move(slot));
 }
 
 bool TonesTab::eventFilter(QObject* watched, QEvent* event)
@@ -412,15 +400,13 @@ void TonesTab::applyTexts()
 {
     // The plan's file cells carry the unit word of the language they were added in.
     const std::string unit = planSizeUnit();
-    if (!m_planUnit.empty() && unit != m_planUnit) {
-        m_fillingPlan = true;
-        for (int i = 0; i < ListView3->topLevelItemCount(); ++i) {
-            QTreeWidgetItem* item = ListView3->topLevelItem(i);
-            const QString cell = fromUtf8(withPlanUnit(item->text(1).toStdString(), m_planUnit, unit));
-            item->setText(1, cell);
+    if (!m_planUnit.empty() && unit != m_planUnit)
+        for (int i = 0; i < m_planModel->rowCount(); ++i) {
+            // Row by row, so the plan keeps its selection.
+            ReplacementRow row = m_planModel->row(i);
+            row.file = withPlanUnit(row.file, m_planUnit, unit);
+            m_planModel->replaceRow(i, std::move(row));
         }
-        m_fillingPlan = false;
-    }
     m_planUnit = unit;
     showToneCount();
     showToneCheck();
@@ -434,13 +420,12 @@ void TonesTab::showToneCount()
 void TonesTab::showToneCheck()
 {
     QLabel* panel = m_checkPanel;
-    const QList<QTreeWidgetItem*> selected = ListView4->selectedItems();
-    if (selected.isEmpty()) {
+    const std::vector<int> selected = image::selectedRows(ListView4);
+    if (selected.empty()) {
         panel->clear();
         return;
     }
-    const QTreeWidgetItem* item = selected.front();
-    const ToneSlot row = toneRowOf(item);
+    const ToneSlot& row = m_toneModel->row(selected.front());
     ToneCheck check;
     try {
         check = checkTone(toneBytes(m_host->imageState(), row));
@@ -448,7 +433,7 @@ void TonesTab::showToneCheck()
         // A row from a table of another image, or a tone cut by the image's end.
         check.crc = CrcState::Bad;
     }
-    QString text = item->text(0) + ": " +
+    QString text = fromUtf8(row.number) + ": " +
                    m_host->text(check.crc == CrcState::Ok    ? "ToneCrcOk"
                                 : check.crc == CrcState::Bad ? "ToneCrcBad"
                                                              : "ToneCrcNone");

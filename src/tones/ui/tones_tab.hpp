@@ -8,6 +8,7 @@
 #include "tones/tone_scan.hpp"
 
 #include <QHash>
+#include <QString>
 #include <QWidget>
 #include <functional>
 #include <optional>
@@ -22,14 +23,19 @@ class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QTreeView;
-class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace zevran::image {
 class TabHost;
 }
 
+namespace zevran::window {
+template <typename Row>
+class RowTableModel;
+}
+
 namespace zevran::tones {
+
+struct ToneFileRow;
 
 class TonesTab : public QWidget {
     Q_OBJECT
@@ -43,10 +49,10 @@ public:
     // with its commands; and the status panel that shows the selected tone's check.
     void attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel);
 
-    QTreeWidget* ListView1;  // ".mmf" files of the folder chosen in ET1
-    QTreeWidget* ListView3;  // the replacement plan
-    QTreeWidget* ListView4;  // tones found in the image
-    QTreeView* ET1;          // folder tree
+    QTreeView* ListView1;  // ".mmf" files of the folder chosen in ET1
+    QTreeView* ListView3;  // the replacement plan
+    QTreeView* ListView4;  // tones found in the image
+    QTreeView* ET1;        // folder tree
     QFileSystemModel* folders;
     QLineEdit* Text5;  // note editor, shown over a row's note cell
     QPushButton* GetTone;
@@ -77,8 +83,9 @@ public:
 
     // Lists the ".mmf" files of a folder in ListView1, as choosing it in ET1 does.
     void showToneFiles(const QString& folder);
-    // Starts editing the note of a row of ListView4; the edit ends when Text5 loses focus.
-    void editNote(QTreeWidgetItem* row);
+    // Starts editing the note of a selected row of ListView4; the edit ends when Text5
+    // loses focus.
+    void editNote(int row);
     void Text5_LostFocus();
     // Escape in the note editor: the note stays as it was.
     void cancelNote();
@@ -93,9 +100,10 @@ public:
     // Plays a tone file; the desktop's default handler unless a test replaces it.
     std::function<void(const QString& path)> playFile;
 
-    // The rows of the lists as the logic sees them, read from the cells.
-    std::vector<ToneSlot> toneRows() const;
-    std::vector<ReplacementRow> planRows() const;
+    // The rows of the lists as the logic sees them: the lists' models hold them.
+    const std::vector<ToneSlot>& toneRows() const;
+    const std::vector<ReplacementRow>& planRows() const;
+    const std::vector<ToneFileRow>& toneFileRows() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -115,7 +123,6 @@ private:
     void enableMenufile3();
     void showToneRows(const std::vector<ToneSlot>& rows);
     void showPlanRows(const std::vector<ReplacementRow>& rows);
-    void planCellChanged(QTreeWidgetItem* item, int column);
     void exportTones(bool everyRow);
     bool hasSelectedTone() const;
     int selectedPlanRow() const;
@@ -125,14 +132,16 @@ private:
     std::optional<std::vector<image::Region>> planRegions();
 
     image::TabHost* m_host = nullptr;
-    std::optional<std::size_t> m_tonesFound;  // none before the first scan
+    window::RowTableModel<ToneSlot>* m_toneModel = nullptr;        // ListView4
+    window::RowTableModel<ToneFileRow>* m_fileModel = nullptr;     // ListView1
+    window::RowTableModel<ReplacementRow>* m_planModel = nullptr;  // ListView3
+    std::optional<std::size_t> m_tonesFound;                       // none before the first scan
     QLabel* m_checkPanel = nullptr;
     QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
     QString m_listedFolder;               // the folder whose files ListView1 lists
     QString m_openedFolder;               // the folder ET1 was opened at, scrolled to as its parents load
     int m_noteRow = -1;                   // the ListView4 row whose note Text5 edits
-    bool m_fillingPlan = false;
-    std::string m_planUnit;  // the unit word the plan's file cells were written with
+    std::string m_planUnit;               // the unit word the plan's file cells were written with
     int m_fileSortColumn = 0;
     bool m_fileSortDescending = true;
 };
