@@ -9,7 +9,7 @@
 
 namespace zevran::app {
 
-using image::named;
+using window::named;
 
 namespace {
 
@@ -82,7 +82,7 @@ void AboutTab::startScroller()
     Timer1->start();
 }
 
-void AboutTab::applyTexts(const image::TabHost& host)
+void AboutTab::applyTexts(const window::TabHost& host)
 {
     Label16->setText(host.text("HomePageLink"));
     for (int i = 0; i < kLines; ++i)

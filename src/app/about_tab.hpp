@@ -9,7 +9,7 @@ class QLabel;
 class QLineEdit;
 class QTimer;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -30,7 +30,7 @@ public:
     void Timer1_Timer();  // one step: up by 50 twips, lines 400 twips apart
     // The home-page link and the credits in the current language: line N from the key
     // "AboutLineN" of [Zevran]; the blank lines between the credits stay blank.
-    void applyTexts(const image::TabHost& host);
+    void applyTexts(const window::TabHost& host);
 
     QLabel* Label16;    // home-page link
     QWidget* Picture1;  // scroll area

@@ -19,7 +19,7 @@ namespace zevran::app {
 using image::ByteOwner;
 using image::OwnerKind;
 
-BytesLink::BytesLink(image::TabHost& host, ImageHistory& history, QObject* parent)
+BytesLink::BytesLink(window::TabHost& host, ImageHistory& history, QObject* parent)
     : QObject(parent), m_host(host), m_history(history)
 {
     m_writePatch = new QAction(this);

@@ -33,7 +33,7 @@ namespace zevran::app {
 class BytesLink : public QObject, public bytes::BytesHost {
     Q_OBJECT
 public:
-    BytesLink(image::TabHost& host, ImageHistory& history, QObject* parent);
+    BytesLink(window::TabHost& host, ImageHistory& history, QObject* parent);
 
     // "Write changes as patch..." at the end of the File menu so far.
     void addFileItem(QMenu* file);
@@ -52,7 +52,7 @@ public:
 
     bytes::BytesTab* tab() const { return m_tab; }
 
-    image::TabHost& tabHost() override { return m_host; }
+    window::TabHost& tabHost() override { return m_host; }
     bool overwriteBytes(std::int64_t address, std::span<const std::uint8_t> bytes) override;
     const image::OriginalBytes& originals() const override { return m_history.originals(); }
     bool writeChangesAsPatch() override;
@@ -69,7 +69,7 @@ private:
     void addShowBytes(QMenu* menu, image::OwnerKind kind);
     void updateWriteItem();
 
-    image::TabHost& m_host;
+    window::TabHost& m_host;
     ImageHistory& m_history;
     QTabWidget* m_tabs = nullptr;
     Lists m_lists{};

@@ -9,9 +9,9 @@ class QWidget;
 
 namespace zevran::app {
 
-using image::Answer;
-using image::Dialogs;
-using image::MessageKind;
+using window::Answer;
+using window::Dialogs;
+using window::MessageKind;
 
 // The real dialogs of Qt, owned by the main window.
 class QtDialogs : public Dialogs {

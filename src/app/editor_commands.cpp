@@ -20,7 +20,7 @@ constexpr const char* kProductTitle = "Zevran Handset Workshop V1.11";
 
 }  // namespace
 
-EditorCommands::EditorCommands(image::TabHost& host, QMainWindow* window, const QString& settingsPath)
+EditorCommands::EditorCommands(window::TabHost& host, QMainWindow* window, const QString& settingsPath)
     : QObject(window), m_host(host), m_window(window), m_history(new ImageHistory(host.document(), this))
 {
     m_recentMenu = new QMenu(window);
@@ -78,13 +78,13 @@ void EditorCommands::compareWith()
 {
     image::ImageState& state = m_host.imageState();
     if (!state.ImageLoaded) return;
-    image::ShellSettings& settings = m_host.settings();
+    window::ShellSettings& settings = m_host.settings();
     const QString path = m_host.dialogs().openFile(settings.MobileFilePath, m_host.filter(5), 2);
     if (path.isEmpty()) return;
-    settings.MobileFilePath = image::fromUtf8(image::FolderOf(path.toStdString()));
+    settings.MobileFilePath = window::fromUtf8(image::FolderOf(path.toStdString()));
     std::vector<std::uint8_t> newer;
     try {
-        image::BusyPointer busy;
+        window::BusyPointer busy;
         newer = image::readPhoneFile(path.toStdString());
     } catch (const std::exception& error) {
         m_host.showFailure(error);
@@ -95,7 +95,7 @@ void EditorCommands::compareWith()
     const auto writable = m_host.takesInImagePatch() ? std::optional(state.FirmwareImage.size()) : std::nullopt;
     CompareDialog* dialog = nullptr;
     try {
-        image::BusyPointer busy;
+        window::BusyPointer busy;
         dialog = new CompareDialog(
             {m_host.text("CompareTitle"),
              {m_host.text("CompareHeader1"), m_host.text("CompareHeader2"), m_host.text("CompareHeader3"),
@@ -114,7 +114,7 @@ void EditorCommands::compareWith()
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     if (dialog->ranges().empty()) {
         delete dialog;
-        m_host.dialogs().message(0, image::MessageKind::Information, m_host.texts().MsgTitle[2],
+        m_host.dialogs().message(0, window::MessageKind::Information, m_host.texts().MsgTitle[2],
                                  m_host.text("CompareEqual"));
         return;
     }

@@ -24,7 +24,7 @@ class CompareDialog;
 class EditorCommands : public QObject {
     Q_OBJECT
 public:
-    EditorCommands(image::TabHost& host, QMainWindow* window, const QString& settingsPath);
+    EditorCommands(window::TabHost& host, QMainWindow* window, const QString& settingsPath);
 
     // "Compare with..." and the "Recent files" menu, at the end of the File menu so far.
     void addFileItems(QMenu* file);
@@ -53,7 +53,7 @@ signals:
 private:
     void writeChecked(const CompareDialog& dialog);
 
-    image::TabHost& m_host;
+    window::TabHost& m_host;
     QMainWindow* m_window;
     ImageHistory* m_history;
     RecentFilesMenu* m_recent = nullptr;

@@ -41,8 +41,8 @@ struct Entry {
 };
 
 // What a tab's key labels: a control or a list's header column of the tab, or a text kept for later.
-std::function<void(const QString&)> labelOf(QWidget* window, const char* tabName, const image::CaptionKey& key,
-                                            image::InterfaceTexts& texts)
+std::function<void(const QString&)> labelOf(QWidget* window, const char* tabName, const window::CaptionKey& key,
+                                            window::InterfaceTexts& texts)
 {
     if (key.kept) return [&texts, kept = key.kept](const QString& text) { texts.*kept = text; };
     return [window, tabName, name = key.objectName, column = key.column](const QString& text) {
@@ -57,7 +57,7 @@ std::function<void(const QString&)> labelOf(QWidget* window, const char* tabName
     };
 }
 
-std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts)
+std::vector<Entry> languageEntries(QWidget* window, window::InterfaceTexts& texts)
 {
     auto caption = [window](const char* name) {
         return [window, name](const QString& text) {
@@ -95,7 +95,7 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
     entries.push_back({"StatusBar", "StatusBar3", panel(5)});
 
     // Each tab labels its own controls, after its name on the tab bar.
-    const std::array<std::pair<const char*, std::vector<image::CaptionKey>>, 4> tabs{{
+    const std::array<std::pair<const char*, std::vector<window::CaptionKey>>, 4> tabs{{
         {"TonesTab", tones::TonesTab::captionKeys()},
         {"StringsTab", strings::StringsTab::captionKeys()},
         {"PicturesTab", pictures::PicturesTab::captionKeys()},
@@ -105,7 +105,7 @@ std::vector<Entry> languageEntries(QWidget* window, image::InterfaceTexts& texts
         const auto& [tabName, keys] = tabs[static_cast<std::size_t>(index)];
         entries.push_back(
             {"SSTab" + std::to_string(index + 1), "Tab" + std::to_string(index + 1) + "Name", tab(index)});
-        for (const image::CaptionKey& key : keys)
+        for (const window::CaptionKey& key : keys)
             entries.push_back({key.section, key.key, labelOf(window, tabName, key, texts)});
     }
     entries.push_back({"SSTab5", "Tab5Name", tab(4)});
@@ -160,7 +160,7 @@ QString decodeLanguageValue(const std::string& value, bool utf8File, const std::
     }
 }
 
-void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage,
+void ApplyLanguage(QWidget* window, const std::string& path, window::InterfaceTexts& texts, const std::string& codePage,
                    bool writeBack)
 {
     bool utf8File = true;

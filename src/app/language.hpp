@@ -17,7 +17,7 @@ namespace zevran::app {
 // `texts`. A missing or empty key is written back empty, as the profile reading does,
 // so a file lacking keys gains them and a missing file is created; without `writeBack`
 // (a shipped file of an installed workshop) the file is only read.
-void ApplyLanguage(QWidget* window, const std::string& path, image::InterfaceTexts& texts, const std::string& codePage,
+void ApplyLanguage(QWidget* window, const std::string& path, window::InterfaceTexts& texts, const std::string& codePage,
                    bool writeBack = true);
 
 // True when `bytes` (after a byte-order mark, if any) are valid UTF-8.

@@ -41,8 +41,8 @@
 
 namespace zevran::app {
 
-using image::BusyPointer;
-using image::fromUtf8;
+using window::BusyPointer;
+using window::fromUtf8;
 
 namespace {
 

@@ -44,7 +44,7 @@ class AboutTab;
 class BytesLink;
 class EditorCommands;
 
-class Form1 : public QMainWindow, public image::TabHost {
+class Form1 : public QMainWindow, public window::TabHost {
     Q_OBJECT
 public:
     // `dialogs` answers every dialog; the Qt dialogs when null. A folder alone is portable.
@@ -85,7 +85,7 @@ public:
     void showError(const QString& text) override;
     QString failureText(const std::exception& error) const override;
     void showInformation(const QString& text) override;
-    const image::InterfaceTexts& texts() const override { return m_texts; }
+    const window::InterfaceTexts& texts() const override { return m_texts; }
     QString text(std::string_view key) const override { return m_workshopTexts.text(key); }
     QString fixedText(std::string_view key, std::string_view designText) const override
     {
@@ -135,7 +135,7 @@ private:
     QString m_dataFolder;
     std::unique_ptr<Dialogs> m_dialogs;
     image::PhoneDocument m_document;
-    image::InterfaceTexts m_texts;
+    window::InterfaceTexts m_texts;
     WorkshopTexts m_workshopTexts;
     ShellSettings m_settings;
     std::string m_codePage;

@@ -15,8 +15,8 @@
 
 namespace zevran::app {
 
-using image::BusyPointer;
-using image::fromUtf8;
+using window::BusyPointer;
+using window::fromUtf8;
 
 void Form1::ShowMessage(int code) { showMessageWith(code, QString()); }
 

@@ -10,7 +10,7 @@ namespace {
 
 QString read(const ProfileFile& settings, const char* section, const char* key)
 {
-    return image::fromUtf8(settings.ReadSetting(section, key, ""));
+    return window::fromUtf8(settings.ReadSetting(section, key, ""));
 }
 
 void write(const ProfileFile& settings, const char* section, const char* key, const QString& value)

@@ -8,7 +8,7 @@
 namespace zevran::app {
 
 class ProfileFile;
-using image::ShellSettings;
+using window::ShellSettings;
 
 // Reads every folder, each written back empty when missing; an empty folder becomes
 // the program folder (not written until shut-down). The language is read before, by

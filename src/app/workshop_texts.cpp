@@ -43,14 +43,14 @@ QString WorkshopTexts::text(std::string_view key) const
         const auto value = readProfileValue(source.text, kWorkshopSection, key);
         if (value && !value->empty()) return decodeLanguageValue(*value, source.utf8, m_codePage);
     }
-    return image::fromUtf8(key);
+    return window::fromUtf8(key);
 }
 
 QString WorkshopTexts::fixedText(std::string_view key, std::string_view designText) const
 {
     const auto value = readProfileValue(m_language, kWorkshopSection, key);
     if (value && !value->empty()) return decodeLanguageValue(*value, m_languageUtf8, m_codePage);
-    return image::fromUtf8(designText);
+    return window::fromUtf8(designText);
 }
 
 }  // namespace zevran::app

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace zevran::image {
+namespace zevran::window {
 
 struct CaptionKey {
     const char* section;
@@ -23,4 +23,4 @@ struct CaptionKey {
     QString InterfaceTexts::*kept = nullptr;
 };
 
-}  // namespace zevran::image
+}  // namespace zevran::window

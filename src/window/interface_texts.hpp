@@ -6,7 +6,7 @@
 #include <QString>
 #include <array>
 
-namespace zevran::image {
+namespace zevran::window {
 
 struct InterfaceTexts {
     std::array<QString, 40> MsgStr;   // MsgStr[N] for message code N
@@ -17,4 +17,4 @@ struct InterfaceTexts {
     QString ComS3ToBin;               // the converter's start caption
 };
 
-}  // namespace zevran::image
+}  // namespace zevran::window

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zevran::image {
+namespace zevran::window {
 
 // The folders and language the workshop remembers in zevran.ini between runs.
 struct ShellSettings {
@@ -69,13 +69,13 @@ public:
 class EditOutput {
 public:
     virtual ~EditOutput() = default;
-    virtual void writeSRecordPatch(const std::vector<Region>& regions) = 0;
+    virtual void writeSRecordPatch(const std::vector<image::Region>& regions) = 0;
     // The same in two steps, for an output that reads its rows only once the user has
     // chosen where they go: the path ("" when cancelled), then the file written there
     // (false when it was not: the failure is shown).
     virtual QString chooseSRecordPatchPath() = 0;
-    virtual bool writeSRecordPatchTo(const QString& path, const std::vector<Region>& regions) = 0;
-    virtual void patchInImage(const std::vector<Region>& regions, bool showDone = true) = 0;
+    virtual bool writeSRecordPatchTo(const QString& path, const std::vector<image::Region>& regions) = 0;
+    virtual void patchInImage(const std::vector<image::Region>& regions, bool showDone = true) = 0;
 };
 
 // All a tab sees of the window: the document, the settings and dialogs, one message
@@ -83,8 +83,8 @@ public:
 class TabHost : public MessageSink, public WindowTexts, public EditOutput {
 public:
     // The open phone file: its image, path and kind, and its changes since opened.
-    virtual PhoneDocument& document() = 0;
-    ImageState& imageState() { return document().state(); }
+    virtual image::PhoneDocument& document() = 0;
+    image::ImageState& imageState() { return document().state(); }
     virtual ShellSettings& settings() = 0;
     virtual Dialogs& dialogs() = 0;
     // The shipped data (16.dat, help, language files): the program folder when portable,
@@ -123,4 +123,4 @@ private:
     bool m_before;
 };
 
-}  // namespace zevran::image
+}  // namespace zevran::window

@@ -21,7 +21,7 @@
 #include <string>
 #include <string_view>
 
-namespace zevran::image {
+namespace zevran::window {
 
 template <typename Widget>
 Widget* named(Widget* widget, const char* name, const QString& text = QString())
@@ -110,4 +110,4 @@ inline QProgressBar* hiddenProgress(const char* name, QWidget* parent)
     return bar;
 }
 
-}  // namespace zevran::image
+}  // namespace zevran::window

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace zevran::image {
+namespace zevran::window {
 
 enum class MessageKind { Warning, Critical, Information };
 enum class Answer { Yes, No, Cancel };
@@ -23,4 +23,4 @@ public:
     virtual Answer askYesNoCancel(const QString& title, const QString& text) = 0;
 };
 
-}  // namespace zevran::image
+}  // namespace zevran::window

@@ -71,7 +71,7 @@ private slots:
     void everyTabsKeyLabelsAControlOfThatTab()
     {
         auto window = startedWindow();
-        const std::vector<std::pair<const char*, std::vector<zevran::image::CaptionKey>>> tabs{
+        const std::vector<std::pair<const char*, std::vector<zevran::window::CaptionKey>>> tabs{
             {"TonesTab", zevran::tones::TonesTab::captionKeys()},
             {"StringsTab", zevran::strings::StringsTab::captionKeys()},
             {"PicturesTab", zevran::pictures::PicturesTab::captionKeys()},
@@ -80,7 +80,7 @@ private slots:
         for (const auto& [tabName, keys] : tabs) {
             auto* tab = window->findChild<QWidget*>(tabName);
             QVERIFY2(tab, tabName);
-            for (const zevran::image::CaptionKey& key : keys) {
+            for (const zevran::window::CaptionKey& key : keys) {
                 // The tone tab's table buttons are read a second time among the text tab's keys.
                 if (key.kept || (QString(tabName) == "StringsTab" && QString(key.section) == "SSTab1")) continue;
                 QVERIFY2(tab->findChild<QObject*>(key.objectName), (QString(tabName) + " " + key.objectName).toUtf8());

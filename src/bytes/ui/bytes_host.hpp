@@ -17,7 +17,7 @@ class BytesHost {
 public:
     virtual ~BytesHost() = default;
 
-    virtual image::TabHost& tabHost() = 0;
+    virtual window::TabHost& tabHost() = 0;
     // Overwrites the image's bytes from `address` on as one undo step, in a "bin" image as
     // in an "asf" one; false when nothing could be written (no phone file, past the end).
     virtual bool overwriteBytes(std::int64_t address, std::span<const std::uint8_t> bytes) = 0;

@@ -56,7 +56,7 @@ BytesInspector::BytesInspector(QWidget* parent) : QWidget(parent)
     }
 }
 
-void BytesInspector::applyTexts(const image::TabHost& host)
+void BytesInspector::applyTexts(const window::TabHost& host)
 {
     m_box->setTitle(host.text("BytesInspector"));
     static constexpr const char* kColumnKeys[] = {"BytesUnsignedLittle", "BytesSignedLittle", "BytesUnsignedBig",

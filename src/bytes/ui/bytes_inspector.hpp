@@ -11,7 +11,7 @@
 class QGroupBox;
 class QLabel;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -23,7 +23,7 @@ public:
     explicit BytesInspector(QWidget* parent = nullptr);
 
     void showAt(std::span<const std::uint8_t> image, std::size_t address);
-    void applyTexts(const image::TabHost& host);
+    void applyTexts(const window::TabHost& host);
 
     // [row: 8, 16, 32 bits][column: unsigned little, signed little, unsigned big, signed big]
     std::array<std::array<QLabel*, 4>, 3> numbers{};

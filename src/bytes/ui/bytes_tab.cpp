@@ -105,7 +105,7 @@ void BytesTab::attach(BytesHost& host)
 
 void BytesTab::applyTexts()
 {
-    const image::TabHost& host = m_host->tabHost();
+    const window::TabHost& host = m_host->tabHost();
     m_goToLabel->setText(host.text("BytesGoTo"));
     GoToButton->setText(host.text("BytesGoToButton"));
     m_findLabel->setText(host.text("BytesFind"));
@@ -169,7 +169,7 @@ void BytesTab::cursorMoved(std::size_t address)
 
 QString BytesTab::ownerName(const image::ByteOwner& owner) const
 {
-    const image::TabHost& host = m_host->tabHost();
+    const window::TabHost& host = m_host->tabHost();
     switch (owner.kind) {
     case image::OwnerKind::Tone: return host.text("BytesOwnerTone").arg(rowNumber(owner.row));
     case image::OwnerKind::PictureFrame:
@@ -205,7 +205,7 @@ void BytesTab::showOwner()
 void BytesTab::showViewMenu(const QPoint& position)
 {
     if (const auto address = view->addressAt(position)) view->setCursor(*address);
-    image::TabHost& host = m_host->tabHost();
+    window::TabHost& host = m_host->tabHost();
     ShowOwner->setEnabled(m_owners.ownerAt(static_cast<std::int64_t>(view->cursor())).has_value());
     WriteChangesAsPatch->setEnabled(host.takesSRecordPatch() &&
                                     !m_host->originals().changedSpans(host.imageState().FirmwareImage).empty());
@@ -226,7 +226,7 @@ void BytesTab::goTo()
 
 void BytesTab::find(bool forward)
 {
-    image::TabHost& host = m_host->tabHost();
+    window::TabHost& host = m_host->tabHost();
     const auto& image = host.imageState().FirmwareImage;
     static constexpr PatternKind kKinds[] = {PatternKind::Hex, PatternKind::SingleByte, PatternKind::HandsetCodes};
     const auto pattern =

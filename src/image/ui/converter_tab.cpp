@@ -17,6 +17,13 @@
 
 namespace zevran::image {
 
+using window::Answer;
+using window::CaptionKey;
+using window::hiddenProgress;
+using window::InterfaceTexts;
+using window::named;
+using window::TabHost;
+
 ConverterTab::ConverterTab(QWidget* parent) : QWidget(parent)
 {
     setObjectName("ConverterTab");

@@ -14,19 +14,21 @@ class QProgressBar;
 class QPushButton;
 class QRadioButton;
 
-namespace zevran::image {
-
+namespace zevran::window {
 class TabHost;
+}
+
+namespace zevran::image {
 
 class ConverterTab : public QWidget {
     Q_OBJECT
 public:
     explicit ConverterTab(QWidget* parent = nullptr);
     // The language file's keys that label this tab's controls, in the file's order.
-    static std::vector<CaptionKey> captionKeys();
+    static std::vector<window::CaptionKey> captionKeys();
 
     // The window whose dialogs, folders and messages the commands use.
-    void attach(TabHost& host);
+    void attach(window::TabHost& host);
 
     void OpenS3File_Click();
     void OpenBinFile_Click();
@@ -68,7 +70,7 @@ private:
     // The output box's path, or the input's name with `extension` when the box is empty.
     std::string outputOf(const QLineEdit* box, const QLineEdit* input, const char* extension) const;
 
-    TabHost* m_host = nullptr;
+    window::TabHost* m_host = nullptr;
     bool m_converting = false;
     bool m_stopRequested = false;
 };

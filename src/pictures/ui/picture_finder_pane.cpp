@@ -106,7 +106,7 @@ void FinderCanvas::keyPressEvent(QKeyEvent* event)
 
 // --- the window ---
 
-PictureFinderPane::PictureFinderPane(image::TabHost& host, QWidget* parent) : QDialog(parent), m_host(host)
+PictureFinderPane::PictureFinderPane(window::TabHost& host, QWidget* parent) : QDialog(parent), m_host(host)
 {
     setObjectName("PictureFinder");
     buildControls();

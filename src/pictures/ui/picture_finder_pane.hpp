@@ -21,7 +21,7 @@ class QListWidgetItem;
 class QPushButton;
 class QSpinBox;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -62,7 +62,7 @@ private:
 class PictureFinderPane : public QDialog {
     Q_OBJECT
 public:
-    explicit PictureFinderPane(image::TabHost& host, QWidget* parent = nullptr);
+    explicit PictureFinderPane(window::TabHost& host, QWidget* parent = nullptr);
     ~PictureFinderPane() override;
 
     // Opens on a picture's place, size and depth ("Show in finder" of a row).
@@ -116,7 +116,7 @@ private:
     int depth() const;
     FoundPicture pictureOnShow() const;
 
-    image::TabHost& m_host;
+    window::TabHost& m_host;
     ViewRenderer m_renderer;
     std::int64_t m_address = 0;
     bool m_pointerShown = false;  // the status line shows the pointer's address

@@ -43,7 +43,7 @@ void yieldToTheWindow()
 #endif
 }
 
-ColourTable galleryColours(const image::TabHost& host)
+ColourTable galleryColours(const window::TabHost& host)
 {
     return coloursForDepth(4, host.dataFolder().toStdString() + "/16.dat");
 }
@@ -52,7 +52,7 @@ ColourTable galleryColours(const image::TabHost& host)
 
 // --- the candidates ---
 
-CandidateModel::CandidateModel(image::TabHost& host, QObject* parent) : QAbstractListModel(parent), m_host(host) {}
+CandidateModel::CandidateModel(window::TabHost& host, QObject* parent) : QAbstractListModel(parent), m_host(host) {}
 
 void CandidateModel::setCandidates(std::vector<PictureCandidate> candidates, std::vector<std::string> names)
 {
@@ -139,7 +139,7 @@ struct PictureGallery::Job {
     std::atomic<bool> finished{false};
 };
 
-PictureGallery::PictureGallery(image::TabHost& host, QWidget* parent) : QDialog(parent), m_host(host)
+PictureGallery::PictureGallery(window::TabHost& host, QWidget* parent) : QDialog(parent), m_host(host)
 {
     setObjectName("PictureGallery");
     progress = new QProgressBar(this);

@@ -22,7 +22,7 @@ class QProgressBar;
 class QPushButton;
 class QTimer;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -35,7 +35,7 @@ class CandidateModel : public QAbstractListModel {
 public:
     static constexpr int kThumbnailSize = 96;  // the longer side, in screen pixels
 
-    CandidateModel(image::TabHost& host, QObject* parent = nullptr);
+    CandidateModel(window::TabHost& host, QObject* parent = nullptr);
     void setCandidates(std::vector<PictureCandidate> candidates, std::vector<std::string> names);
     const PictureCandidate& candidate(int row) const { return m_candidates[static_cast<std::size_t>(row)]; }
     QString name(int row) const { return QString::fromStdString(m_names[static_cast<std::size_t>(row)]); }
@@ -49,7 +49,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
-    image::TabHost& m_host;
+    window::TabHost& m_host;
     std::vector<PictureCandidate> m_candidates;
     std::vector<std::string> m_names;
     mutable std::vector<QImage> m_thumbnails;  // null until drawn
@@ -58,7 +58,7 @@ private:
 class PictureGallery : public QDialog {
     Q_OBJECT
 public:
-    PictureGallery(image::TabHost& host, QWidget* parent = nullptr);
+    PictureGallery(window::TabHost& host, QWidget* parent = nullptr);
     ~PictureGallery() override;
 
     // Scans the whole image as it is now; `rows` (the picture list) mark the known
@@ -90,7 +90,7 @@ private:
     void poll();
     void finishScan();
 
-    image::TabHost& m_host;
+    window::TabHost& m_host;
     QTimer* m_poll;
     std::shared_ptr<Job> m_job;
     std::thread m_worker;

@@ -28,7 +28,7 @@ QPixmap blocks(const QImage& picture)
 
 QLabel* pictureLabel(const char* name, const QImage& picture, QWidget* parent)
 {
-    auto* label = image::named(new QLabel(parent), name);
+    auto* label = window::named(new QLabel(parent), name);
     label->setAlignment(Qt::AlignCenter);
     label->setFrameShape(QFrame::StyledPanel);
     label->setPixmap(blocks(picture));
@@ -46,23 +46,23 @@ PictureImportView::PictureImportView(const QImage& before, const QImage& after, 
     setModal(true);
     BeforePicture = pictureLabel("BeforePicture", before, this);
     AfterPicture = pictureLabel("AfterPicture", after, this);
-    ChangedBytes = image::named(new QLabel(this), "ChangedBytes", QString(texts.changed).arg(counts.changedBytes));
+    ChangedBytes = window::named(new QLabel(this), "ChangedBytes", QString(texts.changed).arg(counts.changedBytes));
     // A 4-bit row of odd width keeps no nibble for its last pixel: the user hears of
     // the pixels lost there before importing.
     UnstoredPixels =
-        image::named(new QLabel(this), "UnstoredPixels", QString(texts.unstored).arg(counts.unstoredPixels));
+        window::named(new QLabel(this), "UnstoredPixels", QString(texts.unstored).arg(counts.unstoredPixels));
     UnstoredPixels->setWordWrap(true);
     UnstoredPixels->setVisible(counts.unstoredPixels > 0);
     auto* buttons = new QDialogButtonBox(this);
-    ImportConfirm = image::named(buttons->addButton(texts.confirm, QDialogButtonBox::AcceptRole), "ImportConfirm");
-    ImportCancel = image::named(buttons->addButton(texts.cancel, QDialogButtonBox::RejectRole), "ImportCancel");
+    ImportConfirm = window::named(buttons->addButton(texts.confirm, QDialogButtonBox::AcceptRole), "ImportConfirm");
+    ImportCancel = window::named(buttons->addButton(texts.cancel, QDialogButtonBox::RejectRole), "ImportCancel");
     ImportCancel->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* pictures = new QGridLayout;
-    pictures->addWidget(image::named(new QLabel(this), "BeforeCaption", texts.before), 0, 0, Qt::AlignCenter);
-    pictures->addWidget(image::named(new QLabel(this), "AfterCaption", texts.after), 0, 1, Qt::AlignCenter);
+    pictures->addWidget(window::named(new QLabel(this), "BeforeCaption", texts.before), 0, 0, Qt::AlignCenter);
+    pictures->addWidget(window::named(new QLabel(this), "AfterCaption", texts.after), 0, 1, Qt::AlignCenter);
     pictures->addWidget(BeforePicture, 1, 0);
     pictures->addWidget(AfterPicture, 1, 1);
     auto* layout = new QVBoxLayout(this);

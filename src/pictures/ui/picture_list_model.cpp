@@ -12,7 +12,7 @@ using Column = window::RowColumn<PictureListRow>;
 
 Column cell(std::string PictureEntry::*field)
 {
-    return {[field](const PictureListRow& row) { return image::fromUtf8(row.entry.*field); }};
+    return {[field](const PictureListRow& row) { return window::fromUtf8(row.entry.*field); }};
 }
 
 }  // namespace

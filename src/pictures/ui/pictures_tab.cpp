@@ -30,12 +30,12 @@
 
 namespace zevran::pictures {
 
-using image::fromUtf8;
-using image::named;
+using window::fromUtf8;
+using window::named;
 
-std::vector<image::CaptionKey> PicturesTab::captionKeys()
+std::vector<window::CaptionKey> PicturesTab::captionKeys()
 {
-    std::vector<image::CaptionKey> keys{{"SSTab3", "Frame16Name", "Frame16"}};
+    std::vector<window::CaptionKey> keys{{"SSTab3", "Frame16Name", "Frame16"}};
     for (const char* name : {"OpenPicTable", "SavePicTable", "RepeatPlay"}) keys.push_back({"SSTab3", name, name});
     for (int c = 0; c < 7; ++c) keys.push_back({"SSTab3", "Listview5Header" + std::to_string(c + 1), "ListView5", c});
     for (const char* name : {"Label28", "Label30", "Check1", "Label25"}) keys.push_back({"SSTab3", name, name});
@@ -66,7 +66,7 @@ QWidget* PicturesTab::buildTablePane()
     m_pictureModel = makePictureListModel(this);
     m_pictureModel->setHeaders(
         {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")});
-    ListView5 = image::reportView("ListView5", m_pictureModel, table);
+    ListView5 = window::reportView("ListView5", m_pictureModel, table);
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
     FindPictures = named(new QPushButton(table), "FindPictures");
@@ -74,9 +74,9 @@ QWidget* PicturesTab::buildTablePane()
     Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
     Text21 = named(new QLineEdit(table), "Text21");
     // Wide enough for a whole address, so "1000" never shows as "000".
-    image::fitToText(Text21, QStringLiteral("FFFFFFFF"));
+    window::fitToText(Text21, QStringLiteral("FFFFFFFF"));
     Text21->setMaximumWidth(std::max(110, Text21->minimumWidth()));
-    ProgressBar2 = image::hiddenProgress("ProgressBar2", table);
+    ProgressBar2 = window::hiddenProgress("ProgressBar2", table);
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
@@ -119,8 +119,8 @@ QGroupBox* PicturesTab::buildPreviewPane()
     FrameCount->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     Text15->setReadOnly(true);
     Text16->setReadOnly(true);
-    image::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
-    image::fitToText(Text16, QStringLiteral("-999"));
+    window::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
+    window::fitToText(Text16, QStringLiteral("-999"));
     PreviousPicture = named(new QPushButton(this), "PreviousPicture", QStringLiteral("◀"));
     nextpicture = named(new QPushButton(this), "nextpicture", QStringLiteral("▶"));
     PlayPicture = named(new QPushButton(this), "PlayPicture", tr("Play"));
@@ -159,6 +159,7 @@ QGroupBox* PicturesTab::buildPreviewPane()
 }
 
 using namespace zevran::image;
+using namespace zevran::window;
 
 namespace {
 
@@ -196,7 +197,7 @@ std::vector<QWidget*> PicturesTab::workControls() const
     return {ListView5, OpenPicTable, SavePicTable, Check1, Text21, m_frame16};
 }
 
-void PicturesTab::attach(image::TabHost& host, QMenu* pictureListMenu)
+void PicturesTab::attach(window::TabHost& host, QMenu* pictureListMenu)
 {
     m_host = &host;
     menufile5 = pictureListMenu;
@@ -252,7 +253,7 @@ int PicturesTab::selectedRow() const
 {
     const QModelIndex current = ListView5->currentIndex();
     if (current.isValid() && ListView5->selectionModel()->isRowSelected(current.row(), {})) return current.row();
-    const std::vector<int> selected = image::selectedRows(ListView5);
+    const std::vector<int> selected = window::selectedRows(ListView5);
     return selected.empty() ? -1 : selected.front();
 }
 

@@ -28,7 +28,7 @@ class QSlider;
 class QTimer;
 class QTreeView;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -42,11 +42,11 @@ class PicturesTab : public QWidget {
 public:
     explicit PicturesTab(QWidget* parent = nullptr);
     // The language file's keys that label this tab's controls, in the file's order.
-    static std::vector<image::CaptionKey> captionKeys();
+    static std::vector<window::CaptionKey> captionKeys();
 
     // The window whose image, dialogs, folders and messages the commands use, and the
     // picture list's pop-up menu, which the tab fills with its commands.
-    void attach(image::TabHost& host, QMenu* pictureListMenu);
+    void attach(window::TabHost& host, QMenu* pictureListMenu);
 
     // Picture tables.
     void OpenPicTable_Click();
@@ -177,7 +177,7 @@ private:
     void showImportStop(const PictureEntry& row, const RowImportError& error);
     QString importText(const char* key) const;
 
-    image::TabHost* m_host = nullptr;
+    window::TabHost* m_host = nullptr;
     PictureListModel* m_pictureModel = nullptr;
     QGroupBox* m_frame16 = nullptr;
     FrameNumber m_frame = 0;

@@ -14,22 +14,22 @@
 namespace zevran::pictures {
 
 // "row 003: " before a reason, so a message names the row it is about.
-inline QString onRow(const image::TabHost& host, const PictureEntry& row, const std::exception& error)
+inline QString onRow(const window::TabHost& host, const PictureEntry& row, const std::exception& error)
 {
-    using image::fromUtf8;
+    using window::fromUtf8;
     return row.number.empty() ? host.failureText(error)
                               : host.text("RowError").arg(fromUtf8(row.number), host.failureText(error));
 }
 
 // One line a field of the table that can name no picture, in the window's language.
-inline QString tableWarningText(const image::TabHost& host, const std::vector<TableFieldWarning>& warnings)
+inline QString tableWarningText(const window::TabHost& host, const std::vector<TableFieldWarning>& warnings)
 {
     QStringList lines;
     for (const TableFieldWarning& warning : warnings) {
         const char* key = warning.problem == TableFieldProblem::AddressNotHex      ? "TableAddressNotHex"
                           : warning.problem == TableFieldProblem::FramesNotANumber ? "TableFramesNotANumber"
                                                                                    : "TableSizeBelowOne";
-        lines << host.text(key).arg(warning.line).arg(image::fromUtf8(warning.value));
+        lines << host.text(key).arg(warning.line).arg(window::fromUtf8(warning.value));
     }
     return lines.join('\n');
 }

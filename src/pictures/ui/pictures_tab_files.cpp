@@ -35,6 +35,7 @@
 namespace zevran::pictures {
 
 using namespace zevran::image;
+using namespace zevran::window;
 
 // ---- Picture tables ----
 

@@ -11,7 +11,7 @@
 
 namespace zevran::pictures {
 
-using image::fromUtf8;
+using window::fromUtf8;
 
 PictureFinderPane* PicturesTab::openFinder()
 {

@@ -20,6 +20,7 @@
 namespace zevran::pictures {
 
 using namespace zevran::image;
+using namespace zevran::window;
 
 namespace {
 

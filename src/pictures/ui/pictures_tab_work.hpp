@@ -27,8 +27,8 @@ public:
 
 private:
     PicturesTab& m_tab;
-    image::KeepWindowOpen m_keepOpen;
-    image::BusyPointer m_busy;
+    window::KeepWindowOpen m_keepOpen;
+    window::BusyPointer m_busy;
 };
 
 }  // namespace zevran::pictures

@@ -18,9 +18,9 @@
 
 namespace zevran::strings {
 
-using image::named;
+using window::named;
 
-using image::fromUtf8;
+using window::fromUtf8;
 
 namespace {
 
@@ -118,7 +118,7 @@ QGroupBox* StringsTab::buildEditListFrame()
 {
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     makeEditModel();
-    ListView2 = image::reportView("ListView2", m_editModel, frame13);
+    ListView2 = window::reportView("ListView2", m_editModel, frame13);
     // `Removeone` removes "the selected row": there is never more than one.
     ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
     Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
@@ -138,9 +138,9 @@ QGroupBox* StringsTab::buildEditListFrame()
     return frame13;
 }
 
-std::vector<image::CaptionKey> StringsTab::captionKeys()
+std::vector<window::CaptionKey> StringsTab::captionKeys()
 {
-    std::vector<image::CaptionKey> keys;
+    std::vector<window::CaptionKey> keys;
     for (const char* frame : {"Frame10", "Frame11", "Frame13"})
         keys.push_back({"SSTab2", std::string(frame) + "Name", frame});
     // The classic file lists the tone tab's table buttons a second time here; the key
@@ -153,15 +153,15 @@ std::vector<image::CaptionKey> StringsTab::captionKeys()
     return keys;
 }
 
-void StringsTab::attach(image::TabHost& host, QMenu* editListMenu)
+void StringsTab::attach(window::TabHost& host, QMenu* editListMenu)
 {
     m_host = &host;
     menufile4 = editListMenu;
-    Removeone = image::menuAction(menufile4, "Removeone");
-    Removeall = image::menuAction(menufile4, "Removeall");
-    image::menuSeparator(menufile4, "line5");
-    outputStrS3 = image::menuAction(menufile4, "outputStrS3");
-    outputStraxf = image::menuAction(menufile4, "outputStraxf");
+    Removeone = window::menuAction(menufile4, "Removeone");
+    Removeall = window::menuAction(menufile4, "Removeall");
+    window::menuSeparator(menufile4, "line5");
+    outputStrS3 = window::menuAction(menufile4, "outputStrS3");
+    outputStraxf = window::menuAction(menufile4, "outputStraxf");
     connect(SeachString, &QPushButton::clicked, this, &StringsTab::SeachString_Click);
     connect(Text11, &QLineEdit::returnPressed, this, &StringsTab::SeachString_Click);
     connect(Add2List, &QPushButton::clicked, this, &StringsTab::Add2List_Click);
@@ -207,7 +207,7 @@ void StringsTab::SeachString_Click()
     int passCount = Text4->text().toInt();
     std::optional<StringHit> hit;
     {
-        image::BusyPointer busy;
+        window::BusyPointer busy;
         hit = findNextString(state, pattern, handsetCodes, passCount);
     }
     Text4->setText(QString::number(passCount));
@@ -254,7 +254,7 @@ void StringsTab::addEditRow(const StringEditRow& row) { m_editModel->append(row)
 
 void StringsTab::Removeone_Click()
 {
-    const std::vector<int> selected = image::selectedRows(ListView2);
+    const std::vector<int> selected = window::selectedRows(ListView2);
     if (selected.empty()) return;
     m_editModel->removeRow(selected.front());
     updateListMenu();
@@ -271,7 +271,7 @@ void StringsTab::updateListMenu()
     if (!m_host) return;
     const std::vector<StringEditRow>& rows = m_editModel->rows();
     const bool anyChecked = std::any_of(rows.begin(), rows.end(), [](const StringEditRow& row) { return row.checked; });
-    Removeone->setEnabled(!image::selectedRows(ListView2).empty());
+    Removeone->setEnabled(!window::selectedRows(ListView2).empty());
     Removeall->setEnabled(!rows.empty());
     outputStrS3->setEnabled(anyChecked && m_host->takesSRecordPatch());
     outputStraxf->setEnabled(anyChecked && m_host->takesInImagePatch());

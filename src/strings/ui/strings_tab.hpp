@@ -20,7 +20,7 @@ class QPushButton;
 class QRadioButton;
 class QTreeView;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -36,11 +36,11 @@ class StringsTab : public QWidget {
 public:
     explicit StringsTab(QWidget* parent = nullptr);
     // The language file's keys that label this tab's controls, in the file's order.
-    static std::vector<image::CaptionKey> captionKeys();
+    static std::vector<window::CaptionKey> captionKeys();
 
     // The window whose image, dialogs and messages the commands use, and the edit
     // list's pop-up menu, which the tab fills with its commands.
-    void attach(image::TabHost& host, QMenu* editListMenu);
+    void attach(window::TabHost& host, QMenu* editListMenu);
 
     void SeachString_Click();
     void Add2List_Click();
@@ -107,7 +107,7 @@ private:
     // written (its error shown) or nothing is checked.
     std::optional<std::vector<image::Region>> checkedRegions();
 
-    image::TabHost* m_host = nullptr;
+    window::TabHost* m_host = nullptr;
     window::RowTableModel<StringEditRow>* m_editModel = nullptr;
     window::RowTableModel<EntryResult>* m_refusedModel = nullptr;
     QMenu* menufile4 = nullptr;

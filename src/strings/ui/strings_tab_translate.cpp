@@ -27,8 +27,8 @@
 
 namespace zevran::strings {
 
-using image::fromUtf8;
-using image::named;
+using window::fromUtf8;
+using window::named;
 
 namespace {
 
@@ -68,7 +68,7 @@ QWidget* StringsTab::makeTranslationFrame()
     StopExport = named(new QPushButton(frame), "StopExport", tr("Stop"));
     StopExport->hide();
     makeRefusedModel();
-    ListViewRefused = image::reportView("ListViewRefused", m_refusedModel, frame);
+    ListViewRefused = window::reportView("ListViewRefused", m_refusedModel, frame);
     SaveReport = named(new QPushButton(frame), "SaveReport", tr("Save report..."));
     SaveReport->setEnabled(false);
     auto* buttons = new QHBoxLayout;
@@ -103,7 +103,7 @@ void StringsTab::ExportStrings_Click()
         m_host->dialogs().saveFile(m_host->settings().TableSavePath, m_host->text("TranslationFilter"), 1);
     if (path.isEmpty()) return;
     m_host->settings().TableSavePath = fromUtf8(image::FolderOf(path.toStdString()));
-    image::KeepWindowOpen keepOpen(*m_host);
+    window::KeepWindowOpen keepOpen(*m_host);
     ExtractOptions options;
     options.codePage = m_host->codePage();
     // Progress and Stop: the finder reports every MiB, and pending events run between.

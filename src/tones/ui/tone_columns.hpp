@@ -22,7 +22,7 @@ struct ToneFileRow {
 
 namespace columns {
 
-inline QString cellText(const std::string& cell) { return image::fromUtf8(cell); }
+inline QString cellText(const std::string& cell) { return window::fromUtf8(cell); }
 inline QString cellText(const QString& cell) { return cell; }
 
 // Built member by member: GCC 12 fails on a brace list that leaves a column's members

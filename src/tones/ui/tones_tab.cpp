@@ -27,10 +27,10 @@
 
 namespace zevran::tones {
 
-using image::BusyPointer;
-using image::fromUtf8;
-using image::named;
-using image::reportView;
+using window::BusyPointer;
+using window::fromUtf8;
+using window::named;
+using window::reportView;
 using window::RowTableModel;
 
 
@@ -67,7 +67,7 @@ QGroupBox* TonesTab::buildTonesFrame()
     GetTone = named(new QPushButton(frame5), "GetTone", tr("Scan tones"));
     SaveToneTable = named(new QPushButton(frame5), "SaveToneTable", tr("Save table"));
     OpenToneTable = named(new QPushButton(frame5), "OpenToneTable", tr("Open table"));
-    ProgressBar1 = image::hiddenProgress("ProgressBar1", frame5);
+    ProgressBar1 = window::hiddenProgress("ProgressBar1", frame5);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(GetTone);
     buttons->addWidget(OpenToneTable);
@@ -121,9 +121,9 @@ QGroupBox* TonesTab::buildPlanFrame()
     return frame8;
 }
 
-std::vector<image::CaptionKey> TonesTab::captionKeys()
+std::vector<window::CaptionKey> TonesTab::captionKeys()
 {
-    std::vector<image::CaptionKey> keys;
+    std::vector<window::CaptionKey> keys;
     for (const char* frame : {"Frame5", "Frame7", "Frame8"})
         keys.push_back({"SSTab1", std::string(frame) + "Name", frame});
     for (const char* button : {"GetTone", "SaveToneTable", "OpenToneTable"}) keys.push_back({"SSTab1", button, button});
@@ -145,7 +145,7 @@ void TonesTab::setCurrentFolder(const QString& folder)
     m_openedFolder = index.isValid() ? folders->filePath(index) : QString();
 }
 
-void TonesTab::attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu,
+void TonesTab::attach(window::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu,
                       QLabel* checkPanel)
 {
     m_host = &host;
@@ -185,8 +185,8 @@ void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* pla
     };
     for (const auto& [menu, names] : items)
         for (const char* name : names) {
-            if (name[0] == '-') image::menuSeparator(menu, name + 1);
-            else m_commands.insert(QLatin1String(name), image::menuAction(menu, name));
+            if (name[0] == '-') window::menuSeparator(menu, name + 1);
+            else m_commands.insert(QLatin1String(name), window::menuAction(menu, name));
         }
     struct Popup {
         QTreeView* list;
@@ -228,7 +228,7 @@ void TonesTab::enableMenufile1()
     command("outputall")->setEnabled(rows && loaded);
 }
 
-void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!image::selectedRows(ListView1).empty()); }
+void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!window::selectedRows(ListView1).empty()); }
 
 const std::vector<ToneSlot>& TonesTab::toneRows() const { return m_toneModel->rows(); }
 
@@ -306,7 +306,7 @@ void TonesTab::OpenToneTable_Click()
         m_host->showError(m_host->text("ToneTableStopped").arg(path).arg(*table.stoppedAtLine).arg(table.rows.size()));
 }
 
-bool TonesTab::hasSelectedTone() const { return !image::selectedRows(ListView4).empty(); }
+bool TonesTab::hasSelectedTone() const { return !window::selectedRows(ListView4).empty(); }
 
 void TonesTab::outputselect_Click() { exportTones(false); }
 
@@ -325,12 +325,12 @@ void TonesTab::exportTones(bool everyRow)
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
     int written = 0;
-    for (int row : image::selectedRows(ListView4)) selected[static_cast<std::size_t>(row)] = true;
+    for (int row : window::selectedRows(ListView4)) selected[static_cast<std::size_t>(row)] = true;
     ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
     ProgressBar1->setVisible(true);
     QString failure;
     // Pending events run between the files: the window may not close under the export.
-    image::KeepWindowOpen keepOpen(*m_host);
+    window::KeepWindowOpen keepOpen(*m_host);
     try {
         std::optional<BusyPointer> busy;
         if (everyRow) busy.emplace();
@@ -420,7 +420,7 @@ void TonesTab::showToneCount()
 void TonesTab::showToneCheck()
 {
     QLabel* panel = m_checkPanel;
-    const std::vector<int> selected = image::selectedRows(ListView4);
+    const std::vector<int> selected = window::selectedRows(ListView4);
     if (selected.empty()) {
         panel->clear();
         return;

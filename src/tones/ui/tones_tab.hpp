@@ -24,7 +24,7 @@ class QProgressBar;
 class QPushButton;
 class QTreeView;
 
-namespace zevran::image {
+namespace zevran::window {
 class TabHost;
 }
 
@@ -42,12 +42,12 @@ class TonesTab : public QWidget {
 public:
     explicit TonesTab(QWidget* parent = nullptr);
     // The language file's keys that label this tab's controls, in the file's order.
-    static std::vector<image::CaptionKey> captionKeys();
+    static std::vector<window::CaptionKey> captionKeys();
 
     // The window whose image, dialogs, folders and messages the commands use; the
     // pop-up menus of the tone list, the file list and the plan, which the tab fills
     // with its commands; and the status panel that shows the selected tone's check.
-    void attach(image::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel);
+    void attach(window::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel);
 
     QTreeView* ListView1;  // ".mmf" files of the folder chosen in ET1
     QTreeView* ListView3;  // the replacement plan
@@ -131,7 +131,7 @@ private:
     // message shown, when any pair cannot be written: then nothing is written.
     std::optional<std::vector<image::Region>> planRegions();
 
-    image::TabHost* m_host = nullptr;
+    window::TabHost* m_host = nullptr;
     window::RowTableModel<ToneSlot>* m_toneModel = nullptr;        // ListView4
     window::RowTableModel<ToneFileRow>* m_fileModel = nullptr;     // ListView1
     window::RowTableModel<ReplacementRow>* m_planModel = nullptr;  // ListView3

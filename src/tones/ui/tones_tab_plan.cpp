@@ -15,8 +15,8 @@
 
 namespace zevran::tones {
 
-using image::fromUtf8;
-using image::selectedRows;
+using window::fromUtf8;
+using window::selectedRows;
 
 void TonesTab::showToneFiles(const QString& folder)
 {
