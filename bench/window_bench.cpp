@@ -112,9 +112,9 @@ int previewFrames()
     auto* pictures = window.findChild<zevran::pictures::PicturesTab*>();
     answers->files = {home.path() + "/pictures.txt"};
     pictures->OpenPicTable_Click();
-    if (pictures->ListView5->model()->rowCount() != 1) return 1;
-    pictures->ListView5->selectionModel()->select(pictures->ListView5->model()->index(0, 0),
-                                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    if (pictures->pictureList->model()->rowCount() != 1) return 1;
+    pictures->pictureList->selectionModel()->select(pictures->pictureList->model()->index(0, 0),
+                                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
     pictures->ListView5_ItemClick(0);
     std::vector<double> shown;
     for (int frame = 0; frame < 60; ++frame) {
@@ -237,12 +237,12 @@ int loadLargeImage(const QString& phone)
     tones->GetTone_Click();
     const double scanned = seconds(clock.nsecsElapsed());
     auto* strings = window.findChild<zevran::strings::StringsTab*>();
-    strings->Text11->setText(QStringLiteral("Melody"));
+    strings->searchText->setText(QStringLiteral("Melody"));
     strings->SeachString_Click();
     const double searched = seconds(clock.nsecsElapsed());
     std::printf("load_image_bytes %lld\nload_tone_rows %d\nload_found_at %s\n",
-                static_cast<long long>(window.imageState().FirmwareImage.size()), tones->ListView4->model()->rowCount(),
-                qPrintable(strings->Text10->text()));
+                static_cast<long long>(window.imageState().FirmwareImage.size()), tones->toneList->model()->rowCount(),
+                qPrintable(strings->foundStart->text()));
     std::printf("load_open_s %.3f\nload_scan_s %.3f\nload_search_s %.3f\n", opened, scanned - opened,
                 searched - scanned);
     std::printf("load_peak_before_kib %ld\nload_peak_kib %ld\n", before, peakKibibytes());
@@ -281,11 +281,11 @@ int main(int argc, char** argv)
         tones->GetTone_Click();
         fills.push_back(seconds(clock.nsecsElapsed()));
     }
-    if (tones->ListView4->model()->rowCount() != 5000) return 1;
-    std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->ListView4->model()->rowCount(), median(fills));
+    if (tones->toneList->model()->rowCount() != 5000) return 1;
+    std::printf("listview4_rows %d\nlistview4_fill_s %.4f\n", tones->toneList->model()->rowCount(), median(fills));
 
     auto* converter = window.findChild<zevran::image::ConverterTab*>();
-    converter->Text1->setText(QString::fromLocal8Bit(argv[1]));
+    converter->s3InputPath->setText(QString::fromLocal8Bit(argv[1]));
     converter->PartAdd->setChecked(true);
     std::vector<double> times;
     std::vector<double> gaps;

@@ -48,31 +48,31 @@ AboutTab::AboutTab(QWidget* parent) : QWidget(parent)
     for (const char* line : kAboutText) m_credits << QString::fromUtf8(line);
     auto* description = named(new QLabel(this), "Label15", tr("A workshop for the firmware image of a handset"));
     auto* frame3 = named(new QGroupBox(this), "Frame3");
-    Label16 = named(new QLabel(frame3), "Label16", tr("Home page"));
-    Label16->setCursor(Qt::PointingHandCursor);
-    Label16->installEventFilter(this);
+    homePageLink = named(new QLabel(frame3), "Label16", tr("Home page"));
+    homePageLink->setCursor(Qt::PointingHandCursor);
+    homePageLink->installEventFilter(this);
     auto* frameLayout = new QVBoxLayout(frame3);
-    frameLayout->addWidget(Label16);
-    Picture1 = named(new QWidget(this), "Picture1");
-    Picture1->setMinimumHeight(240);
-    Text6 = named(new QLineEdit(this), "Text6", QStringLiteral("0"));
-    Text6->setVisible(false);
+    frameLayout->addWidget(homePageLink);
+    creditsArea = named(new QWidget(this), "Picture1");
+    creditsArea->setMinimumHeight(240);
+    scrollOffset = named(new QLineEdit(this), "Text6", QStringLiteral("0"));
+    scrollOffset->setVisible(false);
     Timer1 = new QTimer(this);
     Timer1->setObjectName("Timer1");
     Timer1->setInterval(50);
     connect(Timer1, &QTimer::timeout, this, &AboutTab::Timer1_Timer);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(description);
-    layout->addWidget(Picture1, 1);
+    layout->addWidget(creditsArea, 1);
     layout->addWidget(frame3);
 }
 
 void AboutTab::startScroller()
 {
     stopScroller();
-    Text6->setText(QStringLiteral("0"));
+    scrollOffset->setText(QStringLiteral("0"));
     for (int i = 0; i < kLines; ++i) {
-        auto* line = new QLabel(m_credits[i], Picture1);
+        auto* line = new QLabel(m_credits[i], creditsArea);
         line->setObjectName("Label1");
         line->adjustSize();
         line->show();
@@ -84,7 +84,7 @@ void AboutTab::startScroller()
 
 void AboutTab::applyTexts(const window::TabHost& host)
 {
-    Label16->setText(host.text("HomePageLink"));
+    homePageLink->setText(host.text("HomePageLink"));
     for (int i = 0; i < kLines; ++i)
         if (kAboutText[i][0] != '\0') m_credits[i] = host.text("AboutLine" + std::to_string(i + 1));
 }
@@ -98,31 +98,32 @@ void AboutTab::stopScroller()
 
 void AboutTab::Timer1_Timer()
 {
-    int offset = Text6->text().toInt() + 50;
-    Text6->setText(QString::number(offset));
+    int offset = scrollOffset->text().toInt() + 50;
+    scrollOffset->setText(QString::number(offset));
     placeLines(offset);
-    const int lastTop = Picture1->height() * kTwipsPerPixel - offset + (kLines - 1) * 400;
+    const int lastTop = creditsArea->height() * kTwipsPerPixel - offset + (kLines - 1) * 400;
     if (lastTop < -200) {
-        Text6->setText(QStringLiteral("0"));
+        scrollOffset->setText(QStringLiteral("0"));
         placeLines(0);
     }
 }
 
 void AboutTab::placeLines(int offsetTwips)
 {
-    const int heightTwips = Picture1->height() * kTwipsPerPixel;
+    const int heightTwips = creditsArea->height() * kTwipsPerPixel;
     for (std::size_t i = 0; i < Label1.size(); ++i) {
         const int topTwips = heightTwips - offsetTwips + static_cast<int>(i) * 400;
-        Label1[i]->move((Picture1->width() - Label1[i]->width()) / 2, topTwips / kTwipsPerPixel);
+        Label1[i]->move((creditsArea->width() - Label1[i]->width()) / 2, topTwips / kTwipsPerPixel);
     }
 }
 
 bool AboutTab::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == Label16) {
+    if (watched == homePageLink) {
         // The link lights up while the pointer is over it.
-        if (event->type() == QEvent::Enter) Label16->setStyleSheet("color: palette(link); text-decoration: underline;");
-        else if (event->type() == QEvent::Leave) Label16->setStyleSheet(QString());
+        if (event->type() == QEvent::Enter)
+            homePageLink->setStyleSheet("color: palette(link); text-decoration: underline;");
+        else if (event->type() == QEvent::Leave) homePageLink->setStyleSheet(QString());
         else if (event->type() == QEvent::MouseButtonRelease) emit homePageRequested();
     }
     return QWidget::eventFilter(watched, event);

@@ -32,9 +32,9 @@ public:
     // "AboutLineN" of [Zevran]; the blank lines between the credits stay blank.
     void applyTexts(const window::TabHost& host);
 
-    QLabel* Label16;    // home-page link
-    QWidget* Picture1;  // scroll area
-    QLineEdit* Text6;   // scroll offset, in twips
+    QLabel* homePageLink;     // home-page link
+    QWidget* creditsArea;     // scroll area
+    QLineEdit* scrollOffset;  // scroll offset, in twips
     QTimer* Timer1;
     std::vector<QLabel*> Label1;  // the scrolling lines 1..24 while shown
 

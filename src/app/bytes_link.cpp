@@ -120,9 +120,9 @@ std::vector<ByteOwner> BytesLink::ownedRanges() const
 QAbstractItemView* BytesLink::listOf(OwnerKind kind) const
 {
     switch (kind) {
-    case OwnerKind::Tone: return m_lists.tones->ListView4;
-    case OwnerKind::EditRow: return m_lists.strings->ListView2;
-    case OwnerKind::PictureFrame: return m_lists.pictures->ListView5;
+    case OwnerKind::Tone: return m_lists.tones->toneList;
+    case OwnerKind::EditRow: return m_lists.strings->editList;
+    case OwnerKind::PictureFrame: return m_lists.pictures->pictureList;
     }
     return nullptr;
 }

@@ -35,25 +35,25 @@ void stageTones(Form1& window, const QString& demoFolder)
 {
     auto* tab = window.findChild<tones::TonesTab*>();
     tab->GetTone_Click();
-    tab->ListView4->model()->setData(tab->ListView4->model()->index(0, 4), "ring1", Qt::EditRole);
+    tab->toneList->model()->setData(tab->toneList->model()->index(0, 4), "ring1", Qt::EditRole);
     tab->setCurrentFolder(demoFolder + "/tones");
-    selectRows(tab->ListView1, {0, 1});
+    selectRows(tab->toneFileList, {0, 1});
     tab->addmmf_Click();
-    selectRows(tab->ListView4, {0, 1});
+    selectRows(tab->toneList, {0, 1});
     tab->addaddress_Click();
-    tab->ListView3->model()->setData(tab->ListView3->model()->index(0, 0), Qt::Checked, Qt::CheckStateRole);
-    selectRows(tab->ListView4, {0});
+    tab->planList->model()->setData(tab->planList->model()->index(0, 0), Qt::Checked, Qt::CheckStateRole);
+    selectRows(tab->toneList, {0});
 }
 
 // A text found and a replacement planned for it.
 void stageStrings(Form1& window)
 {
     auto* tab = window.findChild<strings::StringsTab*>();
-    tab->Option2->setChecked(true);
+    tab->searchSingleByteCodes->setChecked(true);
     tab->SearchBegin->setChecked(true);
-    tab->Text11->setText("Welcome");
+    tab->searchText->setText("Welcome");
     tab->SeachString_Click();
-    tab->Text7->setText("Hello!");
+    tab->replacementText->setText("Hello!");
     tab->Add2List_Click();
 }
 
@@ -63,9 +63,9 @@ void stagePictures(Form1& window, StagedDialogs& dialogs, const QString& demoFol
     auto* tab = window.findChild<pictures::PicturesTab*>();
     dialogs.files = {demoFolder + "/demo-pictures.txt"};
     tab->OpenPicTable_Click();
-    const int last = tab->ListView5->model()->rowCount() - 1;
+    const int last = tab->pictureList->model()->rowCount() - 1;
     if (last < 0) return;
-    selectRows(tab->ListView5, {last});
+    selectRows(tab->pictureList, {last});
     tab->ListView5_ItemClick(last);
     tab->nextpicture_Click();
     tab->nextpicture_Click();
@@ -75,10 +75,10 @@ void stagePictures(Form1& window, StagedDialogs& dialogs, const QString& demoFol
 void stageConverter(Form1& window, const QString& demoFolder)
 {
     auto* tab = window.findChild<image::ConverterTab*>();
-    tab->Text19->setText(demoFolder + "/demo.bin");
+    tab->binInputPath->setText(demoFolder + "/demo.bin");
     tab->PartAddressOption->setChecked(true);
-    tab->Text18->setText("A0020000");
-    tab->Text17->setText("A021FFFF");
+    tab->binStartAddress->setText("A0020000");
+    tab->binEndAddress->setText("A021FFFF");
 }
 
 }  // namespace
@@ -100,8 +100,8 @@ bool saveScreenshots(Form1& window, StagedDialogs& dialogs, const QString& folde
         // A new language puts the status bar back to its first texts; opening the
         // phone file again shows its name and version in them.
         window.openPhoneFile(phone);
-        selectRows(window.findChild<tones::TonesTab*>()->ListView4, {});
-        selectRows(window.findChild<tones::TonesTab*>()->ListView4, {0});
+        selectRows(window.findChild<tones::TonesTab*>()->toneList, {});
+        selectRows(window.findChild<tones::TonesTab*>()->toneList, {0});
         const QString name = languages[language - 1]->text();
         for (int i = 0; i < tabs->count(); ++i) {
             tabs->setCurrentIndex(i);

@@ -33,7 +33,7 @@ int runFindText(const std::vector<std::string>& words, const Context& context)
     int passCount = 0;
     std::string out;
     while (auto hit = findNextString(state, pattern, handsetCodes, passCount)) {
-        out += hit->Text10 + " " + hit->Text9 + " " + hit->Text8 + "\n";
+        out += hit->foundStart + " " + hit->foundEnd + " " + hit->foundLength + "\n";
         if (!args.has("--all")) break;
     }
     if (out.empty()) throw std::runtime_error("\"" + args.positional()[1] + "\" is not in " + args.positional()[0]);

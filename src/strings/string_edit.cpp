@@ -29,21 +29,23 @@ Region editRowRegion(const StringEditRow& row, bool handsetCodes, std::string_vi
     return {HexToLong(row.start), HexToLong(row.end), editRowBytes(row, handsetCodes, codePage)};
 }
 
-std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::string_view Text10, std::string_view Text9,
-                                               std::string_view Text7, std::string_view Text8, bool handsetCodes,
+std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::string_view foundStart,
+                                               std::string_view foundEnd, std::string_view replacementText,
+                                               std::string_view foundLength, bool handsetCodes,
                                                std::string_view codePage)
 {
-    if (Text10.empty() || Text7.empty() || Text9.empty()) return std::nullopt;
-    const std::int64_t bytes = rangeBytes(HexToLong(Text10), HexToLong(Text9));
-    StringEditRow row{ZeroPad(std::to_string(rowsBefore + 1), 2), std::string(Text10), std::string(Text9),
-                      std::string(Text7), std::string(Text8)};
+    if (foundStart.empty() || replacementText.empty() || foundEnd.empty()) return std::nullopt;
+    const std::int64_t bytes = rangeBytes(HexToLong(foundStart), HexToLong(foundEnd));
+    StringEditRow row{ZeroPad(std::to_string(rowsBefore + 1), 2), std::string(foundStart), std::string(foundEnd),
+                      std::string(replacementText), std::string(foundLength)};
     const auto used = static_cast<std::int64_t>(editRowBytes(row, handsetCodes, codePage).size());
     if (used > bytes)
-        throw EditRowError(handsetCodes ? Reason::TextTooLongHandset : Reason::TextTooLongSingle,
-                           {std::string(Text7), std::to_string(used), std::to_string(bytes), std::string(Text10)});
+        throw EditRowError(
+            handsetCodes ? Reason::TextTooLongHandset : Reason::TextTooLongSingle,
+            {std::string(replacementText), std::to_string(used), std::to_string(bytes), std::string(foundStart)});
     const std::int64_t spaceBytes = handsetCodes ? 2 : 1;
     if ((bytes - used) % spaceBytes != 0)
-        throw EditRowError(Reason::OddCountForHandset, {std::string(Text10), std::to_string(bytes)});
+        throw EditRowError(Reason::OddCountForHandset, {std::string(foundStart), std::to_string(bytes)});
     row.text.append(static_cast<std::size_t>((bytes - used) / spaceBytes), ' ');
     return row;
 }

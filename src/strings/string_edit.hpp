@@ -48,15 +48,16 @@ public:
     using TypedError::TypedError;
 };
 
-// The row that adding a replacement makes for the string found between Text10 and
-// Text9 in the search's encoding: nullopt (message 25) when the start, end or
+// The row that adding a replacement makes for the string found between foundStart and
+// foundEnd in the search's encoding: nullopt (message 25) when the start, end or
 // replacement is empty. The spaces are counted in bytes, one a space in single-byte
 // codes and two (A1 20) in handset codes, so the padded replacement fills the string
 // exactly also where a character takes two bytes of the code page. Throws
 // EditRowError when the replacement is longer than the string, or when handset
 // codes, two bytes a character, cannot fill an odd byte count.
-std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::string_view Text10, std::string_view Text9,
-                                               std::string_view Text7, std::string_view Text8, bool handsetCodes,
+std::optional<StringEditRow> makeFittedEditRow(std::size_t rowsBefore, std::string_view foundStart,
+                                               std::string_view foundEnd, std::string_view replacementText,
+                                               std::string_view foundLength, bool handsetCodes,
                                                std::string_view codePage = kDefaultCodePage);
 
 // The regions of the rows to write, in the order given, in the chosen encoding (or a

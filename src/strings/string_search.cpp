@@ -37,15 +37,15 @@ std::optional<StringHit> findNextString(ImageState& state, std::string_view hexP
         StringHit hit;
         hit.start = start;
         hit.end = end;
-        hit.Text10 = HexPad(static_cast<std::uint32_t>(start), 8);
-        hit.Text9 = HexPad(static_cast<std::uint32_t>(end) - 1, 8);
+        hit.foundStart = HexPad(static_cast<std::uint32_t>(start), 8);
+        hit.foundEnd = HexPad(static_cast<std::uint32_t>(end) - 1, 8);
         if (handsetCodes) {
             // Two bytes a character; an odd count shows as a half character.
-            hit.Text8 = std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "");
+            hit.foundLength = std::to_string(bytes / 2) + (bytes % 2 ? ".5" : "");
             // Half-way rounds to even, as the text box's limit was always set.
             hit.maxLength = static_cast<int>(bytes / 2 + ((bytes % 2) && ((bytes / 2) % 2) ? 1 : 0));
         } else {
-            hit.Text8 = std::to_string(bytes);
+            hit.foundLength = std::to_string(bytes);
             hit.maxLength = static_cast<int>(bytes);
         }
         return hit;

@@ -23,11 +23,11 @@ std::string searchPattern(std::string_view utf8Text, bool handsetCodes, std::str
 
 // What one search shows.
 struct StringHit {
-    std::string Text10;     // start, eight hex digits
-    std::string Text9;      // last byte before the terminating zero, eight hex digits
-    std::string Text8;      // length: bytes, or characters (possibly "2.5") in handset codes
-    int maxLength = 0;      // the longest replacement that fits
-    std::size_t start = 0;  // the stored string's bytes: [start, end)
+    std::string foundStart;   // start, eight hex digits
+    std::string foundEnd;     // last byte before the terminating zero, eight hex digits
+    std::string foundLength;  // length: bytes, or characters (possibly "2.5") in handset codes
+    int maxLength = 0;        // the longest replacement that fits
+    std::size_t start = 0;    // the stored string's bytes: [start, end)
     std::size_t end = 0;
 };
 

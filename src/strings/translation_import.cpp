@@ -106,7 +106,7 @@ std::vector<image::Region> fittingRegions(const ImportResult& result)
 StringEditRow editRowOf(const EntryResult& result, std::size_t rowsBefore, std::string_view codePage)
 {
     const bool handset = result.entry.codes == StringCodes::Handset;
-    // Text8 as the search shows it: characters in handset codes, bytes otherwise.
+    // foundLength as the search shows it: characters in handset codes, bytes otherwise.
     const std::string length = handset ? std::to_string(result.budget / 2) : std::to_string(result.budget);
     StringEditRow row =
         *makeFittedEditRow(rowsBefore, image::HexPad(static_cast<std::uint32_t>(result.region.first), 8),

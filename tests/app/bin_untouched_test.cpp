@@ -63,25 +63,25 @@ private:
     {
         auto* tab = window.findChild<zevran::tones::TonesTab*>();
         tab->GetTone->click();
-        QCOMPARE(rowCount(tab->ListView4), 1);
-        selectRow(tab->ListView4, 0);
+        QCOMPARE(rowCount(tab->toneList), 1);
+        selectRow(tab->toneList, 0);
         m_dialogs->files = {path("out/tones.txt"), path("out/tones.txt"), path("out/ring.mmf"), path("out/all.mmf"),
                             path("out/tones.s3")};
         tab->SaveToneTable->click();
         tab->OpenToneTable->click();
-        selectRow(tab->ListView4, 0);
+        selectRow(tab->toneList, 0);
         window.findChild<QAction*>("outputselect")->trigger();
         window.findChild<QAction*>("outputall")->trigger();
         writeBytes(path("tones/new.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        selectRow(tab->ListView1, 0);
+        selectRow(tab->toneFileList, 0);
         window.findChild<QAction*>("addmmf")->trigger();
         window.findChild<QAction*>("addaddress")->trigger();
-        setCheckState(tab->ListView3, 0, 0, Qt::Checked);
+        setCheckState(tab->planList, 0, 0, Qt::Checked);
         window.findChild<QAction*>("outputs3")->trigger();
         // Disabled for a "bin" file, and refusing all the same when called.
         tab->outputaxf_Click();
-        selectRow(tab->ListView3, 0);
+        selectRow(tab->planList, 0);
         for (const char* name : {"movemmf", "moveallmmf", "movealladdress", "moveall"})
             window.findChild<QAction*>(name)->trigger();
         QVERIFY(QFile::exists(path("out/tones.s3")));
@@ -91,12 +91,12 @@ private:
     void runStringCommands(Form1& window)
     {
         auto* tab = window.findChild<zevran::strings::StringsTab*>();
-        tab->Text11->setText("Hello");
+        tab->searchText->setText("Hello");
         window.findChild<QRadioButton*>("Option2")->setChecked(true);
         window.findChild<QCheckBox*>("SearchBegin")->setChecked(true);
         tab->SeachString_Click();
-        QCOMPARE(tab->Text10->text(), QString("00000400"));
-        tab->Text7->setText("Howdy");
+        QCOMPARE(tab->foundStart->text(), QString("00000400"));
+        tab->replacementText->setText("Howdy");
         tab->Add2List_Click();
         m_dialogs->files = {path("out/strings.s3")};
         tab->outputStrS3_Click();
@@ -112,8 +112,8 @@ private:
         m_dialogs->files = {path("pictures.txt"), path("out/pictures.txt"), path("out/pictures.s3")};
         m_dialogs->folders = {path("out/"), path("out/")};
         tab->OpenPicTable_Click();
-        QCOMPARE(rowCount(tab->ListView5), 1);
-        selectRow(tab->ListView5, 0);
+        QCOMPARE(rowCount(tab->pictureList), 1);
+        selectRow(tab->pictureList, 0);
         tab->ListView5_ItemClick(0);
         tab->nextpicture_Click();
         tab->PreviousPicture_Click();
@@ -122,7 +122,7 @@ private:
         tab->PausePlay_Click();
         tab->StopPlay_Click();
         tab->SavePicTable_Click();
-        setCheckState(tab->ListView5, 0, 0, Qt::Checked);
+        setCheckState(tab->pictureList, 0, 0, Qt::Checked);
         tab->outputpic_Click();
         tab->outputpicall_Click();
         tab->outputpics3_Click();
@@ -133,13 +133,13 @@ private:
     void runConverterCommands(Form1& window, const QString& phone)
     {
         auto* tab = window.findChild<zevran::image::ConverterTab*>();
-        tab->Text19->setText(phone);
+        tab->binInputPath->setText(phone);
         tab->AllAddressOption->setChecked(true);
         tab->ComBinToS3_Click();
         QCOMPARE(readBytes(path("phone.s3")).left(18), QByteArray("S00600004844521B\r\n"));
         // Converting phone.s3 back would write phone.bin: the open phone file is refused.
         const std::size_t before = m_dialogs->messages.size();
-        tab->Text1->setText(path("phone.s3"));
+        tab->s3InputPath->setText(path("phone.s3"));
         tab->PartAdd->setChecked(true);
         tab->ComS3ToBin_Click();
         QCOMPARE(m_dialogs->messages.size(), before + 1);

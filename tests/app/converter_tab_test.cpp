@@ -68,8 +68,8 @@ private slots:
     void twoRecordsInFullAddressModeFillTheGap()
     {
         writeBytes(path("two.s3"), kTwoRecords);
-        m_tab->Text1->setText(path("two.s3"));
-        m_tab->Text3->setText("00");
+        m_tab->s3InputPath->setText(path("two.s3"));
+        m_tab->s3FillByte->setText("00");
         m_tab->ComS3ToBin->click();
         QByteArray expected(0x24, '\0');
         expected.replace(0x10, 4, "\x01\x02\x03\x04");
@@ -78,14 +78,14 @@ private slots:
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Information);
         QCOMPARE(m_dialogs->messages[0].text, "The binary file " + path("two.bin") + " has been written.");
-        QCOMPARE(m_tab->Text2->text(), QString("00000020"));
-        QVERIFY(m_tab->ProgressBar3->isHidden());
+        QCOMPARE(m_tab->recordAddress->text(), QString("00000020"));
+        QVERIFY(m_tab->s3ToBinProgress->isHidden());
     }
 
     void twoRecordsInDataOnlyModeGiveEightBytes()
     {
         writeBytes(path("two.s3"), kTwoRecords);
-        m_tab->Text1->setText(path("two.s3"));
+        m_tab->s3InputPath->setText(path("two.s3"));
         m_tab->PartAdd->setChecked(true);
         m_tab->ComS3ToBin->click();
         QCOMPARE(readBytes(path("two.bin")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
@@ -94,7 +94,7 @@ private slots:
     void badLineNamesItsNumberAndLeavesNoPartialOutput()
     {
         writeBytes(path("bad.s3"), "S30600000000AA4F\r\nS304000000\r\n");
-        m_tab->Text1->setText(path("bad.s3"));
+        m_tab->s3InputPath->setText(path("bad.s3"));
         m_tab->PartAdd->setChecked(true);
         m_tab->ComS3ToBin->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -114,17 +114,17 @@ private slots:
             text += "S315" + QByteArray::number(address, 16).toUpper().rightJustified(8, '0') +
                     "000102030405060708090A0B0C0D0E0F00\r\n";
         writeBytes(path("big.s3"), text);
-        m_tab->Text1->setText(path("big.s3"));
+        m_tab->s3InputPath->setText(path("big.s3"));
         m_tab->PartAdd->setChecked(true);
         bool sawRunning = false;
         QTimer::singleShot(0, this, [&] {
-            sawRunning = m_tab->converting() && !m_tab->ProgressBar3->isHidden();
+            sawRunning = m_tab->converting() && !m_tab->s3ToBinProgress->isHidden();
             m_tab->ComS3ToBin->click();
         });
         m_tab->ComS3ToBin->click();
         QVERIFY(sawRunning);
         QVERIFY(!m_tab->converting());
-        QVERIFY(m_tab->ProgressBar3->isHidden());
+        QVERIFY(m_tab->s3ToBinProgress->isHidden());
         QCOMPARE(m_tab->ComS3ToBin->text(), QString("s3->bin"));
         QCOMPARE(readBytes(path("big.bin")), QByteArray("the old output"));
         QCOMPARE(QDir(m_home.path()).entryList({"big*"}, QDir::Files), (QStringList{"big.bin", "big.s3"}));
@@ -137,7 +137,7 @@ private slots:
     {
         writeBytes(path("two.s3"), kTwoRecords);
         writeBytes(path("two.bin"), "keep me");
-        m_tab->Text1->setText(path("two.s3"));
+        m_tab->s3InputPath->setText(path("two.s3"));
         m_tab->PartAdd->setChecked(true);
         m_dialogs->answers = {zevran::app::Answer::No, zevran::app::Answer::Yes};
         m_tab->ComS3ToBin->click();
@@ -149,7 +149,7 @@ private slots:
         QCOMPARE(readBytes(path("two.bin")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
         writeBytes(path("b.bin"), "AB");
         writeBytes(path("b.s3"), "keep me too");
-        m_tab->Text19->setText(path("b.bin"));
+        m_tab->binInputPath->setText(path("b.bin"));
         m_tab->ComBinToS3->click();  // no answer left: the question is cancelled
         QCOMPARE(readBytes(path("b.s3")), QByteArray("keep me too"));
     }
@@ -157,7 +157,7 @@ private slots:
     void outputBoxShowsTheNameBesideTheInputAndMayBeChanged()
     {
         writeBytes(path("two.s3"), kTwoRecords);
-        m_tab->Text1->setText(path("two.s3"));
+        m_tab->s3InputPath->setText(path("two.s3"));
         QCOMPARE(m_tab->BinOutput->text(), path("two.bin"));
         m_tab->BinOutput->setText(path("chosen.raw"));
         m_tab->PartAdd->setChecked(true);
@@ -165,7 +165,7 @@ private slots:
         QCOMPARE(readBytes(path("chosen.raw")), QByteArray("\x01\x02\x03\x04\x05\x06\x07\x08"));
         QVERIFY(!QFileInfo::exists(path("two.bin")));
         writeBytes(path("b.bin"), QByteArray("\x01", 1));
-        m_tab->Text19->setText(path("b.bin"));
+        m_tab->binInputPath->setText(path("b.bin"));
         QCOMPARE(m_tab->S3Output->text(), path("b.s3"));
         m_tab->S3Output->setText(path("out.srec"));
         m_tab->ComBinToS3->click();
@@ -213,7 +213,7 @@ private slots:
                                                                     Qt::NoButton, Qt::NoModifier));
             }
         });
-        m_tab->Text1->setText(path("large.s3"));
+        m_tab->s3InputPath->setText(path("large.s3"));
         m_tab->PartAdd->setChecked(true);
         ticker.start();
         QTimer::singleShot(0, this, [&] { paints.count = 0; });
@@ -224,14 +224,15 @@ private slots:
         QVERIFY(paints.count >= 1);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QCOMPARE(QFileInfo(path("large.bin")).size(), qint64{kLines} * 16);
-        QCOMPARE(m_tab->Text2->text(), QByteArray::number((kLines - 1) * 16, 16).toUpper().rightJustified(8, '0'));
+        QCOMPARE(m_tab->recordAddress->text(),
+                 QByteArray::number((kLines - 1) * 16, 16).toUpper().rightJustified(8, '0'));
     }
 
     void seventeenByteFileGivesAFullLineAndACountSixLine()
     {
         writeBytes(path("b.bin"),
                    QByteArray("\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10", 17));
-        m_tab->Text19->setText(path("b.bin"));
+        m_tab->binInputPath->setText(path("b.bin"));
         m_tab->ComBinToS3->click();
         QCOMPARE(readBytes(path("b.s3")), QByteArray("S00600004844521B\r\n"
                                                      "S31500000000000102030405060708090A0B0C0D0E0F72\r\n"
@@ -243,7 +244,7 @@ private slots:
     void binaryWhoseOutputWouldBeItselfIsRefusedAndKept()
     {
         writeBytes(path("image.s3"), "raw bytes");
-        m_tab->Text19->setText(path("image.s3"));
+        m_tab->binInputPath->setText(path("image.s3"));
         m_tab->ComBinToS3->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.contains("would overwrite the input"));
@@ -253,9 +254,9 @@ private slots:
     void fillOnlyRangeIsWrittenWhereTheUserChooses()
     {
         m_tab->FillDataOption->setChecked(true);
-        m_tab->Text18->setText("0");
-        m_tab->Text17->setText("0F");
-        m_tab->Text20->setText("FF");
+        m_tab->binStartAddress->setText("0");
+        m_tab->binEndAddress->setText("0F");
+        m_tab->binFillByte->setText("FF");
         m_dialogs->files.push_back(path("fill.s3"));
         m_tab->ComBinToS3->click();
         QCOMPARE(
@@ -268,11 +269,11 @@ private slots:
     {
         m_tab->PartAddressOption->setChecked(true);
         m_tab->ComBinToS3->click();
-        m_tab->Text18->setText("10");
+        m_tab->binStartAddress->setText("10");
         m_tab->ComBinToS3->click();
-        m_tab->Text17->setText("10");
+        m_tab->binEndAddress->setText("10");
         m_tab->ComBinToS3->click();
-        m_tab->Text17->setText("20");
+        m_tab->binEndAddress->setText("20");
         m_tab->ComBinToS3->click();
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{28, 29, 30, 31}));
     }
@@ -280,13 +281,13 @@ private slots:
     void optionsEnableTheirFields()
     {
         m_tab->PartAdd->setChecked(true);
-        QVERIFY(!m_tab->Text3->isEnabled());
+        QVERIFY(!m_tab->s3FillByte->isEnabled());
         m_tab->AllAdd->setChecked(true);
-        QVERIFY(m_tab->Text3->isEnabled());
-        QVERIFY(!m_tab->Text18->isEnabled());
-        QVERIFY(!m_tab->Text17->isEnabled());
+        QVERIFY(m_tab->s3FillByte->isEnabled());
+        QVERIFY(!m_tab->binStartAddress->isEnabled());
+        QVERIFY(!m_tab->binEndAddress->isEnabled());
         m_tab->PartAddressOption->setChecked(true);
-        QVERIFY(m_tab->Text18->isEnabled());
+        QVERIFY(m_tab->binStartAddress->isEnabled());
         QVERIFY(m_tab->findChild<QLabel*>("Label36")->isEnabled());
     }
 
@@ -295,8 +296,8 @@ private slots:
         m_dialogs->files = {path("in.s3"), path("in.bin")};
         m_tab->OpenS3File->click();
         m_tab->OpenBinFile->click();
-        QCOMPARE(m_tab->Text1->text(), path("in.s3"));
-        QCOMPARE(m_tab->Text19->text(), path("in.bin"));
+        QCOMPARE(m_tab->s3InputPath->text(), path("in.s3"));
+        QCOMPARE(m_tab->binInputPath->text(), path("in.bin"));
         QCOMPARE(m_window->settings().S3SavePath, m_home.path());
         QVERIFY(m_dialogs->asked[0].endsWith("|2"));
     }

@@ -350,11 +350,11 @@ private slots:
         image.replace(0x400, 6, QByteArray("Hello\0", 6));
         window->openPhoneFile(phoneFile("phone.asf", image));
         auto* tab = window->findChild<zevran::strings::StringsTab*>();
-        tab->Text11->setText("Hello");
+        tab->searchText->setText("Hello");
         window->findChild<QRadioButton*>("Option2")->setChecked(true);
         window->findChild<QCheckBox*>("SearchBegin")->setChecked(true);
         tab->SeachString_Click();
-        tab->Text7->setText("Howdy");
+        tab->replacementText->setText("Howdy");
         tab->Add2List_Click();
         tab->outputStraxf_Click();
         QCOMPARE(imageOf(*window).mid(0x400, 6), QByteArray("Howdy\0", 6));

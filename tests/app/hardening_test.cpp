@@ -145,7 +145,7 @@ private slots:
         writeBytes(path("phone.bin"), phoneImage());
         m_window->openPhoneFile(path("phone.bin"));
         tones()->GetTone->click();
-        QCOMPARE(rowCount(tones()->ListView4), 1);
+        QCOMPARE(rowCount(tones()->toneList), 1);
         writeBytes(path("plain"), "a file");
         m_dialogs->files = {path("plain/tones.txt")};
         tones()->SaveToneTable->click();
@@ -159,13 +159,13 @@ private slots:
         writeBytes(path("phone.bin"), phoneImage());
         m_window->openPhoneFile(path("phone.bin"));
         tones()->GetTone->click();
-        selectRow(tones()->ListView4, 0);
+        selectRow(tones()->toneList, 0);
         // "/proc/ring.mmf" less four characters, "-001.mmf": a file /proc will not make.
         m_dialogs->files = {"/proc/ring.mmf"};
         action("outputselect")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY2(m_dialogs->messages[0].text.contains("/proc/ring-001.mmf"), qPrintable(m_dialogs->messages[0].text));
-        QVERIFY(tones()->ProgressBar1->isHidden());
+        QVERIFY(tones()->scanProgress->isHidden());
     }
 
     void toneTableWithLettersAndOddSizesOpensAsText()
@@ -177,20 +177,20 @@ private slots:
             " 0x1 : 0xZZ - 0xQQ  Size: -5 \t\r\n 002 : 0x00000040 - 0x0000013F  Size: 99999999999999999999 \t\r\n");
         m_dialogs->files = {path("odd.txt")};
         tones()->OpenToneTable->click();
-        QCOMPARE(rowCount(tones()->ListView4), 2);
-        QCOMPARE(cellText(tones()->ListView4, 0, 3), QString("-5"));
+        QCOMPARE(rowCount(tones()->toneList), 2);
+        QCOMPARE(cellText(tones()->toneList, 0, 3), QString("-5"));
         QVERIFY(m_dialogs->messages.empty());
         // Planned as slots, the negative size is an empty slot and the enormous one lies outside.
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/a.mmf"), "MMMD");
         tones()->showToneFiles(path("tones"));
-        selectRow(tones()->ListView1, 0);
+        selectRow(tones()->toneFileList, 0);
         action("addmmf")->trigger();
         action("addmmf")->trigger();
-        selectRow(tones()->ListView4, 0);
-        selectRow(tones()->ListView4, 1);
+        selectRow(tones()->toneList, 0);
+        selectRow(tones()->toneList, 1);
         action("addaddress")->trigger();
-        QAbstractItemView* plan = tones()->ListView3;
+        QAbstractItemView* plan = tones()->planList;
         const int negative = cellText(plan, 0, 2).startsWith("0x1 ") ? 0 : 1;
         // A slot of -5 bytes takes no tone of 4.
         setCheckState(plan, negative, 0, Qt::Checked);

@@ -81,10 +81,10 @@ private slots:
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
         auto* tab = window->findChild<zevran::pictures::PicturesTab*>();
-        tab->Text21->setText("1000");
-        QVERIFY(showsWhole(tab->Text21, "1000"));
-        QVERIFY(showsWhole(tab->Text21, "FFFFFFFF"));
-        QVERIFY(showsWhole(tab->Text15, "0xFFFFFFFF"));
+        tab->saveAddressOffset->setText("1000");
+        QVERIFY(showsWhole(tab->saveAddressOffset, "1000"));
+        QVERIFY(showsWhole(tab->saveAddressOffset, "FFFFFFFF"));
+        QVERIFY(showsWhole(tab->frameAddressBox, "0xFFFFFFFF"));
     }
 
     void statusBarPanelsHaveSeparatorLines()
@@ -190,24 +190,24 @@ private slots:
         auto window = startWindowOnPhoneFile();
         auto* tab = window->findChild<zevran::tones::TonesTab*>();
         tab->GetTone_Click();
-        QCOMPARE(rowCount(tab->ListView4), 1);
-        setCellText(tab->ListView4, 0, 4, "a rather long note about the ring tone");
-        selectRow(tab->ListView4, 0);
+        QCOMPARE(rowCount(tab->toneList), 1);
+        setCellText(tab->toneList, 0, 4, "a rather long note about the ring tone");
+        selectRow(tab->toneList, 0);
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/a ring tone with a long name.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        selectRow(tab->ListView1, 0);
+        selectRow(tab->toneFileList, 0);
         tab->addmmf_Click();
         tab->addaddress_Click();
-        QCOMPARE(cellToolTip(tab->ListView4, 0, 4), QString("a rather long note about the ring tone"));
-        QCOMPARE(cellToolTip(tab->ListView3, 0, 2),
+        QCOMPARE(cellToolTip(tab->toneList, 0, 4), QString("a rather long note about the ring tone"));
+        QCOMPARE(cellToolTip(tab->planList, 0, 2),
                  QString("001 0x00000100 - 0x000001FF 256 a rather long note about the ring tone"));
-        QCOMPARE(cellToolTip(tab->ListView3, 0, 1), cellText(tab->ListView3, 0, 1));
-        QVERIFY(cellToolTip(tab->ListView3, 0, 1).startsWith("a ring tone with a long name.mmf 200 "));
-        selectRow(tab->ListView3, 0);
+        QCOMPARE(cellToolTip(tab->planList, 0, 1), cellText(tab->planList, 0, 1));
+        QVERIFY(cellToolTip(tab->planList, 0, 1).startsWith("a ring tone with a long name.mmf 200 "));
+        selectRow(tab->planList, 0);
         tab->moveallmmf_Click();
-        QCOMPARE(cellToolTip(tab->ListView3, 0, 1), QString());
-        QCOMPARE(cellToolTip(tab->ListView3, 0, 2), cellText(tab->ListView3, 0, 2));
+        QCOMPARE(cellToolTip(tab->planList, 0, 1), QString());
+        QCOMPARE(cellToolTip(tab->planList, 0, 2), cellText(tab->planList, 0, 2));
     }
 
     void editListTextShowsWholeInItsToolTip()
@@ -218,19 +218,19 @@ private slots:
         auto window = startedWindow();
         window->openPhoneFile(path("phone.bin"));
         auto* tab = window->findChild<zevran::strings::StringsTab*>();
-        tab->Text11->setText("an old label");
-        tab->Option2->setChecked(true);
+        tab->searchText->setText("an old label");
+        tab->searchSingleByteCodes->setChecked(true);
         tab->SeachString->click();
-        tab->Text7->setText("a replacement text longer than its column");
+        tab->replacementText->setText("a replacement text longer than its column");
         tab->Add2List->click();
-        QCOMPARE(cellToolTip(tab->ListView2, 0, 3), QString("a replacement text longer than its column"));
+        QCOMPARE(cellToolTip(tab->editList, 0, 3), QString("a replacement text longer than its column"));
         using EditRows = zevran::window::RowTableModel<zevran::strings::StringEditRow>;
-        auto* rows = dynamic_cast<EditRows*>(tab->ListView2->model());
+        auto* rows = dynamic_cast<EditRows*>(tab->editList->model());
         QVERIFY(rows);
         zevran::strings::StringEditRow changed = rows->row(0);
         changed.text = "short";
         rows->replaceRow(0, changed);
-        QCOMPARE(cellToolTip(tab->ListView2, 0, 3), QString("short"));
+        QCOMPARE(cellToolTip(tab->editList, 0, 3), QString("short"));
     }
 
     void tonePatchNamedWithoutExtensionIsWrittenAsS3()
@@ -242,14 +242,14 @@ private slots:
         auto window = startWindowOnPhoneFile();
         auto* tab = window->findChild<zevran::tones::TonesTab*>();
         tab->GetTone_Click();
-        selectRow(tab->ListView4, 0);
+        selectRow(tab->toneList, 0);
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/new.mmf"), QByteArray(200, 'N'));
         tab->showToneFiles(path("tones"));
-        selectRow(tab->ListView1, 0);
+        selectRow(tab->toneFileList, 0);
         tab->addmmf_Click();
         tab->addaddress_Click();
-        setCheckState(tab->ListView3, 0, 0, Qt::Checked);
+        setCheckState(tab->planList, 0, 0, Qt::Checked);
         m_dialogs->files = {path("tonepatch")};
         window->findChild<QAction*>("outputs3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});

@@ -115,25 +115,25 @@ private slots:
         window->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(4);
         QCOMPARE(static_cast<int>(about->Label1.size()), 24);
         QVERIFY(about->Timer1->isActive());
-        const int height = about->Picture1->height() * 15;
+        const int height = about->creditsArea->height() * 15;
         for (int tick = 0; tick < 3; ++tick) about->Timer1_Timer();
-        QCOMPARE(about->Text6->text(), QString("150"));
+        QCOMPARE(about->scrollOffset->text(), QString("150"));
         for (int i : {0, 1, 23}) {
             QLabel* line = about->Label1[static_cast<std::size_t>(i)];
             QCOMPARE(line->y(), (height - 150 + i * 400) / 15);
-            QCOMPARE(line->x(), (about->Picture1->width() - line->width()) / 2);
+            QCOMPARE(line->x(), (about->creditsArea->width() - line->width()) / 2);
         }
         // Once the last line has passed 200 twips above the top, the text starts again below.
         const int ticksToLoop = (height + 23 * 400 + 200) / 50 + 1;
         for (int tick = 3; tick < ticksToLoop; ++tick) about->Timer1_Timer();
-        QCOMPARE(about->Text6->text(), QString("0"));
+        QCOMPARE(about->scrollOffset->text(), QString("0"));
         QCOMPARE(about->Label1[0]->y(), height / 15);
         // Leaving the tab removes the lines; coming back starts from the bottom.
         window->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(0);
         QVERIFY(about->Label1.empty());
         QVERIFY(!about->Timer1->isActive());
         window->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(4);
-        QCOMPARE(about->Text6->text(), QString("0"));
+        QCOMPARE(about->scrollOffset->text(), QString("0"));
     }
 
     void homePageLinkLightsUpUnderThePointer()
@@ -141,11 +141,11 @@ private slots:
         auto window = startWindow();
         auto* about = window->findChild<AboutTab*>();
         QEvent enter(QEvent::Enter);
-        QCoreApplication::sendEvent(about->Label16, &enter);
-        QVERIFY(about->Label16->styleSheet().contains("underline"));
+        QCoreApplication::sendEvent(about->homePageLink, &enter);
+        QVERIFY(about->homePageLink->styleSheet().contains("underline"));
         QEvent leave(QEvent::Leave);
-        QCoreApplication::sendEvent(about->Label16, &leave);
-        QCOMPARE(about->Label16->styleSheet(), QString());
+        QCoreApplication::sendEvent(about->homePageLink, &leave);
+        QCOMPARE(about->homePageLink->styleSheet(), QString());
     }
 
     void missingHelpDocumentShowsMessage33()

@@ -83,10 +83,10 @@ private:
         auto* tones = m_window->findChild<zevran::tones::TonesTab*>();
         tones->GetTone_Click();
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
-        strings->Text11->setText("Menu");
-        strings->Option2->setChecked(true);
+        strings->searchText->setText("Menu");
+        strings->searchSingleByteCodes->setChecked(true);
         strings->SeachString->click();
-        strings->Text7->setText("Mine");
+        strings->replacementText->setText("Mine");
         strings->Add2List->click();
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
         pictures->appendPictureRows({{"001", "pic", "0X00000080", "2", "8", "2*2", "16"}});
@@ -203,16 +203,16 @@ private slots:
         open("phone.bin");
         fillOwners();
         auto* tones = m_window->findChild<zevran::tones::TonesTab*>();
-        setCurrentRow(tones->ListView4, 0);
+        setCurrentRow(tones->toneList, 0);
         showBytesIn("menufile1")->trigger();
         QCOMPARE(m_tabs->currentWidget(), m_tab);
         QCOMPARE(m_tab->view->selection(), Selection(0x100, 0x16C));
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
-        setCurrentRow(strings->ListView2, 0);
+        setCurrentRow(strings->editList, 0);
         showBytesIn("menufile4")->trigger();
         QCOMPARE(m_tab->view->selection(), Selection(0x10, 0x14));
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
-        setCurrentRow(pictures->ListView5, 0);
+        setCurrentRow(pictures->pictureList, 0);
         showBytesIn("menufile5")->trigger();
         QCOMPARE(m_tab->view->selection(), Selection(0x80, 0x90));
     }
@@ -225,19 +225,19 @@ private slots:
         m_tab->view->setCursor(0x120);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), tones);
-        QCOMPARE(tones->ListView4->currentIndex().row(), 0);
+        QCOMPARE(tones->toneList->currentIndex().row(), 0);
         auto* pictures = m_window->findChild<zevran::pictures::PicturesTab*>();
         pictures->appendPictureRows({{"002", "other", "0X000001C0", "1", "16", "4*2", "16"}});
         m_tab->refreshOwners();
         m_tab->view->setCursor(0x1C5);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), pictures);
-        QCOMPARE(pictures->ListView5->currentIndex().row(), 1);
+        QCOMPARE(pictures->pictureList->currentIndex().row(), 1);
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
         m_tab->view->setCursor(0x12);
         m_tab->ShowOwner->trigger();
         QCOMPARE(m_tabs->currentWidget(), strings);
-        QCOMPARE(strings->ListView2->currentIndex().row(), 0);
+        QCOMPARE(strings->editList->currentIndex().row(), 0);
     }
 
     void typingOverwritesAnAsfImageInBothColumns()
@@ -278,10 +278,10 @@ private slots:
         m_window->findChild<QAction*>("menuredo")->trigger();
         m_window->findChild<QAction*>("menuredo")->trigger();
         auto* strings = m_window->findChild<zevran::strings::StringsTab*>();
-        strings->Text11->setText("H");
-        strings->Option2->setChecked(true);
+        strings->searchText->setText("H");
+        strings->searchSingleByteCodes->setChecked(true);
         strings->SeachString->click();
-        QCOMPARE(strings->Text10->text(), QString("00000081"));
+        QCOMPARE(strings->foundStart->text(), QString("00000081"));
 
         QVERIFY(m_window->Saveaxf(false));
         QByteArray saved = phoneImage();

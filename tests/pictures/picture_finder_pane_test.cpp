@@ -56,7 +56,7 @@ private slots:
         QVERIFY(finder);
         QVERIFY(finder->isVisible());
         QCOMPARE(finder->address(), 0);
-        QCOMPARE(rowCount(m_tab->ListView5), 0);
+        QCOMPARE(rowCount(m_tab->pictureList), 0);
     }
 
     void showInFinderTakesTheSelectedRowsPlaceSizeAndDepth()
@@ -85,7 +85,7 @@ private slots:
             clickRow(r);
             choose(m_window->findChild<QAction*>("ShowInFinder"));
             auto* finder = m_window->findChild<PictureFinderPane*>();
-            const QImage preview = m_tab->Picture2->pixmap().toImage();
+            const QImage preview = m_tab->previewPicture->pixmap().toImage();
             const int zoom = m_tab->previewZoom();
             const QImage view = finder->canvas->picture();
             const int width = preview.width() / zoom, height = preview.height() / zoom;
@@ -204,13 +204,13 @@ private slots:
         QVERIFY(finder);
         finder->nameEdit->setText("found_screen");
         finder->addButton->click();
-        QCOMPARE(rowCount(m_tab->ListView5), 9);
-        QCOMPARE(rowTexts(m_tab->ListView5, 8),
+        QCOMPARE(rowCount(m_tab->pictureList), 9);
+        QCOMPARE(rowTexts(m_tab->pictureList, 8),
                  (QStringList{"009", "found_screen", "0X00000200", "1", "12288", "96*64", "16"}));
         clickRow(Screen);
-        const QImage original = m_tab->Picture2->pixmap().toImage();
+        const QImage original = m_tab->previewPicture->pixmap().toImage();
         clickRow(8);
-        QCOMPARE(m_tab->Picture2->pixmap().toImage(), original);
+        QCOMPARE(m_tab->previewPicture->pixmap().toImage(), original);
     }
 
     void addToTableWithoutATableStartsAtRowOne()
@@ -224,8 +224,8 @@ private slots:
         finder->framesBox->setValue(2);
         finder->nameEdit->setText("mono");
         finder->addButton->click();
-        QCOMPARE(rowCount(m_tab->ListView5), 1);
-        QCOMPARE(rowTexts(m_tab->ListView5, 0), (QStringList{"001", "mono", "0X00003200", "2", "768", "64*96", "1"}));
+        QCOMPARE(rowCount(m_tab->pictureList), 1);
+        QCOMPARE(rowTexts(m_tab->pictureList, 0), (QStringList{"001", "mono", "0X00003200", "2", "768", "64*96", "1"}));
     }
 
     void captionsComeFromTheWorkshopTexts()
@@ -275,7 +275,7 @@ private slots:
             finder->nameEdit->setText(name);
             finder->statusLine->clear();
             finder->addButton->click();
-            QCOMPARE(rowCount(m_tab->ListView5), 0);
+            QCOMPARE(rowCount(m_tab->pictureList), 0);
             QVERIFY(!finder->statusLine->text().isEmpty());
         }
     }

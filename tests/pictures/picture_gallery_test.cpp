@@ -151,13 +151,13 @@ private slots:
         QVERIFY(model->setData(model->index(1), "my_scene", Qt::EditRole));
         gallery->list->selectAll();
         gallery->addButton->click();
-        QCOMPARE(rowCount(m_tab->ListView5), 2);
+        QCOMPARE(rowCount(m_tab->pictureList), 2);
         const auto& icon = model->candidate(0);
-        QCOMPARE(rowTexts(m_tab->ListView5, 0),
+        QCOMPARE(rowTexts(m_tab->pictureList, 0),
                  (QStringList{"001", "pic_00006000", "0X00006000", "1", QString::number(56 * icon.height * 2),
                               QString("56*%1").arg(icon.height), "16"}));
-        QCOMPARE(cellText(m_tab->ListView5, 1, 1), QString("my_scene"));
-        QCOMPARE(cellText(m_tab->ListView5, 1, 6), QString("24"));
+        QCOMPARE(cellText(m_tab->pictureList, 1, 1), QString("my_scene"));
+        QCOMPARE(cellText(m_tab->pictureList, 1, 6), QString("24"));
         QCOMPARE(gallery->statusLine->text(), QString("Added to the table: pic_00006000, my_scene"));
         // A second scan knows them, and names nothing after them again.
         gallery = scanToTheEnd();

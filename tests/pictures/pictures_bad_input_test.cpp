@@ -30,7 +30,7 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(line("001", "many", "00000100", "40000", "12", "2*2", "24"));
-        setCheckState(m_tab->ListView5, 0, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, 0, 0, Qt::Checked);
         m_dialogs->files.push_back(path("many.s3"));
         choose(m_window->findChild<QAction*>("outputpics3"));
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -42,7 +42,7 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(line("001", "junk", "000000QQ", "x", "y", "a*b", "zz"));
-        QCOMPARE(rowCount(m_tab->ListView5), 1);
+        QCOMPARE(rowCount(m_tab->pictureList), 1);
         // The fields that can name no picture are said at load, the row is listed anyway.
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
         QVERIFY(m_dialogs->messages[0].text.contains("line 1: the address \"0X000000QQ\" is not a hexadecimal number"));
@@ -57,10 +57,10 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        QVERIFY(rowCount(m_tab->ListView5) > 0);
+        QVERIFY(rowCount(m_tab->pictureList) > 0);
         openTable(line("001", "huge", "00000100", "1", "12", "65536*65536", "16"), true);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
-        QCOMPARE(rowCount(m_tab->ListView5), 0);
+        QCOMPARE(rowCount(m_tab->pictureList), 0);
     }
 };
 

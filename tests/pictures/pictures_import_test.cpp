@@ -92,12 +92,12 @@ private slots:
         for (const char* phone : {"phone.bin", "phone.asf"}) {
             startWindow(phone);
             openTable(kTable);
-            emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+            emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
             QVERIFY(!m_tab->importpic->isEnabled());
             QVERIFY(!m_tab->importallpic->isEnabled());
             m_window->findChild<QMenu*>("menufile5")->hide();
             clickRow(Logo);
-            emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+            emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
             QVERIFY(m_tab->importpic->isEnabled());
             QVERIFY(m_tab->importallpic->isEnabled());
             QCOMPARE(m_tab->importpic->text(), QString("Import picture..."));
@@ -117,7 +117,7 @@ private slots:
         m_window->languagNum_Click(1);
         openTable(kTable);
         clickRow(Logo);
-        emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+        emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
         QCOMPARE(m_tab->importpic->text(), QString::fromUtf8("导入图片..."));
         QCOMPARE(m_tab->importallpic->text(), QString::fromUtf8("导入全部帧..."));
         m_window->findChild<QMenu*>("menufile5")->hide();
@@ -168,7 +168,7 @@ private slots:
         QCOMPARE(imageBytes(0x100, 12), kLogoFrames.left(12));
         QVERIFY(m_window->findChild<QAction*>("Save")->isEnabled());
         QCOMPARE(m_dialogs->codes(), std::vector<int>{13});
-        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("2"));
         expectLogoFrame(0x010203, 0x040506, 0x070809, 0x0A0B0C);
         // The phone file itself waits for Save.
         QCOMPARE(readBytes(path("phone.asf")), phoneImage());
@@ -265,7 +265,7 @@ private slots:
         openTable(kTable);
         clickRow(Logo);                                                    // three frames
         for (int step = 0; step < 3; ++step) m_tab->nextpicture->click();  // stepping past the last stays allowed
-        QCOMPARE(m_tab->Text16->text(), QString("4"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("4"));
         m_dialogs->messages.clear();
         QVERIFY(!chooseAndAnswer(m_tab->importpic, true).shown);
         QVERIFY(m_dialogs->asked.isEmpty());

@@ -22,21 +22,21 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable +
                   line("009", "a_name_far_longer_than_its_column_is_wide", "00000100", "1", "12", "2*2", "24"));
-        QCOMPARE(cellToolTip(m_tab->ListView5, Screen, 1), QString("screen"));
-        QCOMPARE(cellToolTip(m_tab->ListView5, 8, 1), QString("a_name_far_longer_than_its_column_is_wide"));
-        for (int column : {0, 2, 3, 4, 5, 6}) QCOMPARE(cellToolTip(m_tab->ListView5, Screen, column), QString());
+        QCOMPARE(cellToolTip(m_tab->pictureList, Screen, 1), QString("screen"));
+        QCOMPARE(cellToolTip(m_tab->pictureList, 8, 1), QString("a_name_far_longer_than_its_column_is_wide"));
+        for (int column : {0, 2, 3, 4, 5, 6}) QCOMPARE(cellToolTip(m_tab->pictureList, Screen, column), QString());
     }
 
     void anotherTableLoadsUnchecked()
     {
         startWindow("phone.bin");
         openTable(kTable);
-        QVERIFY(setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked));
-        QCOMPARE(checkState(m_tab->ListView5, Logo, 0), Qt::Checked);
-        QVERIFY(!setCellText(m_tab->ListView5, Logo, 1, "renamed"));
+        QVERIFY(setCheckState(m_tab->pictureList, Logo, 0, Qt::Checked));
+        QCOMPARE(checkState(m_tab->pictureList, Logo, 0), Qt::Checked);
+        QVERIFY(!setCellText(m_tab->pictureList, Logo, 1, "renamed"));
         openTable(kTable);
-        QCOMPARE(rowCount(m_tab->ListView5), 8);
-        for (int row = 0; row < 8; ++row) QCOMPARE(checkState(m_tab->ListView5, row, 0), Qt::Unchecked);
+        QCOMPARE(rowCount(m_tab->pictureList), 8);
+        for (int row = 0; row < 8; ++row) QCOMPARE(checkState(m_tab->pictureList, row, 0), Qt::Unchecked);
         QCOMPARE(m_tab->pictureRows()[Logo].name, std::string("logo"));
     }
 
@@ -59,14 +59,14 @@ private slots:
     {
         startWindow("phone.bin");
         auto* menu = m_window->findChild<QMenu*>("menufile5");
-        emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+        emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
         QVERIFY(menu->isVisible());
         QVERIFY(!m_tab->outputpic->isEnabled());
         QVERIFY(!m_tab->outputpicall->isEnabled());
         QVERIFY(!m_tab->outputpics3->isEnabled());
         menu->hide();
         openTable(kTable);
-        emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+        emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
         QVERIFY(m_tab->outputpic->isEnabled());
         QVERIFY(m_tab->outputpicall->isEnabled());
         QVERIFY(m_tab->outputpics3->isEnabled());
@@ -78,7 +78,7 @@ private slots:
     {
         startWindow("phone.asf");
         openTable(kTable);
-        emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+        emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
         QVERIFY(m_tab->outputpic->isEnabled());
         QVERIFY(m_tab->outputpicall->isEnabled());
         QVERIFY(!m_tab->outputpics3->isEnabled());
@@ -91,14 +91,14 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        selectRow(m_tab->ListView5, Logo);
-        selectRow(m_tab->ListView5, D8);
+        selectRow(m_tab->pictureList, Logo);
+        selectRow(m_tab->pictureList, D8);
         m_dialogs->folders.push_back(path("out/"));
         QDir().mkpath(path("out"));
         bool sawProgress = false;
         QTimer::singleShot(0, this, [&] {
-            sawProgress = m_tab->ProgressBar2->isVisible() && m_tab->ProgressBar2->maximum() == 3 &&
-                          !m_tab->ListView5->isEnabled() && !m_window->mayClose();
+            sawProgress = m_tab->pictureProgress->isVisible() && m_tab->pictureProgress->maximum() == 3 &&
+                          !m_tab->pictureList->isEnabled() && !m_window->mayClose();
         });
         choose(m_tab->outputpic);
         QVERIFY(sawProgress);
@@ -128,8 +128,8 @@ private slots:
         QCOMPARE(QImage(path("out/d8-01.bmp")).pixel(0, 0) & 0xFFFFFF, 0x0000FFu);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{18});
         QCOMPARE(m_dialogs->messages[0].title, QString("Done"));
-        QVERIFY(m_tab->ProgressBar2->isHidden());
-        QVERIFY(m_tab->ListView5->isEnabled());
+        QVERIFY(m_tab->pictureProgress->isHidden());
+        QVERIFY(m_tab->pictureList->isEnabled());
         QVERIFY(m_window->mayClose());
     }
 
@@ -140,8 +140,9 @@ private slots:
         m_dialogs->folders.push_back(path("all/"));
         QDir().mkpath(path("all"));
         bool sawProgress = false;
-        QTimer::singleShot(
-            0, this, [&] { sawProgress = m_tab->ProgressBar2->isVisible() && m_tab->ProgressBar2->maximum() == 8; });
+        QTimer::singleShot(0, this, [&] {
+            sawProgress = m_tab->pictureProgress->isVisible() && m_tab->pictureProgress->maximum() == 8;
+        });
         choose(m_tab->outputpicall);
         QVERIFY(sawProgress);
         QCOMPARE(QDir(path("all")).entryList(QDir::Files),
@@ -162,7 +163,7 @@ private slots:
         QCOMPARE(pal.mid(118), QByteArray::fromHex("9ABC0000"
                                                    "01230000"));
         QCOMPARE(QImage(path("all/screen-01.bmp")).size(), QSize(96, 64));
-        QVERIFY(m_tab->ProgressBar2->isHidden());
+        QVERIFY(m_tab->pictureProgress->isHidden());
     }
 
     void cancelledExportWritesNothingAndRemembersTheEmptyFolder()
@@ -191,7 +192,7 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        selectRow(m_tab->ListView5, Logo);
+        selectRow(m_tab->pictureList, Logo);
         m_dialogs->folders.push_back(m_home.path());
         bool accepted = true;
         QTimer::singleShot(0, this, [&] {
@@ -224,8 +225,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
-        setCheckState(m_tab->ListView5, D8, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, Logo, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, D8, 0, Qt::Checked);
         m_dialogs->files.push_back(path("patches/pictures.s3"));
         QDir().mkpath(path("patches"));
         choose(m_tab->outputpics3);
@@ -245,8 +246,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        setCheckState(m_tab->ListView5, D8, 0, Qt::Checked);
-        setCheckState(m_tab->ListView5, None, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, D8, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, None, 0, Qt::Checked);
         m_dialogs->files.push_back(path("p.s3"));
         choose(m_tab->outputpics3);
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{1, 10}));
@@ -267,8 +268,8 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable + line("010", "far", "00003FF0", "1", "32", "4*4", "16"));
-        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
-        setCheckState(m_tab->ListView5, 8, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, Logo, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, 8, 0, Qt::Checked);
         m_dialogs->files.push_back(path("p.s3"));
         choose(m_tab->outputpics3);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -280,7 +281,7 @@ private slots:
     {
         startWindow("phone.asf");
         openTable(kTable);
-        setCheckState(m_tab->ListView5, Logo, 0, Qt::Checked);
+        setCheckState(m_tab->pictureList, Logo, 0, Qt::Checked);
         m_tab->outputpics3_Click();
         QVERIFY(m_dialogs->asked.filter("save").isEmpty());
         QVERIFY(m_dialogs->messages.empty());

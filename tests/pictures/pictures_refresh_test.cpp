@@ -85,7 +85,7 @@ private slots:
         m_window->findChild<QAction*>("menuredo")->trigger();
         QCOMPARE(previewPixel(0, 0), QRgb(0x102030));
         QCOMPARE(finder->canvas->picture().pixel(0, 0) & 0xFFFFFF, QRgb(0x102030));
-        QCOMPARE(m_tab->Text16->text(), QString("1"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("1"));
         finder->close();
     }
 };

@@ -147,21 +147,21 @@ protected:
     void openTable(const QByteArray& text, bool recompute = false)
     {
         writeBytes(path("table.txt"), text);
-        m_tab->Check1->setChecked(recompute);
+        m_tab->recomputeFrameSizes->setChecked(recompute);
         m_dialogs->files.push_back(path("table.txt"));
         m_tab->OpenPicTable->click();
     }
 
     void clickRow(int index)
     {
-        const QRect rect = rowRect(m_tab->ListView5, index);
-        QTest::mouseClick(m_tab->ListView5->viewport(), Qt::LeftButton, {}, rect.center());
+        const QRect rect = rowRect(m_tab->pictureList, index);
+        QTest::mouseClick(m_tab->pictureList->viewport(), Qt::LeftButton, {}, rect.center());
     }
 
     // Right-click on the list and choose `item` from the pop-up menu, as a user does.
     void choose(QAction* item)
     {
-        emit m_tab->ListView5->customContextMenuRequested(QPoint(5, 5));
+        emit m_tab->pictureList->customContextMenuRequested(QPoint(5, 5));
         auto* menu = m_window->findChild<QMenu*>("menufile5");
         QVERIFY(menu->isVisible());
         QVERIFY(item->isEnabled());
@@ -172,7 +172,7 @@ protected:
     // The preview as shown, with the factor by which it is enlarged.
     QImage shown(int width, int height, int* zoom) const
     {
-        QImage image = m_tab->Picture2->pixmap().toImage();
+        QImage image = m_tab->previewPicture->pixmap().toImage();
         *zoom = image.width() / width;
         if (image.width() != width * *zoom || image.height() != height * *zoom) return QImage();
         return image;

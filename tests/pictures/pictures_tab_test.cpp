@@ -24,13 +24,14 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        QCOMPARE(rowCount(m_tab->ListView5), 8);
-        QCOMPARE(rowTexts(m_tab->ListView5, Logo), (QStringList{"001", "logo", "0X00000100", "3", "12", "2*2", "24"}));
-        QCOMPARE(rowTexts(m_tab->ListView5, Screen),
+        QCOMPARE(rowCount(m_tab->pictureList), 8);
+        QCOMPARE(rowTexts(m_tab->pictureList, Logo),
+                 (QStringList{"001", "logo", "0X00000100", "3", "12", "2*2", "24"}));
+        QCOMPARE(rowTexts(m_tab->pictureList, Screen),
                  (QStringList{"002", "screen", "0X00000200", "1", "12288", "96*64", "16"}));
-        QCOMPARE(rowTexts(m_tab->ListView5, Odd), (QStringList{"008", "odd", "0X00003730", "1", "1", "2*2", "2"}));
-        QCOMPARE(checkState(m_tab->ListView5, Logo, 0), Qt::Unchecked);
-        QVERIFY(cellFlags(m_tab->ListView5, Logo, 0) & Qt::ItemIsUserCheckable);
+        QCOMPARE(rowTexts(m_tab->pictureList, Odd), (QStringList{"008", "odd", "0X00003730", "1", "1", "2*2", "2"}));
+        QCOMPARE(checkState(m_tab->pictureList, Logo, 0), Qt::Unchecked);
+        QVERIFY(cellFlags(m_tab->pictureList, Logo, 0) & Qt::ItemIsUserCheckable);
         QVERIFY(m_tab->PlayPicture->isEnabled());
         QVERIFY(m_tab->nextpicture->isEnabled());
         QVERIFY(m_tab->PreviousPicture->isEnabled());
@@ -48,12 +49,12 @@ private slots:
                                  line("002", "mono", "00000200", "1", "99", "12*12", "1") +
                                  line("003", "odd", "00000300", "1", "99", "10*5", "1");
         openTable(table, false);
-        QCOMPARE(cellText(m_tab->ListView5, 0, 4), QString("99"));
-        QCOMPARE(cellText(m_tab->ListView5, 2, 4), QString("99"));
+        QCOMPARE(cellText(m_tab->pictureList, 0, 4), QString("99"));
+        QCOMPARE(cellText(m_tab->pictureList, 2, 4), QString("99"));
         openTable(table, true);
-        QCOMPARE(cellText(m_tab->ListView5, 0, 4), QString("40960"));
-        QCOMPARE(cellText(m_tab->ListView5, 1, 4), QString("18"));
-        QCOMPARE(cellText(m_tab->ListView5, 2, 4), QString("6"));
+        QCOMPARE(cellText(m_tab->pictureList, 0, 4), QString("40960"));
+        QCOMPARE(cellText(m_tab->pictureList, 1, 4), QString("18"));
+        QCOMPARE(cellText(m_tab->pictureList, 2, 4), QString("6"));
     }
 
     void badLineShowsMessage38WithWhereAndClearsTheListAndPreview()
@@ -61,15 +62,15 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(0);
-        QVERIFY(!m_tab->Picture2->pixmap().isNull());
+        QVERIFY(!m_tab->previewPicture->pixmap().isNull());
         openTable(line("001", "logo", "00000100", "3", "12", "2*2", "24") + "002 short\t 0X00000200\t Frames: 1\r\n");
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
         // Message 38 has no text of its own; what failed and where stands in its place.
         QCOMPARE(m_dialogs->messages[0].text, path("table.txt") + ": line 2: only 5 of 11 space-separated fields");
-        QVERIFY(m_tab->Picture2->pixmap().isNull());
-        QCOMPARE(m_tab->Text15->text(), QString());
+        QVERIFY(m_tab->previewPicture->pixmap().isNull());
+        QCOMPARE(m_tab->frameAddressBox->text(), QString());
         QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Critical);
-        QCOMPARE(rowCount(m_tab->ListView5), 0);
+        QCOMPARE(rowCount(m_tab->pictureList), 0);
         QVERIFY(!m_tab->PlayPicture->isEnabled());
         QVERIFY(!m_tab->nextpicture->isEnabled());
         QVERIFY(!m_tab->PreviousPicture->isEnabled());
@@ -86,7 +87,7 @@ private slots:
                                                   "line 3: the frame count \"x\" is not a number\n"
                                                   "line 3: the frame size \"0\" is below 1 byte");
         // The rows are listed as before.
-        QCOMPARE(rowCount(m_tab->ListView5), 2);
+        QCOMPARE(rowCount(m_tab->pictureList), 2);
     }
 
     void longFrameCountWrapsInsteadOfWideningTheWindow()
@@ -111,7 +112,7 @@ private slots:
         openTable(line("001", "logo", "00000100", "3", "12", "2x2", "24"), true);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
         QCOMPARE(m_dialogs->messages[0].text, path("table.txt") + ": line 1: the dimensions \"2x2\" have no \"*\"");
-        QCOMPARE(rowCount(m_tab->ListView5), 0);
+        QCOMPARE(rowCount(m_tab->pictureList), 0);
     }
 
     void unreadableTableIsMessage38Too()
@@ -120,7 +121,7 @@ private slots:
         m_dialogs->files.push_back(path("missing.txt"));
         m_tab->OpenPicTable->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{38});
-        QCOMPARE(rowCount(m_tab->ListView5), 0);
+        QCOMPARE(rowCount(m_tab->pictureList), 0);
     }
 
     void cancelledOpenKeepsTheRowsAndResetsTheFrame()
@@ -132,7 +133,7 @@ private slots:
         QCOMPARE(m_tab->currentFrame(), 1);
         m_tab->OpenPicTable->click();  // no answer scripted: cancelled
         QCOMPARE(m_tab->currentFrame(), 0);
-        QCOMPARE(rowCount(m_tab->ListView5), 8);
+        QCOMPARE(rowCount(m_tab->pictureList), 8);
         QVERIFY(m_dialogs->messages.empty());
     }
 
@@ -142,8 +143,8 @@ private slots:
         // A name in the code page (GBK 标志) and an address above six hex digits.
         openTable(line("001", "\xB1\xEA\xD6\xBE", "00000100", "3", "12", "2*2", "24") +
                   line("002", "far", "01234567", "1", "2", "2*1", "8"));
-        QCOMPARE(cellText(m_tab->ListView5, 0, 1), QString::fromUtf8("标志"));
-        m_tab->Text21->setText("100");
+        QCOMPARE(cellText(m_tab->pictureList, 0, 1), QString::fromUtf8("标志"));
+        m_tab->saveAddressOffset->setText("100");
         m_dialogs->files.push_back(path("saved.txt"));
         m_tab->SavePicTable->click();
         QCOMPARE(readBytes(path("saved.txt")),
@@ -167,10 +168,10 @@ private slots:
         QVERIFY(!readBytes(path("saved.txt")).contains("xxxx"));
         std::vector<QStringList> before;
         before.reserve(8);
-        for (int i = 0; i < 8; ++i) before.push_back(rowTexts(m_tab->ListView5, i));
+        for (int i = 0; i < 8; ++i) before.push_back(rowTexts(m_tab->pictureList, i));
         m_dialogs->files.push_back(path("saved.txt"));
         m_tab->OpenPicTable->click();
-        for (int i = 0; i < 8; ++i) QCOMPARE(rowTexts(m_tab->ListView5, i), before[static_cast<std::size_t>(i)]);
+        for (int i = 0; i < 8; ++i) QCOMPARE(rowTexts(m_tab->pictureList, i), before[static_cast<std::size_t>(i)]);
     }
 
     void saveOfAnEmptyListIsMessage4()
@@ -185,7 +186,7 @@ private slots:
     {
         startWindow("phone.bin");
         openTable(kTable);
-        m_tab->Text21->setText("7FFFFFFF");
+        m_tab->saveAddressOffset->setText("7FFFFFFF");
         m_dialogs->files.push_back(path("saved.txt"));
         m_tab->SavePicTable->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -218,15 +219,15 @@ private slots:
                  QByteArray(reinterpret_cast<const char*>(expected->data()), static_cast<qsizetype>(expected->size())));
         QCOMPARE(temporary.left(70), bmpHeader(70 + 12288, 70, 96, 64, 16, 3, 12288) +
                                          QByteArray::fromHex("00F80000E00700001F00000000000000"));
-        QCOMPARE(m_tab->Text15->text(), QString("0x200"));
-        QCOMPARE(m_tab->Text16->text(), QString("1"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x200"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("1"));
         int zoom = 0;
         const QImage shownImage = shown(96, 64, &zoom);
         QVERIFY(!shownImage.isNull());
         QVERIFY(zoom >= 2);
         QCOMPARE(zoom, m_tab->previewZoom());
-        QVERIFY(96 * zoom <= m_tab->Picture2->contentsRect().width());
-        QVERIFY(64 * zoom <= m_tab->Picture2->contentsRect().height());
+        QVERIFY(96 * zoom <= m_tab->previewPicture->contentsRect().width());
+        QVERIFY(64 * zoom <= m_tab->previewPicture->contentsRect().height());
         // Qt reads a bit-field BMP by shifting: a full 5-bit channel gives 248, a full 6-bit one 252.
         QCOMPARE(block(shownImage, zoom, 0, 0), 0x00FC00u);
         QCOMPARE(block(shownImage, zoom, 95, 0), 0x00FC00u);
@@ -268,22 +269,22 @@ private slots:
         clickRow(Logo);
         expectLogoFrame(qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 255));
         m_tab->nextpicture->click();
-        QCOMPARE(m_tab->Text15->text(), QString("0x10C"));
-        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x10C"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("2"));
         QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
         expectLogoFrame(qRgb(0, 0, 0), qRgb(255, 255, 0), qRgb(0, 255, 255), qRgb(255, 0, 255));
         m_tab->nextpicture->click();
         QCOMPARE(m_tab->FrameCount->text(), QString("of 3"));
         m_tab->nextpicture->click();
         // Past the last frame: the bytes that follow the picture.
-        QCOMPARE(m_tab->Text15->text(), QString("0x124"));
-        QCOMPARE(m_tab->Text16->text(), QString("4"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x124"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("4"));
         QCOMPARE(m_tab->FrameCount->text(), QString("of 3: past the last frame"));
         expectLogoFrame(qRgb(0x03, 0x02, 0x01), qRgb(0x06, 0x05, 0x04), qRgb(0x09, 0x08, 0x07), qRgb(0x0C, 0x0B, 0x0A));
         for (int i = 0; i < 4; ++i) m_tab->PreviousPicture->click();
         // Below frame 0: the bytes before it.
-        QCOMPARE(m_tab->Text15->text(), QString("0xF4"));
-        QCOMPARE(m_tab->Text16->text(), QString("0"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0xF4"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("0"));
         QCOMPARE(m_tab->currentFrame(), -1);
         expectLogoFrame(qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA), qRgb(0xAA, 0xAA, 0xAA));
         QVERIFY(m_dialogs->messages.empty());
@@ -297,13 +298,13 @@ private slots:
         clickRow(Logo);
         m_tab->nextpicture->click();
         QSignalSpy written(m_tab, &PicturesTab::previewFileWritten);
-        QTest::keyClick(m_tab->ListView5, Qt::Key_Down);
+        QTest::keyClick(m_tab->pictureList, Qt::Key_Down);
         QCOMPARE(written.size(), 1);
-        QCOMPARE(m_tab->Text15->text(), QString("0x200"));
-        QCOMPARE(m_tab->Text16->text(), QString("1"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x200"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("1"));
         QCOMPARE(m_tab->currentFrame(), 0);
-        QTest::keyClick(m_tab->ListView5, Qt::Key_Up);
-        QCOMPARE(m_tab->Text15->text(), QString("0x100"));
+        QTest::keyClick(m_tab->pictureList, Qt::Key_Up);
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x100"));
     }
 
     void everyDepthPreviewsItsColours()
@@ -340,20 +341,21 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(D8);
-        const QImage before = m_tab->Picture2->pixmap().toImage();
+        const QImage before = m_tab->previewPicture->pixmap().toImage();
         clickRow(Odd);
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QCOMPARE(m_dialogs->messages[0].text, QString::fromUtf8("错误的bmp文件格式"));
         QCOMPARE(m_dialogs->messages[0].title, QString::fromUtf8("错误"));
-        QCOMPARE(m_tab->Picture2->pixmap().toImage(), before);
-        QCOMPARE(m_tab->Text15->text(), QString("0x3730"));
+        QCOMPARE(m_tab->previewPicture->pixmap().toImage(), before);
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x3730"));
     }
 
     void doubleClickShowsMessage39()
     {
         startWindow("phone.bin");
         openTable(kTable);
-        QTest::mouseDClick(m_tab->ListView5->viewport(), Qt::LeftButton, {}, rowRect(m_tab->ListView5, Logo).center());
+        QTest::mouseDClick(m_tab->pictureList->viewport(), Qt::LeftButton, {},
+                           rowRect(m_tab->pictureList, Logo).center());
         QCOMPARE(m_dialogs->codes(), std::vector<int>{39});
         QCOMPARE(m_dialogs->messages[0].kind, zevran::app::MessageKind::Information);
         QCOMPARE(m_dialogs->messages[0].text, QString("Click a picture to see it."));
@@ -366,7 +368,7 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(Logo);
-        m_tab->Slider1->setValue(5);
+        m_tab->speedSlider->setValue(5);
         QCOMPARE(m_tab->Timer2->interval(), 500);
         m_tab->PlayPicture->click();
         QVERIFY(m_tab->Timer2->isActive());
@@ -393,7 +395,7 @@ private slots:
         QVERIFY(!m_tab->StopPlay->isEnabled());
         QVERIFY(m_tab->PausePlay->isEnabled());  // left as it was
         QCOMPARE(m_tab->currentFrame(), 0);
-        m_tab->Slider1->setValue(10);
+        m_tab->speedSlider->setValue(10);
         QCOMPARE(m_tab->Timer2->interval(), 1000);
     }
 
@@ -402,7 +404,7 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(Logo);
-        m_tab->Slider1->setValue(10);
+        m_tab->speedSlider->setValue(10);
         QStringList files;
         connect(m_tab, &PicturesTab::previewFileWritten, this,
                 [&](const QString& file) { files << QFileInfo(file).fileName(); });
@@ -411,7 +413,7 @@ private slots:
         for (int tick = 0; tick < 4; ++tick) {
             QVERIFY(m_tab->Timer2->isActive());
             m_tab->Timer2_Timer();
-            ordinals << m_tab->Text16->text();
+            ordinals << m_tab->frameOrdinalBox->text();
         }
         QCOMPARE(ordinals, (QStringList{"1", "2", "3", "1"}));
         QCOMPARE(files, (QStringList{"temp0.bmp", "temp1.bmp", "temp2.bmp", "temp0.bmp"}));
@@ -429,13 +431,13 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(Logo);
-        m_tab->Slider1->setValue(10);
+        m_tab->speedSlider->setValue(10);
         m_tab->RepeatPlay->setChecked(true);
         m_tab->PlayPicture->click();
         QStringList ordinals;
         for (int tick = 0; tick < 8; ++tick) {
             m_tab->Timer2_Timer();
-            ordinals << m_tab->Text16->text();
+            ordinals << m_tab->frameOrdinalBox->text();
         }
         QCOMPARE(ordinals, (QStringList{"1", "2", "3", "1", "2", "3", "1", "2"}));
         QVERIFY(m_tab->Timer2->isActive());
@@ -447,19 +449,19 @@ private slots:
         startWindow("phone.bin");
         openTable(kTable);
         clickRow(Logo);
-        m_tab->Slider1->setValue(10);
+        m_tab->speedSlider->setValue(10);
         m_tab->PlayPicture->click();
         m_tab->Timer2_Timer();
         m_tab->Timer2_Timer();
-        QCOMPARE(m_tab->Text16->text(), QString("2"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("2"));
         m_tab->PausePlay->click();
         m_tab->Timer2_Timer();
-        QCOMPARE(m_tab->Text16->text(), QString("2"));
-        QCOMPARE(m_tab->Text15->text(), QString("0x10C"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("2"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x10C"));
         m_tab->PlayPicture->click();
         m_tab->Timer2_Timer();
-        QCOMPARE(m_tab->Text16->text(), QString("3"));
-        QCOMPARE(m_tab->Text15->text(), QString("0x118"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("3"));
+        QCOMPARE(m_tab->frameAddressBox->text(), QString("0x118"));
     }
 
     void theRunningTimerPlaysToTheEndAndStops()
@@ -470,7 +472,7 @@ private slots:
         QStringList files;
         connect(m_tab, &PicturesTab::previewFileWritten, this,
                 [&](const QString& file) { files << QFileInfo(file).fileName(); });
-        m_tab->Slider1->setValue(1);
+        m_tab->speedSlider->setValue(1);
         QCOMPARE(m_tab->Timer2->interval(), 100);
         m_tab->PlayPicture->click();
         QTRY_VERIFY_WITH_TIMEOUT(!m_tab->Timer2->isActive(), 20000);
@@ -489,13 +491,13 @@ private slots:
         QCOMPARE(m_dialogs->messages.size(), std::size_t{32768});
         QCOMPARE(m_dialogs->messages.back().text, QString::fromUtf8("错误的bmp文件格式"));
         QCOMPARE(m_tab->currentFrame(), 32767);
-        QCOMPARE(m_tab->Text16->text(), QString("32768"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("32768"));
         m_dialogs->messages.clear();
         m_tab->nextpicture->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages[0].text.contains("32768"));
         QCOMPARE(m_tab->currentFrame(), 32767);
-        QCOMPARE(m_tab->Text16->text(), QString("32768"));
+        QCOMPARE(m_tab->frameOrdinalBox->text(), QString("32768"));
     }
 };
 

@@ -45,21 +45,21 @@ TEST(FindNextString, ThreeOccurrencesAreWalkedThenMissedThenWrapped)
     int count = 0;
     auto first = findNextString(state, "4F4B", false, count);
     ASSERT_TRUE(first);
-    EXPECT_EQ(first->Text10, "00000001");
+    EXPECT_EQ(first->foundStart, "00000001");
     EXPECT_EQ(count, 1);
     auto second = findNextString(state, "4F4B", false, count);
     ASSERT_TRUE(second);
-    EXPECT_EQ(second->Text10, "00000006");
+    EXPECT_EQ(second->foundStart, "00000006");
     EXPECT_EQ(count, 2);
     auto third = findNextString(state, "4F4B", false, count);
     ASSERT_TRUE(third);
-    EXPECT_EQ(third->Text10, "0000000B");
+    EXPECT_EQ(third->foundStart, "0000000B");
     EXPECT_EQ(count, 3);
     EXPECT_FALSE(findNextString(state, "4F4B", false, count));
     EXPECT_EQ(state.LastMatch, 0);
     auto again = findNextString(state, "4F4B", false, count);
     ASSERT_TRUE(again);
-    EXPECT_EQ(again->Text10, "00000001");
+    EXPECT_EQ(again->foundStart, "00000001");
     EXPECT_EQ(count, 1);
 }
 
@@ -71,7 +71,7 @@ TEST(FindNextString, StartingFromTheBeginningEveryTimeShowsTheFirst)
         state.LastMatch = 0;  // what the "from the beginning" box does before each search
         auto hit = findNextString(state, "4F4B", false, count);
         ASSERT_TRUE(hit);
-        EXPECT_EQ(hit->Text10, "00000001");
+        EXPECT_EQ(hit->foundStart, "00000001");
         EXPECT_EQ(count, 1);
     }
 }
@@ -96,9 +96,9 @@ TEST_P(FindFirstString, MeasuresTheStoredStringToItsZero)
     int count = 0;
     const auto hit = findNextString(state, hitCase.pattern, hitCase.handset, count);
     ASSERT_TRUE(hit);
-    EXPECT_EQ(hit->Text10, hitCase.start);
-    EXPECT_EQ(hit->Text9, hitCase.end);
-    EXPECT_EQ(hit->Text8, hitCase.length);
+    EXPECT_EQ(hit->foundStart, hitCase.start);
+    EXPECT_EQ(hit->foundEnd, hitCase.end);
+    EXPECT_EQ(hit->foundLength, hitCase.length);
     EXPECT_EQ(hit->maxLength, hitCase.maxLength);
     EXPECT_EQ(count, 1);
 }

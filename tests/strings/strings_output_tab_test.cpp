@@ -28,11 +28,11 @@ private slots:
         open("phone.bin");
         search("Menu");
         add("Cat");
-        setCheckState(m_tab->ListView2, 0, 0, Qt::Unchecked);
+        setCheckState(m_tab->editList, 0, 0, Qt::Unchecked);
         m_dialogs->files.push_back(path("never.s3"));
         action("outputStrS3")->trigger();
         m_tab->outputStrS3_Click();
-        setCheckState(m_tab->ListView2, 0, 0, Qt::Checked);
+        setCheckState(m_tab->editList, 0, 0, Qt::Checked);
         m_tab->outputStraxf_Click();
         QVERIFY(m_dialogs->asked.isEmpty());
         QVERIFY(m_dialogs->messages.empty());
@@ -49,10 +49,10 @@ private slots:
         add("Food");
         m_tab->SeachString->click();
         add("Bar");
-        setCheckState(m_tab->ListView2, 2, 0, Qt::Unchecked);
+        setCheckState(m_tab->editList, 2, 0, Qt::Unchecked);
         search(kZhong);
         add(kWen);
-        QVERIFY(m_tab->Option4->isChecked());
+        QVERIFY(m_tab->writeSingleByteCodes->isChecked());
         m_dialogs->files.push_back(path("patches/strings.s3"));
         QDir().mkpath(path("patches"));
         action("outputStrS3")->trigger();
@@ -68,7 +68,7 @@ private slots:
         QCOMPARE(m_dialogs->asked, QStringList({"save " + m_home.path() + "||2"}));
         QCOMPARE(m_window->settings().S3SavePath, path("patches"));
         QCOMPARE(readBytes(path("phone.bin")), phoneImage());
-        QCOMPARE(rowCount(m_tab->ListView2), 4);
+        QCOMPARE(rowCount(m_tab->editList), 4);
     }
 
     void sRecordPatchInHandsetCodes()
@@ -79,7 +79,7 @@ private slots:
         search(kZhong, true);
         add(kWen);
         QCOMPARE(row(1), QStringList({"02", "00000070", "00000073", kWen + " ", "2"}));
-        m_tab->Option3->setChecked(true);
+        m_tab->writeHandsetCodes->setChecked(true);
         m_dialogs->files.push_back(path("hi.s3"));
         action("outputStrS3")->trigger();
         // 0D + 40 + A1 59 A1 6F A1 20 A1 20 = 3D9 -> 26; 09 + 70 + 65 87 A1 20 = 226 -> D9.
@@ -95,7 +95,7 @@ private slots:
         open("phone.bin");
         search("Hi", true);
         add("Yo");
-        m_tab->Option4->setChecked(true);
+        m_tab->writeSingleByteCodes->setChecked(true);
         m_dialogs->files.push_back(path("never.s3"));
         action("outputStrS3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
@@ -122,7 +122,7 @@ private slots:
         add("Cat");
         search("Hi", true);
         add("Yo");
-        setCheckState(m_tab->ListView2, 1, 0, Qt::Unchecked);
+        setCheckState(m_tab->editList, 1, 0, Qt::Unchecked);
         QVERIFY(!saveButton()->isEnabled());
         action("outputStraxf")->trigger();
         QByteArray expected = phoneImage();
@@ -135,7 +135,7 @@ private slots:
         saveButton()->trigger();
         QCOMPARE(readBytes(path("phone.asf")), expected);
         // The rows stay, and the patched string is found as it now reads.
-        QCOMPARE(rowCount(m_tab->ListView2), 2);
+        QCOMPARE(rowCount(m_tab->editList), 2);
         m_tab->SearchBegin->setChecked(true);
         search("Cat");
         QCOMPARE(found(), QStringList({"00000010", "00000013", "4", "1"}));

@@ -75,27 +75,28 @@ protected:
 
     void search(const QString& text, bool handsetCodes = false)
     {
-        m_tab->Text11->setText(text);
-        (handsetCodes ? m_tab->Option1 : m_tab->Option2)->setChecked(true);
+        m_tab->searchText->setText(text);
+        (handsetCodes ? m_tab->searchHandsetCodes : m_tab->searchSingleByteCodes)->setChecked(true);
         m_tab->SeachString->click();
     }
 
     void add(const QString& replacement)
     {
-        m_tab->Text7->setText(replacement);
+        m_tab->replacementText->setText(replacement);
         m_tab->Add2List->click();
     }
 
     // Start, end, length and hit counter as the tab shows them.
     QStringList found() const
     {
-        return {m_tab->Text10->text(), m_tab->Text9->text(), m_tab->Text8->text(), m_tab->Text4->text()};
+        return {m_tab->foundStart->text(), m_tab->foundEnd->text(), m_tab->foundLength->text(),
+                m_tab->hitCount->text()};
     }
 
     QStringList row(int index) const
     {
-        if (index >= rowCount(m_tab->ListView2)) return {"no row", QString::number(index)};
-        return rowTexts(m_tab->ListView2, index);
+        if (index >= rowCount(m_tab->editList)) return {"no row", QString::number(index)};
+        return rowTexts(m_tab->editList, index);
     }
 
     QAction* action(const char* name) const

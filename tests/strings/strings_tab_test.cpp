@@ -90,7 +90,7 @@ private slots:
         open("phone.bin");
         search("Hi", true);
         QCOMPARE(found(), QStringList({"00000040", "00000047", "4", "1"}));
-        QCOMPARE(m_tab->Text7->maxLength(), 4);
+        QCOMPARE(m_tab->replacementText->maxLength(), 4);
     }
 
     void oddByteCountInHandsetCodesShowsAHalfCharacter()
@@ -99,7 +99,7 @@ private slots:
         search("OK", true);
         QCOMPARE(found(), QStringList({"00000050", "00000054", "2.5", "1"}));
         // 2.5 rounds half to even.
-        QCOMPARE(m_tab->Text7->maxLength(), 2);
+        QCOMPARE(m_tab->replacementText->maxLength(), 2);
     }
 
     void chineseInSingleByteCodesIsFoundByItsTwoGbkBytes()
@@ -107,7 +107,7 @@ private slots:
         open("phone.bin");
         search(kZhong);
         QCOMPARE(found(), QStringList({"00000060", "00000063", "4", "1"}));
-        QCOMPARE(m_tab->Text7->maxLength(), 4);
+        QCOMPARE(m_tab->replacementText->maxLength(), 4);
     }
 
     void chineseInHandsetCodesIsFoundByItsCodeUnit()
@@ -115,7 +115,7 @@ private slots:
         open("phone.bin");
         search(kZhong, true);
         QCOMPARE(found(), QStringList({"00000070", "00000073", "2", "1"}));
-        QCOMPARE(m_tab->Text7->maxLength(), 2);
+        QCOMPARE(m_tab->replacementText->maxLength(), 2);
     }
 
     void hitRunningToTheEndWithoutAZeroIsCountedAndPassedOver()
@@ -155,12 +155,12 @@ private slots:
     void replacementBoxIsLimitedToTheFoundLength()
     {
         open("phone.bin");
-        m_tab->Text7->setText("abcdefghijkl");
+        m_tab->replacementText->setText("abcdefghijkl");
         search("Menu");
-        QCOMPARE(m_tab->Text7->maxLength(), 4);
-        QCOMPARE(m_tab->Text7->text(), QString("abcd"));
+        QCOMPARE(m_tab->replacementText->maxLength(), 4);
+        QCOMPARE(m_tab->replacementText->text(), QString("abcd"));
         m_tab->SeachString->click();
-        QCOMPARE(m_tab->Text7->maxLength(), 10);
+        QCOMPARE(m_tab->replacementText->maxLength(), 10);
     }
 
     void textWithoutACodeInTheCodePageSaysSo()
@@ -180,14 +180,14 @@ private slots:
         add("Yo");
         search(kZhong);
         add(kWen);
-        QCOMPARE(rowCount(m_tab->ListView2), 3);
+        QCOMPARE(rowCount(m_tab->editList), 3);
         QCOMPARE(row(0), QStringList({"01", "00000010", "00000013", "Cat ", "4"}));
         QCOMPARE(row(1), QStringList({"02", "00000040", "00000047", "Yo  ", "4"}));
         // 文 takes two of the string's four GBK bytes: two spaces fill the rest.
         QCOMPARE(row(2), QStringList({"03", "00000060", "00000063", kWen + "  ", "4"}));
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(cellFlags(m_tab->ListView2, i, 0) & Qt::ItemIsUserCheckable);
-            QCOMPARE(checkState(m_tab->ListView2, i, 0), Qt::Checked);
+            QVERIFY(cellFlags(m_tab->editList, i, 0) & Qt::ItemIsUserCheckable);
+            QCOMPARE(checkState(m_tab->editList, i, 0), Qt::Checked);
         }
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -201,7 +201,7 @@ private slots:
         add("");
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{26, 25, 25}));
         QCOMPARE(m_dialogs->messages[1].kind, zevran::app::MessageKind::Warning);
-        QCOMPARE(rowCount(m_tab->ListView2), 0);
+        QCOMPARE(rowCount(m_tab->editList), 0);
     }
 
     void replacementThatCannotFillItsStringIsRefused()
@@ -218,7 +218,7 @@ private slots:
         add("A");
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{0, 0}));
         QVERIFY2(m_dialogs->messages[1].text.contains("odd count"), qPrintable(m_dialogs->messages[1].text));
-        QCOMPARE(rowCount(m_tab->ListView2), 0);
+        QCOMPARE(rowCount(m_tab->editList), 0);
     }
 
     void removeOneTakesTheSelectedRowAndNumbersAreKept()
@@ -229,10 +229,10 @@ private slots:
             add(replacement);
         }
         action("Removeone")->trigger();
-        QCOMPARE(rowCount(m_tab->ListView2), 3);
-        setCurrentRow(m_tab->ListView2, 1);
+        QCOMPARE(rowCount(m_tab->editList), 3);
+        setCurrentRow(m_tab->editList, 1);
         action("Removeone")->trigger();
-        QCOMPARE(rowCount(m_tab->ListView2), 2);
+        QCOMPARE(rowCount(m_tab->editList), 2);
         QCOMPARE(row(0), QStringList({"01", "00000010", "00000013", "A   ", "4"}));
         QCOMPARE(row(1), QStringList({"03", "00000030", "00000033", "C   ", "4"}));
         // A later row takes the count of rows plus one, so numbers may repeat.
@@ -241,7 +241,7 @@ private slots:
         add("D");
         QCOMPARE(row(2), QStringList({"03", "00000010", "00000013", "D   ", "4"}));
         action("Removeall")->trigger();
-        QCOMPARE(rowCount(m_tab->ListView2), 0);
+        QCOMPARE(rowCount(m_tab->editList), 0);
         QCOMPARE(itemsEnabled(), QList<bool>({false, false, false, false}));
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -254,11 +254,11 @@ private slots:
         search("Menu");
         add("Cat");
         QCOMPARE(itemsEnabled(), QList<bool>({false, true, true, false}));
-        setCurrentRow(m_tab->ListView2, 0);
+        setCurrentRow(m_tab->editList, 0);
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, true, false}));
-        setCheckState(m_tab->ListView2, 0, 0, Qt::Unchecked);
+        setCheckState(m_tab->editList, 0, 0, Qt::Unchecked);
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, false, false}));
-        setCheckState(m_tab->ListView2, 0, 0, Qt::Checked);
+        setCheckState(m_tab->editList, 0, 0, Qt::Checked);
         // The list outlives the phone file: opening another kind moves the output over.
         open("phone.asf");
         QCOMPARE(itemsEnabled(), QList<bool>({true, true, false, true}));
@@ -274,7 +274,7 @@ private slots:
         search("Menu");
         add("Cat");
         auto* menu = m_window->findChild<QMenu*>("menufile4");
-        emit m_tab->ListView2->customContextMenuRequested(QPoint(4, 4));
+        emit m_tab->editList->customContextMenuRequested(QPoint(4, 4));
         QTRY_VERIFY(menu->isVisible());
         QCOMPARE(itemsEnabled(), QList<bool>({false, true, true, false}));
         menu->hide();

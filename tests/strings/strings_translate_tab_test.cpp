@@ -150,14 +150,14 @@ private slots:
     {
         open("phone.bin");
         importTranslation();
-        QCOMPARE(rowCount(m_tab->ListView2), 2);
-        QCOMPARE(cells(m_tab->ListView2, 0, 5),
+        QCOMPARE(rowCount(m_tab->editList), 2);
+        QCOMPARE(cells(m_tab->editList, 0, 5),
                  QStringList({"01", "00000010", "00000013", QString::fromUtf8("菜单"), "4"}));
-        QCOMPARE(cells(m_tab->ListView2, 1, 5),
+        QCOMPARE(cells(m_tab->editList, 1, 5),
                  QStringList({"02", "00000024", "00000027", QString::fromUtf8("是 "), "2"}));
-        QCOMPARE(checkState(m_tab->ListView2, 1, 0), Qt::Checked);
-        QCOMPARE(rowCount(m_tab->ListViewRefused), 1);
-        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
+        QCOMPARE(checkState(m_tab->editList, 1, 0), Qt::Checked);
+        QCOMPARE(rowCount(m_tab->refusedList), 1);
+        QCOMPARE(cells(m_tab->refusedList, 0, 4),
                  QStringList({"0x00000015 single", "Settings", "Settings++", "over budget by 2 bytes"}));
         QCOMPARE(m_dialogs->messages.back().text,
                  "2 translations fit and were added to the edit list; 1 do not fit and are listed under it; "
@@ -171,7 +171,7 @@ private slots:
         open("phone.asf");
         importTranslation();
         // The list is written in single-byte codes; the handset row keeps its own.
-        m_tab->Option4->setChecked(true);
+        m_tab->writeSingleByteCodes->setChecked(true);
         action("outputStraxf")->trigger();
         QByteArray expected = phoneImage();
         expected.replace(0x10, 4, "\xB2\xCB\xB5\xA5");
@@ -215,10 +215,10 @@ private slots:
                                             "0x00000024,handset,OK,\xEA\x84\xA3\r\n"
                                             "0x0000001E,single,Bock,Zurueck\r\n"
                                             "0x00100000,single,Far,Near\r\n"));
-        QCOMPARE(rowCount(m_tab->ListView2), 0);
-        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4).last(), "character U+A123 not encodable");
-        QCOMPARE(cells(m_tab->ListViewRefused, 1, 4).last(), "stored text changed");
-        QCOMPARE(cells(m_tab->ListViewRefused, 2, 4).last(), "address outside the image");
+        QCOMPARE(rowCount(m_tab->editList), 0);
+        QCOMPARE(cells(m_tab->refusedList, 0, 4).last(), "character U+A123 not encodable");
+        QCOMPARE(cells(m_tab->refusedList, 1, 4).last(), "stored text changed");
+        QCOMPARE(cells(m_tab->refusedList, 2, 4).last(), "address outside the image");
     }
 
     void refusedCellsShowWholeAndFollowTheLanguage()
@@ -232,22 +232,22 @@ private slots:
         m_tab = m_window->findChild<StringsTab*>();
         open("phone.bin");
         importTranslation();
-        QCOMPARE(headerText(m_tab->ListViewRefused, 0), QString("Address"));
-        QCOMPARE(headerText(m_tab->ListViewRefused, 3), QString("Outcome"));
-        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 0), QString());
-        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 1), QString("Settings"));
-        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 2), QString("Settings++"));
-        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 3), QString("over budget by 2 bytes"));
-        QCOMPARE(cellToolTip(m_tab->ListView2, 0, 3), QString::fromUtf8("菜单"));
-        QCOMPARE(cellToolTip(m_tab->ListView2, 0, 1), QString());
+        QCOMPARE(headerText(m_tab->refusedList, 0), QString("Address"));
+        QCOMPARE(headerText(m_tab->refusedList, 3), QString("Outcome"));
+        QCOMPARE(cellToolTip(m_tab->refusedList, 0, 0), QString());
+        QCOMPARE(cellToolTip(m_tab->refusedList, 0, 1), QString("Settings"));
+        QCOMPARE(cellToolTip(m_tab->refusedList, 0, 2), QString("Settings++"));
+        QCOMPARE(cellToolTip(m_tab->refusedList, 0, 3), QString("over budget by 2 bytes"));
+        QCOMPARE(cellToolTip(m_tab->editList, 0, 3), QString::fromUtf8("菜单"));
+        QCOMPARE(cellToolTip(m_tab->editList, 0, 1), QString());
         for (QAction* item : m_window->findChildren<QAction*>("languagNum"))
             if (item->text() == "ChineseS") item->trigger();
-        QCOMPARE(headerText(m_tab->ListViewRefused, 0), QString::fromUtf8("地址"));
-        QCOMPARE(headerText(m_tab->ListViewRefused, 3), QString::fromUtf8("结果"));
-        QCOMPARE(headerText(m_tab->ListView2, 3), QString::fromUtf8("替换文字"));
-        QCOMPARE(cells(m_tab->ListViewRefused, 0, 4),
+        QCOMPARE(headerText(m_tab->refusedList, 0), QString::fromUtf8("地址"));
+        QCOMPARE(headerText(m_tab->refusedList, 3), QString::fromUtf8("结果"));
+        QCOMPARE(headerText(m_tab->editList, 3), QString::fromUtf8("替换文字"));
+        QCOMPARE(cells(m_tab->refusedList, 0, 4),
                  QStringList({"0x00000015 single", "Settings", "Settings++", QString::fromUtf8("超出长度 2 字节")}));
-        QCOMPARE(cellToolTip(m_tab->ListViewRefused, 0, 3), QString::fromUtf8("超出长度 2 字节"));
+        QCOMPARE(cellToolTip(m_tab->refusedList, 0, 3), QString::fromUtf8("超出长度 2 字节"));
     }
 
     void brokenTranslationFileIsNamedWithItsLine()
@@ -258,7 +258,7 @@ private slots:
         QCOMPARE(m_dialogs->messages[0].text,
                  path("zh.csv") +
                      ", line 2: \"0x10 single\" is no entry key (\"0x\", eight hex digits, then single or handset)");
-        QCOMPARE(rowCount(m_tab->ListView2), 0);
+        QCOMPARE(rowCount(m_tab->editList), 0);
     }
 };
 

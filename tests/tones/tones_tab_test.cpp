@@ -135,11 +135,11 @@ private:
         writeBytes(path("tones/c.mmf"), QByteArray(300, 'C'));
         m_tab->showToneFiles(path("tones"));
         m_tab->GetTone->click();
-        select(m_tab->ListView1, {0, 1});
+        select(m_tab->toneFileList, {0, 1});
         action("addmmf")->trigger();
-        select(m_tab->ListView4, {0, 2});
+        select(m_tab->toneList, {0, 2});
         action("addaddress")->trigger();
-        for (int i = 0; i < 2; ++i) setCheckState(m_tab->ListView3, i, 0, Qt::Checked);
+        for (int i = 0; i < 2; ++i) setCheckState(m_tab->planList, i, 0, Qt::Checked);
     }
 
 private slots:
@@ -162,22 +162,22 @@ private slots:
         QDir().mkpath(path("tones"));
         writeBytes(path("tones/a.mmf"), QByteArray(110, 'x'));
         m_tab->showToneFiles(path("tones"));
-        select(m_tab->ListView1, {0});
+        select(m_tab->toneFileList, {0});
         action("addmmf")->trigger();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         action("addaddress")->trigger();
-        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->planList), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
         m_window->languagNum_Click(2);
-        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 octets|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->planList), QStringList{"001|a.mmf 110 octets|001 0x00000100 - 0x0000019F 160 "});
         m_window->languagNum_Click(1);
-        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
+        QCOMPARE(listTexts(m_tab->planList), QStringList{"001|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 "});
     }
 
     void scanWithoutPhoneFileShowsMessage3()
     {
         m_tab->GetTone->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{3});
-        QCOMPARE(rowCount(m_tab->ListView4), 0);
+        QCOMPARE(rowCount(m_tab->toneList), 0);
     }
 
     void scanListsEveryToneInRange()
@@ -186,12 +186,12 @@ private slots:
         m_tab->GetTone->click();
         const QStringList expected{"001|0x00000100|0x0000019F|160|", "002|0x00000500|0x00000564|101|",
                                    "003|0x00001234|0x00001333|256|"};
-        QCOMPARE(listTexts(m_tab->ListView4), expected);
+        QCOMPARE(listTexts(m_tab->toneList), expected);
         QCOMPARE(m_tab->ToneCount->text(), QString("3 tones found"));
-        QVERIFY(!m_tab->ProgressBar1->isVisible());
-        QCOMPARE(m_tab->ProgressBar1->value(), 1);
+        QVERIFY(!m_tab->scanProgress->isVisible());
+        QCOMPARE(m_tab->scanProgress->value(), 1);
         m_tab->GetTone->click();
-        QCOMPARE(listTexts(m_tab->ListView4), expected);
+        QCOMPARE(listTexts(m_tab->toneList), expected);
         QCOMPARE(m_window->imageState().LastMatch, 0);
         QVERIFY(m_dialogs->messages.empty());
     }
@@ -201,14 +201,14 @@ private slots:
         openPhone("phone.bin");
         m_tab->GetTone->click();
         auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
-        select(m_tab->ListView4, {2});
+        select(m_tab->toneList, {2});
         QCOMPARE(panel->text(), QString("003: CRC wrong"));
         // Another language speaks of the selected tone in its own words.
         m_window->languagNum_Click(2);
         QCOMPARE(panel->text(), QString("003: Mauvais CRC"));
-        m_tab->ListView4->clearSelection();
+        m_tab->toneList->clearSelection();
         QCOMPARE(panel->text(), QString());
     }
 
@@ -217,7 +217,7 @@ private slots:
         openPhone("phone.asf");
         m_tab->GetTone->click();
         auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
         // One byte of the tone's track changed in the image: its CRC no longer holds.
         m_window->patchInImage({{0x150, 0x150, {0x00}}}, false);
@@ -239,7 +239,7 @@ private slots:
         writeBytes(path("phone.bin"), image);
         m_window->openPhoneFile(path("phone.bin"));
         m_tab->GetTone->click();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
         QCOMPARE(panel->text(), QString::fromUtf8("001: CRC correct  Title: テスト"));
     }
@@ -257,7 +257,7 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        setCellText(m_tab->ListView4, 0, 4, "ring1");
+        setCellText(m_tab->toneList, 0, 4, "ring1");
         m_dialogs->files = {path("tones.txt")};
         m_tab->SaveToneTable->click();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{6});
@@ -275,7 +275,7 @@ private slots:
         writeBytes(path("in.txt"), table);
         m_dialogs->files = {path("in.txt"), path("out.txt")};
         m_tab->OpenToneTable->click();
-        QCOMPARE(listTexts(m_tab->ListView4),
+        QCOMPARE(listTexts(m_tab->toneList),
                  (QStringList{"001|0x00000100|0x0000019F|160|ring1", "002|0x00001234|0x00001333|256|"}));
         m_tab->SaveToneTable->click();
         QCOMPARE(readBytes(path("out.txt")), QByteArray(table).replace("\r\n\r\n", "\r\n"));
@@ -294,7 +294,7 @@ private slots:
                    " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x1\r\n 003 : 0x2 - 0x3  Size: 4 \t\r\n");
         m_dialogs->files = {path("in.txt")};
         m_tab->OpenToneTable->click();
-        QCOMPARE(listTexts(m_tab->ListView4), QStringList{"001|0x00000100|0x0000019F|160|"});
+        QCOMPARE(listTexts(m_tab->toneList), QStringList{"001|0x00000100|0x0000019F|160|"});
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages.front().text.contains("line 2"));
     }
@@ -305,7 +305,7 @@ private slots:
         m_tab->GetTone->click();
         QDir().mkpath(path("out"));
         writeBytes(path("out/ring-001.mmf"), QByteArray(200, 'Z'));
-        select(m_tab->ListView4, {0, 2});
+        select(m_tab->toneList, {0, 2});
         m_dialogs->files = {path("out/ring.mmf")};
         action("outputselect")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{9});
@@ -315,7 +315,7 @@ private slots:
         QCOMPARE(readBytes(path("out/ring-003.mmf")), image.mid(0x1234, 256));
         QVERIFY(!QFile::exists(path("out/ring-002.mmf")));
         QCOMPARE(m_window->settings().RingSavePath, path("out"));
-        QVERIFY(!m_tab->ProgressBar1->isVisible());
+        QVERIFY(!m_tab->scanProgress->isVisible());
     }
 
     void exportAllNeedsASelectionButWritesEveryRow()
@@ -325,7 +325,7 @@ private slots:
         action("outputall")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{8});
         QVERIFY(m_dialogs->asked.isEmpty());
-        select(m_tab->ListView4, {1});
+        select(m_tab->toneList, {1});
         m_dialogs->files = {path("all.mmf")};
         action("outputall")->trigger();
         QCOMPARE(m_dialogs->codes(), (std::vector<int>{8, 9}));
@@ -341,7 +341,7 @@ private slots:
                    " 001 : 0x00000100 - 0x0000019F  Size: 160 \t\r\n 002 : 0x00100000 - 0x001000FF  Size: 256 \t\r\n");
         m_dialogs->files = {path("other.txt"), path("x.mmf")};
         m_tab->OpenToneTable->click();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         action("outputall")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages.front().text.contains("row 002"));
@@ -370,27 +370,27 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        select(m_tab->ListView4, {1});
-        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 1, 0));
-        QVERIFY(!m_tab->Text5->isHidden());
-        m_tab->Text5->setText("alarm");
-        emit m_tab->Text5->editingFinished();
-        QVERIFY(m_tab->Text5->isHidden());
-        QCOMPARE(cellText(m_tab->ListView4, 1, 4), QString("alarm"));
+        select(m_tab->toneList, {1});
+        emit m_tab->toneList->doubleClicked(cellIndex(m_tab->toneList, 1, 0));
+        QVERIFY(!m_tab->noteEditor->isHidden());
+        m_tab->noteEditor->setText("alarm");
+        emit m_tab->noteEditor->editingFinished();
+        QVERIFY(m_tab->noteEditor->isHidden());
+        QCOMPARE(cellText(m_tab->toneList, 1, 4), QString("alarm"));
     }
 
     void escapeCancelsTheNoteEdit()
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        setCellText(m_tab->ListView4, 1, 4, "ring");
-        select(m_tab->ListView4, {1});
-        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 1, 0));
-        m_tab->Text5->setText("alarm");
-        QTest::keyClick(m_tab->Text5, Qt::Key_Escape);
-        QVERIFY(m_tab->Text5->isHidden());
-        emit m_tab->Text5->editingFinished();
-        QCOMPARE(cellText(m_tab->ListView4, 1, 4), QString("ring"));
+        setCellText(m_tab->toneList, 1, 4, "ring");
+        select(m_tab->toneList, {1});
+        emit m_tab->toneList->doubleClicked(cellIndex(m_tab->toneList, 1, 0));
+        m_tab->noteEditor->setText("alarm");
+        QTest::keyClick(m_tab->noteEditor, Qt::Key_Escape);
+        QVERIFY(m_tab->noteEditor->isHidden());
+        emit m_tab->noteEditor->editingFinished();
+        QCOMPARE(cellText(m_tab->toneList, 1, 4), QString("ring"));
     }
 
     void rescanClearsTheToneCheck()
@@ -398,10 +398,10 @@ private slots:
         openPhone("phone.bin");
         m_tab->GetTone->click();
         auto* panel = m_window->findChild<QLabel*>("StatusBar1Panel2");
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         QCOMPARE(panel->text(), QString("001: CRC correct  Title: Spring"));
         m_tab->GetTone->click();
-        QVERIFY(m_tab->ListView4->selectionModel()->selectedRows().isEmpty());
+        QVERIFY(m_tab->toneList->selectionModel()->selectedRows().isEmpty());
         QCOMPARE(panel->text(), QString());
     }
 
@@ -409,10 +409,10 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        select(m_tab->ListView4, {2});
-        emit m_tab->ListView4->doubleClicked(cellIndex(m_tab->ListView4, 2, 4));
-        m_tab->Text5->setText(QString::fromUtf8("闹钟"));
-        emit m_tab->Text5->editingFinished();
+        select(m_tab->toneList, {2});
+        emit m_tab->toneList->doubleClicked(cellIndex(m_tab->toneList, 2, 4));
+        m_tab->noteEditor->setText(QString::fromUtf8("闹钟"));
+        emit m_tab->noteEditor->editingFinished();
         const zevran::tones::ToneSlot& tone = m_tab->toneRows().at(2);
         QCOMPARE(QString::fromStdString(tone.number + "|" + tone.start + "|" + tone.end + "|" + tone.size),
                  QString("003|0x00001234|0x00001333|256"));
@@ -421,14 +421,14 @@ private slots:
         writeBytes(path("tones/z.mmf"), QByteArray(1000, 'Z'));
         writeBytes(path("tones/y.mmf"), QByteArray(99, 'Y'));
         m_tab->showToneFiles(path("tones"));
-        emit m_tab->ListView1->header()->sectionClicked(1);
-        emit m_tab->ListView1->header()->sectionClicked(1);
+        emit m_tab->toneFileList->header()->sectionClicked(1);
+        emit m_tab->toneFileList->header()->sectionClicked(1);
         QCOMPARE(m_tab->toneFileRows().size(), std::size_t{2});
         QCOMPARE(m_tab->toneFileRows()[0].name + "|" + m_tab->toneFileRows()[0].size, QString("y.mmf|99"));
-        select(m_tab->ListView1, {1});
+        select(m_tab->toneFileList, {1});
         action("addmmf")->trigger();
         action("addaddress")->trigger();
-        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
+        setCheckState(m_tab->planList, 0, 0, Qt::Checked);
         QCOMPARE(m_tab->planRows().size(), std::size_t{1});
         const zevran::tones::ReplacementRow& pair = m_tab->planRows()[0];
         QCOMPARE(QString::fromStdString(pair.number + "|" + pair.file + "|" + pair.slot),
@@ -444,15 +444,15 @@ private slots:
         writeBytes(path("tones/c.mmf"), QByteArray(300, 'C'));
         writeBytes(path("tones/notes.txt"), "x");
         m_tab->showToneFiles(path("tones"));
-        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
-        emit m_tab->ListView1->header()->sectionClicked(1);
-        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
-        emit m_tab->ListView1->header()->sectionClicked(1);
-        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"c.mmf|300", "b.mmf|101", "A.MMF|1000"}));
+        QCOMPARE(listTexts(m_tab->toneFileList), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        emit m_tab->toneFileList->header()->sectionClicked(1);
+        QCOMPARE(listTexts(m_tab->toneFileList), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        emit m_tab->toneFileList->header()->sectionClicked(1);
+        QCOMPARE(listTexts(m_tab->toneFileList), (QStringList{"c.mmf|300", "b.mmf|101", "A.MMF|1000"}));
         // A caption other than "Name" or "Size" only flips the order of the sorted column.
-        setHeaderText(m_tab->ListView1, 0, "Nom");
-        emit m_tab->ListView1->header()->sectionClicked(0);
-        QCOMPARE(listTexts(m_tab->ListView1), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
+        setHeaderText(m_tab->toneFileList, 0, "Nom");
+        emit m_tab->toneFileList->header()->sectionClicked(0);
+        QCOMPARE(listTexts(m_tab->toneFileList), (QStringList{"A.MMF|1000", "b.mmf|101", "c.mmf|300"}));
     }
 
     void doubleClickPlaysTheToneFile()
@@ -462,7 +462,7 @@ private slots:
         m_tab->showToneFiles(path("tones"));
         QStringList played;
         m_tab->playFile = [&played](const QString& file) { played << file; };
-        emit m_tab->ListView1->doubleClicked(cellIndex(m_tab->ListView1, 0, 0));
+        emit m_tab->toneFileList->doubleClicked(cellIndex(m_tab->toneFileList, 0, 0));
         QCOMPARE(played, QStringList{path("tones/b.mmf")});
     }
 
@@ -475,38 +475,38 @@ private slots:
         m_tab->showToneFiles(path("tones"));
         showMenu("menufile2");
         QVERIFY(!action("addmmf")->isEnabled());
-        select(m_tab->ListView1, {0, 1, 2});
+        select(m_tab->toneFileList, {0, 1, 2});
         showMenu("menufile2");
         QVERIFY(action("addmmf")->isEnabled());
         action("addmmf")->trigger();
-        select(m_tab->ListView4, {0, 2});
+        select(m_tab->toneList, {0, 2});
         action("addaddress")->trigger();
-        QCOMPARE(listTexts(m_tab->ListView3),
+        QCOMPARE(listTexts(m_tab->planList),
                  (QStringList{"001|c.mmf 110 字节|", "002|a.mmf 110 字节|001 0x00000100 - 0x0000019F 160 ",
                               "003|b.mmf 110 字节|003 0x00001234 - 0x00001333 256 "}));
-        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
-        QCOMPARE(checkState(m_tab->ListView3, 0, 0), Qt::Unchecked);
-        setCheckState(m_tab->ListView3, 1, 0, Qt::Checked);
-        QCOMPARE(checkState(m_tab->ListView3, 1, 0), Qt::Checked);
+        setCheckState(m_tab->planList, 0, 0, Qt::Checked);
+        QCOMPARE(checkState(m_tab->planList, 0, 0), Qt::Unchecked);
+        setCheckState(m_tab->planList, 1, 0, Qt::Checked);
+        QCOMPARE(checkState(m_tab->planList, 1, 0), Qt::Checked);
     }
 
     void removeCommandsKeepNumbersWithoutGaps()
     {
         openPhone("phone.bin");
         planTwoPairs();
-        select(m_tab->ListView3, {0});
+        select(m_tab->planList, {0});
         action("movemmf")->trigger();
-        QCOMPARE(listTexts(m_tab->ListView3), (QStringList{"001||001 0x00000100 - 0x0000019F 160 ",
-                                                           "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
-        QCOMPARE(checkState(m_tab->ListView3, 0, 0), Qt::Unchecked);
-        select(m_tab->ListView3, {0});
+        QCOMPARE(listTexts(m_tab->planList), (QStringList{"001||001 0x00000100 - 0x0000019F 160 ",
+                                                          "002|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "}));
+        QCOMPARE(checkState(m_tab->planList, 0, 0), Qt::Unchecked);
+        select(m_tab->planList, {0});
         action("moveaddress")->trigger();
-        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "});
+        QCOMPARE(listTexts(m_tab->planList), QStringList{"001|c.mmf 300 字节|003 0x00001234 - 0x00001333 256 "});
         action("movealladdress")->trigger();
-        QCOMPARE(listTexts(m_tab->ListView3), QStringList{"001|c.mmf 300 字节|"});
-        select(m_tab->ListView3, {0});
+        QCOMPARE(listTexts(m_tab->planList), QStringList{"001|c.mmf 300 字节|"});
+        select(m_tab->planList, {0});
         action("moveone")->trigger();
-        QCOMPARE(rowCount(m_tab->ListView3), 0);
+        QCOMPARE(rowCount(m_tab->planList), 0);
     }
 
     void planMenuEnablesByRowsSelectionAndKind()
@@ -517,7 +517,7 @@ private slots:
             QVERIFY2(!action(name)->isEnabled(), name);
         openPhone("phone.bin");
         planTwoPairs();
-        m_tab->ListView3->clearSelection();
+        m_tab->planList->clearSelection();
         showMenu("menufile3");
         QVERIFY(action("moveall")->isEnabled());
         QVERIFY(!action("moveone")->isEnabled());
@@ -531,12 +531,12 @@ private slots:
         planTwoPairs();
         writeBytes(path("tones/b.mmf"), QByteArray(101, 'B'));
         // c (300 bytes) cannot go into the 256-byte slot: give tone 003 to b instead.
-        select(m_tab->ListView3, {1});
+        select(m_tab->planList, {1});
         action("movemmf")->trigger();
         m_tab->showToneFiles(path("tones"));
-        select(m_tab->ListView1, {1});
+        select(m_tab->toneFileList, {1});
         action("addmmf")->trigger();
-        setCheckState(m_tab->ListView3, 1, 0, Qt::Checked);
+        setCheckState(m_tab->planList, 1, 0, Qt::Checked);
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{10});
@@ -571,10 +571,10 @@ private slots:
     {
         openPhone("phone.bin");
         planTwoPairs();
-        setCheckState(m_tab->ListView3, 1, 0, Qt::Unchecked);
+        setCheckState(m_tab->planList, 1, 0, Qt::Unchecked);
         // An empty tone into a slot of 0 bytes (a hand-made table): sizes pass, the slot is empty.
-        setCellText(m_tab->ListView3, 0, 1, QString::fromUtf8("a.mmf 0 字节"));
-        setCellText(m_tab->ListView3, 0, 2, "001 0x00000100 - 0x0000019F 0 ");
+        setCellText(m_tab->planList, 0, 1, QString::fromUtf8("a.mmf 0 字节"));
+        setCellText(m_tab->planList, 0, 2, "001 0x00000100 - 0x0000019F 0 ");
         m_dialogs->files = {path("patch.s3")};
         action("outputs3")->trigger();
         QCOMPARE(m_dialogs->asked.size(), 1);
@@ -585,7 +585,7 @@ private slots:
     {
         openPhone("phone.asf");
         planTwoPairs();
-        setCheckState(m_tab->ListView3, 1, 0, Qt::Unchecked);
+        setCheckState(m_tab->planList, 1, 0, Qt::Unchecked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{13});
         const std::vector<std::uint8_t>& image = m_window->imageState().FirmwareImage;
@@ -610,7 +610,7 @@ private slots:
     {
         openPhone("phone.asf");
         planTwoPairs();
-        for (int i = 0; i < 2; ++i) setCheckState(m_tab->ListView3, i, 0, Qt::Unchecked);
+        for (int i = 0; i < 2; ++i) setCheckState(m_tab->planList, i, 0, Qt::Unchecked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{11});
         QVERIFY(!action("Save")->isEnabled());
@@ -634,7 +634,7 @@ private slots:
         writeBytes(path("t-001.mmf"), phoneImage());
         m_window->openPhoneFile(path("t-001.mmf"));
         m_tab->GetTone->click();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         m_dialogs->files = {path("t.mmf")};
         action("outputselect")->trigger();
         QCOMPARE(m_dialogs->codes().back(), 0);
@@ -646,7 +646,7 @@ private slots:
     {
         openPhone("phone.bin");
         m_tab->GetTone->click();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         m_dialogs->files = {path("all.mmf")};
         bool closed = true;
         QTimer::singleShot(0, this, [&] { closed = m_window->close(); });
@@ -674,11 +674,11 @@ private slots:
         writeBytes(path("other.txt"), " 001 : 0x00100000 - 0x0010009F  Size: 160 \t\r\n");
         m_dialogs->files = {path("other.txt")};
         m_tab->OpenToneTable->click();
-        select(m_tab->ListView1, {0});
+        select(m_tab->toneFileList, {0});
         action("addmmf")->trigger();
-        select(m_tab->ListView4, {0});
+        select(m_tab->toneList, {0});
         action("addaddress")->trigger();
-        setCheckState(m_tab->ListView3, 0, 0, Qt::Checked);
+        setCheckState(m_tab->planList, 0, 0, Qt::Checked);
         action("outputaxf")->trigger();
         QCOMPARE(m_dialogs->codes(), std::vector<int>{0});
         QVERIFY(m_dialogs->messages.front().text.contains("outside the image"));

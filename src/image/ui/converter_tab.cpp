@@ -50,32 +50,32 @@ QGroupBox* ConverterTab::buildSRecordToBinaryFrame()
 {
     auto* frame18 = named(new QGroupBox(this), "Frame18", tr("S-record to binary"));
     OpenS3File = named(new QPushButton(frame18), "OpenS3File", tr("S-record file..."));
-    Text1 = named(new QLineEdit(frame18), "Text1");
+    s3InputPath = named(new QLineEdit(frame18), "Text1");
     AllAdd = named(new QRadioButton(frame18), "AllAdd", tr("Whole address space"));
     PartAdd = named(new QRadioButton(frame18), "PartAdd", tr("Data only"));
     AllAdd->setChecked(true);
     auto* s3Modes = new QButtonGroup(frame18);
     s3Modes->addButton(AllAdd);
     s3Modes->addButton(PartAdd);
-    Text3 = named(new QLineEdit(frame18), "Text3", QStringLiteral("FF"));
+    s3FillByte = named(new QLineEdit(frame18), "Text3", QStringLiteral("FF"));
     BinOutput = named(new QLineEdit(frame18), "BinOutput");
     BinOutputLabel = named(new QLabel(frame18), "BinOutputLabel", tr("Output:"));
-    Text2 = named(new QLineEdit(frame18), "Text2");
-    Text2->setReadOnly(true);
+    recordAddress = named(new QLineEdit(frame18), "Text2");
+    recordAddress->setReadOnly(true);
     ComS3ToBin = named(new QPushButton(frame18), "ComS3ToBin", QStringLiteral("s3->bin"));
-    ProgressBar3 = hiddenProgress("ProgressBar3", frame18);
+    s3ToBinProgress = hiddenProgress("ProgressBar3", frame18);
     auto* s3Layout = new QGridLayout(frame18);
     s3Layout->addWidget(OpenS3File, 0, 0);
-    s3Layout->addWidget(Text1, 0, 1, 1, 3);
+    s3Layout->addWidget(s3InputPath, 0, 1, 1, 3);
     s3Layout->addWidget(BinOutputLabel, 1, 0);
     s3Layout->addWidget(BinOutput, 1, 1, 1, 3);
     s3Layout->addWidget(AllAdd, 2, 0);
     s3Layout->addWidget(named(new QLabel(frame18), "Label2", tr("Fill byte:")), 2, 1);
-    s3Layout->addWidget(Text3, 2, 2);
+    s3Layout->addWidget(s3FillByte, 2, 2);
     s3Layout->addWidget(PartAdd, 3, 0);
-    s3Layout->addWidget(Text2, 4, 0, 1, 3);
+    s3Layout->addWidget(recordAddress, 4, 0, 1, 3);
     s3Layout->addWidget(ComS3ToBin, 4, 3);
-    s3Layout->addWidget(ProgressBar3, 5, 0, 1, 4);
+    s3Layout->addWidget(s3ToBinProgress, 5, 0, 1, 4);
     return frame18;
 }
 
@@ -83,7 +83,7 @@ QGroupBox* ConverterTab::buildBinaryToSRecordFrame()
 {
     auto* frame19 = named(new QGroupBox(this), "Frame19", tr("Binary to S-record"));
     OpenBinFile = named(new QPushButton(frame19), "OpenBinFile", tr("Binary file..."));
-    Text19 = named(new QLineEdit(frame19), "Text19");
+    binInputPath = named(new QLineEdit(frame19), "Text19");
     S3Output = named(new QLineEdit(frame19), "S3Output");
     S3OutputLabel = named(new QLabel(frame19), "S3OutputLabel", tr("Output:"));
     AllAddressOption = named(new QRadioButton(frame19), "AllAddressOption", tr("Whole file"));
@@ -92,24 +92,24 @@ QGroupBox* ConverterTab::buildBinaryToSRecordFrame()
     AllAddressOption->setChecked(true);
     auto* binModes = new QButtonGroup(frame19);
     for (QRadioButton* option : {AllAddressOption, PartAddressOption, FillDataOption}) binModes->addButton(option);
-    Text18 = named(new QLineEdit(frame19), "Text18");
-    Text17 = named(new QLineEdit(frame19), "Text17");
-    Text20 = named(new QLineEdit(frame19), "Text20", QStringLiteral("FF"));
+    binStartAddress = named(new QLineEdit(frame19), "Text18");
+    binEndAddress = named(new QLineEdit(frame19), "Text17");
+    binFillByte = named(new QLineEdit(frame19), "Text20", QStringLiteral("FF"));
     ComBinToS3 = named(new QPushButton(frame19), "ComBinToS3", QStringLiteral("bin->s3"));
     auto* binLayout = new QGridLayout(frame19);
     binLayout->addWidget(OpenBinFile, 0, 0);
-    binLayout->addWidget(Text19, 0, 1, 1, 3);
+    binLayout->addWidget(binInputPath, 0, 1, 1, 3);
     binLayout->addWidget(S3OutputLabel, 1, 0);
     binLayout->addWidget(S3Output, 1, 1, 1, 3);
     binLayout->addWidget(AllAddressOption, 2, 0);
     binLayout->addWidget(PartAddressOption, 3, 0);
     binLayout->addWidget(FillDataOption, 4, 0);
     binLayout->addWidget(named(new QLabel(frame19), "Label35", tr("Start:")), 2, 1);
-    binLayout->addWidget(Text18, 2, 2);
+    binLayout->addWidget(binStartAddress, 2, 2);
     binLayout->addWidget(named(new QLabel(frame19), "Label36", tr("End:")), 3, 1);
-    binLayout->addWidget(Text17, 3, 2);
+    binLayout->addWidget(binEndAddress, 3, 2);
     binLayout->addWidget(named(new QLabel(frame19), "Label37", tr("Fill byte:")), 4, 1);
-    binLayout->addWidget(Text20, 4, 2);
+    binLayout->addWidget(binFillByte, 4, 2);
     binLayout->addWidget(ComBinToS3, 4, 3);
     return frame19;
 }
@@ -131,11 +131,11 @@ void ConverterTab::attach(TabHost& host)
     connect(ComS3ToBin, &QPushButton::clicked, this, &ConverterTab::ComS3ToBin_Click);
     connect(ComBinToS3, &QPushButton::clicked, this, &ConverterTab::ComBinToS3_Click);
     // Each output is shown beside its input, where it goes unless the user changes it.
-    connect(Text1, &QLineEdit::textChanged, this, [this](const QString& input) {
+    connect(s3InputPath, &QLineEdit::textChanged, this, [this](const QString& input) {
         BinOutput->setText(input.isEmpty() ? QString()
                                            : QString::fromStdString(convertedOutputPath(input.toStdString(), ".bin")));
     });
-    connect(Text19, &QLineEdit::textChanged, this, [this](const QString& input) {
+    connect(binInputPath, &QLineEdit::textChanged, this, [this](const QString& input) {
         S3Output->setText(input.isEmpty() ? QString()
                                           : QString::fromStdString(convertedOutputPath(input.toStdString(), ".s3")));
     });
@@ -146,7 +146,7 @@ void ConverterTab::attach(TabHost& host)
 
 void ConverterTab::applyTexts()
 {
-    ProgressBar3->setFormat(m_host->text("ConvertProgress"));
+    s3ToBinProgress->setFormat(m_host->text("ConvertProgress"));
     BinOutputLabel->setText(m_host->text("ConvertOutput"));
     S3OutputLabel->setText(m_host->text("ConvertOutput"));
 }
@@ -154,12 +154,12 @@ void ConverterTab::applyTexts()
 void ConverterTab::updateEnabled()
 {
     const bool fill = AllAdd->isChecked();
-    Text3->setEnabled(fill);
+    s3FillByte->setEnabled(fill);
     if (auto* label = findChild<QLabel*>("Label2")) label->setEnabled(fill);
     S3Output->setEnabled(!FillDataOption->isChecked());
     const bool range = !AllAddressOption->isChecked();
-    for (QWidget* control :
-         std::initializer_list<QWidget*>{Text18, Text17, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
+    for (QWidget* control : std::initializer_list<QWidget*>{
+             binStartAddress, binEndAddress, findChild<QLabel*>("Label35"), findChild<QLabel*>("Label36")})
         if (control) control->setEnabled(range);
 }
 
@@ -168,7 +168,7 @@ void ConverterTab::OpenS3File_Click()
     const QString path = m_host->dialogs().openFile(m_host->settings().S3SavePath, m_host->filter(1), 2);
     if (path.isEmpty()) return;
     m_host->settings().S3SavePath = QString::fromStdString(FolderOf(path.toStdString()));
-    Text1->setText(path);
+    s3InputPath->setText(path);
 }
 
 void ConverterTab::OpenBinFile_Click()
@@ -176,7 +176,7 @@ void ConverterTab::OpenBinFile_Click()
     const QString path = m_host->dialogs().openFile(m_host->settings().MobileFilePath, m_host->filter(3), 2);
     if (path.isEmpty()) return;
     m_host->settings().MobileFilePath = QString::fromStdString(FolderOf(path.toStdString()));
-    Text19->setText(path);
+    binInputPath->setText(path);
 }
 
 void ConverterTab::ComS3ToBin_Click()
@@ -187,7 +187,7 @@ void ConverterTab::ComS3ToBin_Click()
         ComS3ToBin->setText(QStringLiteral("s3->bin"));
         return;
     }
-    if (Text1->text().isEmpty()) {
+    if (s3InputPath->text().isEmpty()) {
         m_host->ShowMessage(kMessageNoInputFile);
         return;
     }
@@ -211,14 +211,14 @@ std::string ConverterTab::outputOf(const QLineEdit* box, const QLineEdit* input,
 
 void ConverterTab::convertS3ToBin()
 {
-    const std::string input = Text1->text().toStdString();
-    const std::string output = outputOf(BinOutput, Text1, ".bin");
+    const std::string input = s3InputPath->text().toStdString();
+    const std::string output = outputOf(BinOutput, s3InputPath, ".bin");
     S3ToBinOptions options;
     options.mode = AllAdd->isChecked() ? S3ToBinMode::FullAddress : S3ToBinMode::DataOnly;
     std::ifstream in;
     std::optional<TemporaryOutput> out;
     try {
-        options.fill = fillByteFromText(Text3->text().toStdString());
+        options.fill = fillByteFromText(s3FillByte->text().toStdString());
         // A named pipe would hold the window until something wrote to it.
         requireRegularFile(input);
         in = openInputFile(input);
@@ -235,20 +235,20 @@ void ConverterTab::convertS3ToBin()
     m_converting = true;
     m_stopRequested = false;
     ComS3ToBin->setText(m_host->texts().ComS3ToBin);
-    ProgressBar3->setRange(0, std::max(1, kibibytes(QFileInfo(Text1->text()).size())));
-    ProgressBar3->setValue(0);
-    ProgressBar3->setVisible(true);
+    s3ToBinProgress->setRange(0, std::max(1, kibibytes(QFileInfo(s3InputPath->text()).size())));
+    s3ToBinProgress->setValue(0);
+    s3ToBinProgress->setVisible(true);
     SRecordToBinary converter(in, out->stream(), options);
     QString failure;
     try {
         while (!m_stopRequested && converter.convertSome(kSliceBytes)) {
-            Text2->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
-            ProgressBar3->setValue(kibibytes(converter.inputBytesRead()));
+            recordAddress->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
+            s3ToBinProgress->setValue(kibibytes(converter.inputBytesRead()));
             QApplication::processEvents();
         }
         if (!m_stopRequested) {
-            Text2->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
-            ProgressBar3->setValue(ProgressBar3->maximum());
+            recordAddress->setText(QString::fromStdString(HexPad(converter.currentAddress(), 8)));
+            s3ToBinProgress->setValue(s3ToBinProgress->maximum());
             converter.flush();
             out->commit();
         }
@@ -261,8 +261,8 @@ void ConverterTab::convertS3ToBin()
     }
     out.reset();  // an output not committed is removed here
     m_converting = false;
-    ProgressBar3->setVisible(false);
-    ProgressBar3->reset();
+    s3ToBinProgress->setVisible(false);
+    s3ToBinProgress->reset();
     ComS3ToBin->setText(QStringLiteral("s3->bin"));
     const QString outputName = QString::fromStdString(output);
     if (!failure.isEmpty()) m_host->showError(m_host->text("ConvertFailed").arg(failure, outputName));
@@ -276,10 +276,10 @@ void ConverterTab::ComBinToS3_Click()
     fields.mode = AllAddressOption->isChecked()    ? BinToS3Mode::WholeFile
                   : PartAddressOption->isChecked() ? BinToS3Mode::FileAtRange
                                                    : BinToS3Mode::FillOnly;
-    fields.startText = Text18->text().toStdString();
-    fields.endText = Text17->text().toStdString();
-    fields.fillText = Text20->text().toStdString();
-    fields.inputPath = Text19->text().toStdString();
+    fields.startText = binStartAddress->text().toStdString();
+    fields.endText = binEndAddress->text().toStdString();
+    fields.fillText = binFillByte->text().toStdString();
+    fields.inputPath = binInputPath->text().toStdString();
     try {
         BinToS3Check check = checkBinToS3Fields(fields);
         if (check.message != 0) {
@@ -296,7 +296,7 @@ void ConverterTab::ComBinToS3_Click()
         } else {
             requireRegularFile(fields.inputPath);
             in = openInputFile(fields.inputPath);
-            output = outputOf(S3Output, Text19, ".s3");
+            output = outputOf(S3Output, binInputPath, ".s3");
             refuseSameFile(fields.inputPath, output);
         }
         if (fields.mode == BinToS3Mode::WholeFile) {

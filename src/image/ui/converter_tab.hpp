@@ -39,25 +39,25 @@ public:
     void applyTexts();
 
     QPushButton* OpenS3File;
-    QLineEdit* Text1;      // S-record input
-    QLineEdit* BinOutput;  // its output: beside the input unless changed
+    QLineEdit* s3InputPath;  // S-record input
+    QLineEdit* BinOutput;    // its output: beside the input unless changed
     QLabel* BinOutputLabel;
     QRadioButton* AllAdd;
     QRadioButton* PartAdd;
-    QLineEdit* Text3;  // fill byte of the full-address mode
-    QLineEdit* Text2;  // address of the record being converted
+    QLineEdit* s3FillByte;     // fill byte of the full-address mode
+    QLineEdit* recordAddress;  // address of the record being converted
     QPushButton* ComS3ToBin;
-    QProgressBar* ProgressBar3;
+    QProgressBar* s3ToBinProgress;
     QPushButton* OpenBinFile;
-    QLineEdit* Text19;    // binary input
-    QLineEdit* S3Output;  // its output: beside the input unless changed
+    QLineEdit* binInputPath;  // binary input
+    QLineEdit* S3Output;      // its output: beside the input unless changed
     QLabel* S3OutputLabel;
     QRadioButton* AllAddressOption;
     QRadioButton* PartAddressOption;
     QRadioButton* FillDataOption;
-    QLineEdit* Text18;  // start address
-    QLineEdit* Text17;  // end address
-    QLineEdit* Text20;  // fill byte
+    QLineEdit* binStartAddress;  // start address
+    QLineEdit* binEndAddress;    // end address
+    QLineEdit* binFillByte;      // fill byte
     QPushButton* ComBinToS3;
 
 private:

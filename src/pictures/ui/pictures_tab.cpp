@@ -66,35 +66,35 @@ QWidget* PicturesTab::buildTablePane()
     m_pictureModel = makePictureListModel(this);
     m_pictureModel->setHeaders(
         {tr("No."), tr("Name"), tr("Address"), tr("Frames"), tr("Size"), tr("Pixels"), tr("Bits")});
-    ListView5 = window::reportView("ListView5", m_pictureModel, table);
+    pictureList = window::reportView("ListView5", m_pictureModel, table);
     OpenPicTable = named(new QPushButton(table), "OpenPicTable", tr("Open table"));
     SavePicTable = named(new QPushButton(table), "SavePicTable", tr("Save table"));
     FindPictures = named(new QPushButton(table), "FindPictures");
     ScanPictures = named(new QPushButton(table), "ScanPictures");
-    Check1 = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
-    Text21 = named(new QLineEdit(table), "Text21");
+    recomputeFrameSizes = named(new QCheckBox(table), "Check1", tr("Recompute frame sizes"));
+    saveAddressOffset = named(new QLineEdit(table), "Text21");
     // Wide enough for a whole address, so "1000" never shows as "000".
-    window::fitToText(Text21, QStringLiteral("FFFFFFFF"));
-    Text21->setMaximumWidth(std::max(110, Text21->minimumWidth()));
-    ProgressBar2 = window::hiddenProgress("ProgressBar2", table);
+    window::fitToText(saveAddressOffset, QStringLiteral("FFFFFFFF"));
+    saveAddressOffset->setMaximumWidth(std::max(110, saveAddressOffset->minimumWidth()));
+    pictureProgress = window::hiddenProgress("ProgressBar2", table);
     auto* tableButtons = new QHBoxLayout;
     tableButtons->addWidget(OpenPicTable);
     tableButtons->addWidget(SavePicTable);
     tableButtons->addWidget(FindPictures);
     tableButtons->addWidget(ScanPictures);
-    tableButtons->addWidget(Check1);
+    tableButtons->addWidget(recomputeFrameSizes);
     tableButtons->addStretch();
     // The offset has a line of its own, so the buttons and it never squeeze each other.
     auto* offset = new QHBoxLayout;
     offset->addWidget(named(new QLabel(table), "Label25", tr("Address offset:")));
-    offset->addWidget(Text21);
+    offset->addWidget(saveAddressOffset);
     offset->addStretch();
     auto* tableLayout = new QVBoxLayout(table);
     tableLayout->setContentsMargins(0, 0, 0, 0);
     tableLayout->addLayout(tableButtons);
     tableLayout->addLayout(offset);
-    tableLayout->addWidget(ListView5, 1);
-    tableLayout->addWidget(ProgressBar2);
+    tableLayout->addWidget(pictureList, 1);
+    tableLayout->addWidget(pictureProgress);
     return table;
 }
 
@@ -103,24 +103,24 @@ QGroupBox* PicturesTab::buildPreviewPane()
 {
     auto* frame16 = named(new QGroupBox(this), "Frame16", tr("Preview"));
     m_frame16 = frame16;
-    Picture2 = named(new QLabel(frame16), "Picture2");
-    Picture2->setMinimumSize(256, 320);
-    Picture2->setAlignment(Qt::AlignCenter);
-    Picture2->setFrameShape(QFrame::StyledPanel);
+    previewPicture = named(new QLabel(frame16), "Picture2");
+    previewPicture->setMinimumSize(256, 320);
+    previewPicture->setAlignment(Qt::AlignCenter);
+    previewPicture->setFrameShape(QFrame::StyledPanel);
     // The frame is scaled to the label, never the label to the frame: a typed size of
     // thousands of pixels must not stretch the window.
-    Picture2->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    Text15 = named(new QLineEdit(this), "Text15");
-    Text16 = named(new QLineEdit(this), "Text16");
+    previewPicture->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    frameAddressBox = named(new QLineEdit(this), "Text15");
+    frameOrdinalBox = named(new QLineEdit(this), "Text16");
     FrameCount = named(new QLabel(this), "FrameCount");
     // A long count (past the last frame, past the image's end) wraps within the column
     // instead of widening the window; the whole text is also its tooltip.
     FrameCount->setWordWrap(true);
     FrameCount->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    Text15->setReadOnly(true);
-    Text16->setReadOnly(true);
-    window::fitToText(Text15, QStringLiteral("0xFFFFFFFF"));
-    window::fitToText(Text16, QStringLiteral("-999"));
+    frameAddressBox->setReadOnly(true);
+    frameOrdinalBox->setReadOnly(true);
+    window::fitToText(frameAddressBox, QStringLiteral("0xFFFFFFFF"));
+    window::fitToText(frameOrdinalBox, QStringLiteral("-999"));
     PreviousPicture = named(new QPushButton(this), "PreviousPicture", QStringLiteral("◀"));
     nextpicture = named(new QPushButton(this), "nextpicture", QStringLiteral("▶"));
     PlayPicture = named(new QPushButton(this), "PlayPicture", tr("Play"));
@@ -129,31 +129,31 @@ QGroupBox* PicturesTab::buildPreviewPane()
     for (QPushButton* button : {PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay})
         button->setEnabled(false);
     RepeatPlay = named(new QCheckBox(this), "RepeatPlay", tr("Repeat"));
-    Slider1 = named(new QSlider(Qt::Horizontal, this), "Slider1");
+    speedSlider = named(new QSlider(Qt::Horizontal, this), "Slider1");
     SpeedLabel = named(new QLabel(this), "SpeedLabel", tr("Frame time:"));
-    Slider1->setRange(1, 10);
-    Slider1->setValue(2);
+    speedSlider->setRange(1, 10);
+    speedSlider->setValue(2);
     Timer2 = new QTimer(this);
     Timer2->setObjectName("Timer2");
-    Timer2->setInterval(Slider1->value() * 100);
+    Timer2->setInterval(speedSlider->value() * 100);
 
     auto* player = new QGridLayout;
     player->addWidget(named(new QLabel(this), "Label28", tr("Address:")), 0, 0);
-    player->addWidget(Text15, 0, 1);
+    player->addWidget(frameAddressBox, 0, 1);
     player->addWidget(named(new QLabel(this), "Label30", tr("Frame:")), 0, 2);
-    player->addWidget(Text16, 0, 3);
+    player->addWidget(frameOrdinalBox, 0, 3);
     player->addWidget(FrameCount, 0, 4);
     auto* steps = new QHBoxLayout;
     for (QWidget* control :
          std::initializer_list<QWidget*>{PreviousPicture, nextpicture, PlayPicture, PausePlay, StopPlay, RepeatPlay})
         steps->addWidget(control);
     auto* preview = new QVBoxLayout(frame16);
-    preview->addWidget(Picture2, 1);
+    preview->addWidget(previewPicture, 1);
     preview->addLayout(player);
     preview->addLayout(steps);
     auto* speed = new QHBoxLayout;
     speed->addWidget(SpeedLabel);
-    speed->addWidget(Slider1, 1);
+    speed->addWidget(speedSlider, 1);
     preview->addLayout(speed);
     return frame16;
 }
@@ -194,7 +194,7 @@ void PicturesTab::appendPictureRows(const std::vector<PictureEntry>& rows)
 
 std::vector<QWidget*> PicturesTab::workControls() const
 {
-    return {ListView5, OpenPicTable, SavePicTable, Check1, Text21, m_frame16};
+    return {pictureList, OpenPicTable, SavePicTable, recomputeFrameSizes, saveAddressOffset, m_frame16};
 }
 
 void PicturesTab::attach(window::TabHost& host, QMenu* pictureListMenu)
@@ -209,24 +209,24 @@ void PicturesTab::attach(window::TabHost& host, QMenu* pictureListMenu)
     importallpic = menuAction(menufile5, "importallpic");
     connect(OpenPicTable, &QPushButton::clicked, this, &PicturesTab::OpenPicTable_Click);
     connect(SavePicTable, &QPushButton::clicked, this, &PicturesTab::SavePicTable_Click);
-    connect(ListView5, &QTreeView::clicked, this,
+    connect(pictureList, &QTreeView::clicked, this,
             [this](const QModelIndex& index) { ListView5_ItemClick(index.row()); });
     // A row chosen with the keyboard is shown too; a mouse press is left to the click.
-    connect(ListView5->selectionModel(), &QItemSelectionModel::currentChanged, this,
+    connect(pictureList->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
-                if (current.isValid() && ListView5->selectionModel()->isRowSelected(current.row(), {}) &&
+                if (current.isValid() && pictureList->selectionModel()->isRowSelected(current.row(), {}) &&
                     QApplication::mouseButtons() == Qt::NoButton)
                     ListView5_ItemClick(current.row());
             });
-    connect(ListView5, &QTreeView::customContextMenuRequested, this, &PicturesTab::ListView5_MouseUp);
-    ListView5->viewport()->installEventFilter(this);
-    Picture2->installEventFilter(this);
+    connect(pictureList, &QTreeView::customContextMenuRequested, this, &PicturesTab::ListView5_MouseUp);
+    pictureList->viewport()->installEventFilter(this);
+    previewPicture->installEventFilter(this);
     connect(nextpicture, &QPushButton::clicked, this, &PicturesTab::nextpicture_Click);
     connect(PreviousPicture, &QPushButton::clicked, this, &PicturesTab::PreviousPicture_Click);
     connect(PlayPicture, &QPushButton::clicked, this, &PicturesTab::PlayPicture_Click);
     connect(PausePlay, &QPushButton::clicked, this, &PicturesTab::PausePlay_Click);
     connect(StopPlay, &QPushButton::clicked, this, &PicturesTab::StopPlay_Click);
-    connect(Slider1, &QSlider::valueChanged, this, &PicturesTab::Slider1_Change);
+    connect(speedSlider, &QSlider::valueChanged, this, &PicturesTab::Slider1_Change);
     connect(Timer2, &QTimer::timeout, this, &PicturesTab::Timer2_Timer);
     connect(outputpic, &QAction::triggered, this, &PicturesTab::outputpic_Click);
     connect(outputpicall, &QAction::triggered, this, &PicturesTab::outputpicall_Click);
@@ -242,8 +242,8 @@ void PicturesTab::attach(window::TabHost& host, QMenu* pictureListMenu)
 
 bool PicturesTab::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == ListView5->viewport() && event->type() == QEvent::MouseButtonDblClick) ListView5_DblClick();
-    if (watched == Picture2 && event->type() == QEvent::Resize) scalePreview();
+    if (watched == pictureList->viewport() && event->type() == QEvent::MouseButtonDblClick) ListView5_DblClick();
+    if (watched == previewPicture && event->type() == QEvent::Resize) scalePreview();
     return QWidget::eventFilter(watched, event);
 }
 
@@ -251,9 +251,9 @@ bool PicturesTab::eventFilter(QObject* watched, QEvent* event)
 
 int PicturesTab::selectedRow() const
 {
-    const QModelIndex current = ListView5->currentIndex();
-    if (current.isValid() && ListView5->selectionModel()->isRowSelected(current.row(), {})) return current.row();
-    const std::vector<int> selected = window::selectedRows(ListView5);
+    const QModelIndex current = pictureList->currentIndex();
+    if (current.isValid() && pictureList->selectionModel()->isRowSelected(current.row(), {})) return current.row();
+    const std::vector<int> selected = window::selectedRows(pictureList);
     return selected.empty() ? -1 : selected.front();
 }
 
@@ -284,7 +284,7 @@ void PicturesTab::showFrameCount(const FrameGeometry& geometry, std::int32_t add
 }
 
 // Shows the current frame of the chosen row: decoded into the temporary BMP at `path`,
-// loaded into Picture2, and the file deleted again. Returns why it could not, or "".
+// loaded into previewPicture, and the file deleted again. Returns why it could not, or "".
 QString PicturesTab::showFrame(const std::string& path)
 {
     const PictureEntry row = selectedEntry();
@@ -292,8 +292,8 @@ QString PicturesTab::showFrame(const std::string& path)
     try {
         const FrameGeometry geometry = pictures::frameGeometry(row);
         const std::int32_t address = shownFrameAddress(geometry, m_frame);
-        Text15->setText(fromUtf8(frameAddressText(address)));
-        Text16->setText(fromUtf8(frameOrdinalText(m_frame)));
+        frameAddressBox->setText(fromUtf8(frameAddressText(address)));
+        frameOrdinalBox->setText(fromUtf8(frameOrdinalText(m_frame)));
         showFrameCount(geometry, address);
         // A refused depth leaves the picture on show as it was.
         if (!decodePreviewFrame(m_host->imageState().FirmwareImage, geometry, address, path, colourTablePath())) {
@@ -328,13 +328,13 @@ void PicturesTab::loadPreview(const QString& path)
 void PicturesTab::scalePreview()
 {
     if (m_preview.isNull()) {
-        Picture2->clear();
+        previewPicture->clear();
         return;
     }
-    const int frame = 2 * Picture2->frameWidth();
-    const QSize area = Picture2->size().expandedTo(Picture2->minimumSize()) - QSize(frame, frame);
+    const int frame = 2 * previewPicture->frameWidth();
+    const QSize area = previewPicture->size().expandedTo(previewPicture->minimumSize()) - QSize(frame, frame);
     m_zoom = std::max(1, std::min(area.width() / m_preview.width(), area.height() / m_preview.height()));
-    Picture2->setPixmap(QPixmap::fromImage(enlarged(m_preview, m_zoom)));
+    previewPicture->setPixmap(QPixmap::fromImage(enlarged(m_preview, m_zoom)));
 }
 
 void PicturesTab::ListView5_ItemClick(int row)
@@ -376,7 +376,7 @@ void PicturesTab::PlayPicture_Click()
     PausePlay->setEnabled(true);
     StopPlay->setEnabled(true);
     PlayPicture->setEnabled(false);
-    ListView5->setFocus();
+    pictureList->setFocus();
 }
 
 void PicturesTab::PausePlay_Click()
@@ -384,7 +384,7 @@ void PicturesTab::PausePlay_Click()
     m_paused = true;
     PausePlay->setEnabled(false);
     PlayPicture->setEnabled(true);
-    ListView5->setFocus();
+    pictureList->setFocus();
 }
 
 void PicturesTab::StopPlay_Click()
@@ -442,7 +442,7 @@ void PicturesTab::applyTexts()
     PreviousPicture->setToolTip(m_host->text("PreviousPicture"));
     nextpicture->setToolTip(m_host->text("nextpicture"));
     SpeedLabel->setText(m_host->text("SpeedLabel"));
-    Slider1->setToolTip(m_host->text("Slider1"));
+    speedSlider->setToolTip(m_host->text("Slider1"));
     FindPictures->setText(m_host->text("FindPictures"));
     ScanPictures->setText(m_host->text("ScanPictures"));
     ShowInFinder->setText(m_host->text("ShowInFinder"));

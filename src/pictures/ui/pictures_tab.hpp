@@ -107,30 +107,30 @@ public:
 
     FrameNumber currentFrame() const { return m_frame; }
     bool paused() const { return m_paused; }
-    // The integer factor by which Picture2 shows the frame on show.
+    // The integer factor by which previewPicture shows the frame on show.
     int previewZoom() const { return m_zoom; }
 
-    QTreeView* ListView5;
+    QTreeView* pictureList;
     QPushButton* OpenPicTable;
     QPushButton* SavePicTable;
     QPushButton* FindPictures;
     QPushButton* ScanPictures;
-    QCheckBox* Check1;  // recompute frame sizes when loading
+    QCheckBox* recomputeFrameSizes;  // recompute frame sizes when loading
     QCheckBox* RepeatPlay;
-    QLineEdit* Text21;   // address offset added when saving
-    QLineEdit* Text15;   // address of the frame on show
-    QLineEdit* Text16;   // its ordinal
-    QLabel* FrameCount;  // "of M", marked when the frame on show lies past the last
-    QLabel* Picture2;    // the preview
+    QLineEdit* saveAddressOffset;  // address offset added when saving
+    QLineEdit* frameAddressBox;    // address of the frame on show
+    QLineEdit* frameOrdinalBox;    // its ordinal
+    QLabel* FrameCount;            // "of M", marked when the frame on show lies past the last
+    QLabel* previewPicture;        // the preview
     QPushButton* PreviousPicture;
     QPushButton* nextpicture;
     QPushButton* PlayPicture;
     QPushButton* PausePlay;
     QPushButton* StopPlay;
-    QSlider* Slider1;
+    QSlider* speedSlider;
     QLabel* SpeedLabel;  // names the slider
     QTimer* Timer2;
-    QProgressBar* ProgressBar2;
+    QProgressBar* pictureProgress;
     QMenu* menufile5 = nullptr;
     QAction* outputpic = nullptr;
     QAction* outputpicall = nullptr;

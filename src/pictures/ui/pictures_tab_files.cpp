@@ -54,7 +54,7 @@ void PicturesTab::OpenPicTable_Click()
     try {
         const auto bytes = readWholeFile(path.toStdString());
         const std::string text = strings::decodeText(std::string(bytes.begin(), bytes.end()), m_host->codePage());
-        rows = readPictureTable(text, Check1->isChecked());
+        rows = readPictureTable(text, recomputeFrameSizes->isChecked());
         warnings = pictureTableWarnings(text);
     } catch (const std::exception& error) {
         for (QPushButton* button : {PlayPicture, nextpicture, PreviousPicture}) button->setEnabled(false);
@@ -62,8 +62,8 @@ void PicturesTab::OpenPicTable_Click()
         // the preview of a row no longer listed is cleared with the list.
         m_preview = QImage();
         scalePreview();
-        Text15->clear();
-        Text16->clear();
+        frameAddressBox->clear();
+        frameOrdinalBox->clear();
         FrameCount->clear();
         m_host->showMessageWith(kMessageBadPictureTable, path + ": " + m_host->failureText(error));
         return;
@@ -93,7 +93,7 @@ void PicturesTab::SavePicTable_Click()
         headers[static_cast<std::size_t>(column - 3)] =
             m_pictureModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
     try {
-        const std::string text = pictureTableText(rows, headers, Text21->text().toStdString());
+        const std::string text = pictureTableText(rows, headers, saveAddressOffset->text().toStdString());
         const std::string bytes = strings::encodeText(text, m_host->codePage());
         m_host->document().refuseAsOutput(path.toStdString());
         saveFileSafely(path.toStdString(),
@@ -109,7 +109,7 @@ void PicturesTab::ListView5_MouseUp(const QPoint& position)
 {
     if (m_working) return;
     enablePictureMenu();
-    menufile5->popup(ListView5->viewport()->mapToGlobal(position));
+    menufile5->popup(pictureList->viewport()->mapToGlobal(position));
 }
 
 void PicturesTab::enablePictureMenu()
@@ -139,8 +139,9 @@ void PicturesTab::exportPictures(bool selectedOnly)
     if (folder.isEmpty()) return;
     Timer2->stop();
     // The rows are read once: the list may change while pending events run.
-    const std::vector<PictureEntry> rows = rowsWhere(
-        [this, selectedOnly](int row) { return !selectedOnly || ListView5->selectionModel()->isRowSelected(row, {}); });
+    const std::vector<PictureEntry> rows = rowsWhere([this, selectedOnly](int row) {
+        return !selectedOnly || pictureList->selectionModel()->isRowSelected(row, {});
+    });
     QString failure;
     ExportTally tally;
     {
@@ -148,20 +149,20 @@ void PicturesTab::exportPictures(bool selectedOnly)
         ExportListener listener;
         listener.rowStarted = [&](std::size_t, std::int64_t frames) {
             if (!selectedOnly) return;
-            ProgressBar2->setRange(0, static_cast<int>(std::max<std::int64_t>(1, frames)));
-            ProgressBar2->setVisible(true);
+            pictureProgress->setRange(0, static_cast<int>(std::max<std::int64_t>(1, frames)));
+            pictureProgress->setVisible(true);
         };
         listener.frameDone = [&](std::size_t, std::int64_t frame, FrameExport outcome) {
             if (outcome == FrameExport::DepthNotDrawable) showWrongFormat();
-            if (selectedOnly) ProgressBar2->setValue(static_cast<int>(frame));
+            if (selectedOnly) pictureProgress->setValue(static_cast<int>(frame));
             QApplication::processEvents();
         };
         listener.rowDone = [&](std::size_t row) {
-            if (!selectedOnly) ProgressBar2->setValue(static_cast<int>(row + 1));
+            if (!selectedOnly) pictureProgress->setValue(static_cast<int>(row + 1));
         };
         if (!selectedOnly) {
-            ProgressBar2->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
-            ProgressBar2->setVisible(true);
+            pictureProgress->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
+            pictureProgress->setVisible(true);
         }
         try {
             tally = exportRows(m_host->document(), rows, folder.toStdString(), colourTablePath(), listener);
@@ -170,8 +171,8 @@ void PicturesTab::exportPictures(bool selectedOnly)
             tally = error.tally;
         }
     }
-    ProgressBar2->setVisible(false);
-    ProgressBar2->reset();
+    pictureProgress->setVisible(false);
+    pictureProgress->reset();
     QString counted = m_host->text("FilesWritten").arg(tally.written);
     QStringList skipped;  // rows whose depth cannot be written as BMP
     for (const std::string& number : tally.skippedRows) skipped << fromUtf8(number);

@@ -62,21 +62,21 @@ StringsTab::StringsTab(QWidget* parent) : QWidget(parent)
 QGroupBox* StringsTab::buildSearchFrame()
 {
     auto* frame10 = named(new QGroupBox(this), "Frame10", tr("Search"));
-    Text11 = named(new QLineEdit(frame10), "Text11");
-    Option1 = named(new QRadioButton(frame10), "Option1", tr("Handset codes"));
-    Option2 = named(new QRadioButton(frame10), "Option2", tr("Single-byte codes"));
-    Option2->setChecked(true);
+    searchText = named(new QLineEdit(frame10), "Text11");
+    searchHandsetCodes = named(new QRadioButton(frame10), "Option1", tr("Handset codes"));
+    searchSingleByteCodes = named(new QRadioButton(frame10), "Option2", tr("Single-byte codes"));
+    searchSingleByteCodes->setChecked(true);
     auto* searchCodes = new QButtonGroup(frame10);
-    searchCodes->addButton(Option1);
-    searchCodes->addButton(Option2);
+    searchCodes->addButton(searchHandsetCodes);
+    searchCodes->addButton(searchSingleByteCodes);
     SearchBegin = named(new QCheckBox(frame10), "SearchBegin", tr("From the beginning"));
     SeachString = named(new QPushButton(frame10), "SeachString", tr("Search"));
     auto* frame10Layout = new QGridLayout(frame10);
     frame10Layout->addWidget(named(new QLabel(frame10), "Label4", tr("Text:")), 0, 0);
-    frame10Layout->addWidget(Text11, 0, 1, 1, 3);
+    frame10Layout->addWidget(searchText, 0, 1, 1, 3);
     frame10Layout->addWidget(named(new QLabel(frame10), "Label13", tr("Search in:")), 1, 0);
-    frame10Layout->addWidget(Option2, 1, 1);
-    frame10Layout->addWidget(Option1, 1, 2);
+    frame10Layout->addWidget(searchSingleByteCodes, 1, 1);
+    frame10Layout->addWidget(searchHandsetCodes, 1, 2);
     frame10Layout->addWidget(SearchBegin, 1, 3);
     frame10Layout->addWidget(SeachString, 0, 4);
     return frame10;
@@ -86,27 +86,27 @@ QGroupBox* StringsTab::buildSearchFrame()
 QGroupBox* StringsTab::buildFoundFrame()
 {
     auto* frame11 = named(new QGroupBox(this), "Frame11", tr("Found"));
-    Text4 = named(new QLineEdit(frame11), "Text4");
-    Text10 = named(new QLineEdit(frame11), "Text10");
-    Text9 = named(new QLineEdit(frame11), "Text9");
-    Text8 = named(new QLineEdit(frame11), "Text8");
-    Text7 = named(new QLineEdit(frame11), "Text7");
+    hitCount = named(new QLineEdit(frame11), "Text4");
+    foundStart = named(new QLineEdit(frame11), "Text10");
+    foundEnd = named(new QLineEdit(frame11), "Text9");
+    foundLength = named(new QLineEdit(frame11), "Text8");
+    replacementText = named(new QLineEdit(frame11), "Text7");
     FoundText = named(new QLineEdit(frame11), "FoundText");
     FoundLabel = named(new QLabel(frame11), "FoundLabel", tr("Stored text:"));
-    for (QLineEdit* shown : {Text4, Text10, Text9, Text8, FoundText}) shown->setReadOnly(true);
+    for (QLineEdit* shown : {hitCount, foundStart, foundEnd, foundLength, FoundText}) shown->setReadOnly(true);
     Add2List = named(new QPushButton(frame11), "Add2List", tr("Add to list"));
     Add2List->setEnabled(false);
     auto* frame11Layout = new QGridLayout(frame11);
     frame11Layout->addWidget(named(new QLabel(frame11), "Label8", tr("Hits:")), 0, 0);
-    frame11Layout->addWidget(Text4, 0, 1);
+    frame11Layout->addWidget(hitCount, 0, 1);
     frame11Layout->addWidget(named(new QLabel(frame11), "Label9", tr("Start:")), 0, 2);
-    frame11Layout->addWidget(Text10, 0, 3);
+    frame11Layout->addWidget(foundStart, 0, 3);
     frame11Layout->addWidget(named(new QLabel(frame11), "Label10", tr("End:")), 0, 4);
-    frame11Layout->addWidget(Text9, 0, 5);
+    frame11Layout->addWidget(foundEnd, 0, 5);
     frame11Layout->addWidget(named(new QLabel(frame11), "Label11", tr("Length:")), 0, 6);
-    frame11Layout->addWidget(Text8, 0, 7);
+    frame11Layout->addWidget(foundLength, 0, 7);
     frame11Layout->addWidget(named(new QLabel(frame11), "Label12", tr("Replacement:")), 1, 0);
-    frame11Layout->addWidget(Text7, 1, 1, 1, 6);
+    frame11Layout->addWidget(replacementText, 1, 1, 1, 6);
     frame11Layout->addWidget(Add2List, 1, 7);
     frame11Layout->addWidget(FoundLabel, 2, 0);
     frame11Layout->addWidget(FoundText, 2, 1, 1, 7);
@@ -118,22 +118,22 @@ QGroupBox* StringsTab::buildEditListFrame()
 {
     auto* frame13 = named(new QGroupBox(this), "Frame13", tr("Edit list"));
     makeEditModel();
-    ListView2 = window::reportView("ListView2", m_editModel, frame13);
+    editList = window::reportView("ListView2", m_editModel, frame13);
     // `Removeone` removes "the selected row": there is never more than one.
-    ListView2->setSelectionMode(QAbstractItemView::SingleSelection);
-    Option3 = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
-    Option4 = named(new QRadioButton(frame13), "Option4", tr("Write single-byte codes"));
-    Option4->setChecked(true);
+    editList->setSelectionMode(QAbstractItemView::SingleSelection);
+    writeHandsetCodes = named(new QRadioButton(frame13), "Option3", tr("Write handset codes"));
+    writeSingleByteCodes = named(new QRadioButton(frame13), "Option4", tr("Write single-byte codes"));
+    writeSingleByteCodes->setChecked(true);
     auto* outputCodes = new QButtonGroup(frame13);
-    outputCodes->addButton(Option3);
-    outputCodes->addButton(Option4);
+    outputCodes->addButton(writeHandsetCodes);
+    outputCodes->addButton(writeSingleByteCodes);
     auto* encoding = new QHBoxLayout;
     encoding->addWidget(named(new QLabel(frame13), "Label14", tr("Write in:")));
-    encoding->addWidget(Option4);
-    encoding->addWidget(Option3);
+    encoding->addWidget(writeSingleByteCodes);
+    encoding->addWidget(writeHandsetCodes);
     encoding->addStretch();
     auto* frame13Layout = new QVBoxLayout(frame13);
-    frame13Layout->addWidget(ListView2, 1);
+    frame13Layout->addWidget(editList, 1);
     frame13Layout->addLayout(encoding);
     return frame13;
 }
@@ -163,15 +163,15 @@ void StringsTab::attach(window::TabHost& host, QMenu* editListMenu)
     outputStrS3 = window::menuAction(menufile4, "outputStrS3");
     outputStraxf = window::menuAction(menufile4, "outputStraxf");
     connect(SeachString, &QPushButton::clicked, this, &StringsTab::SeachString_Click);
-    connect(Text11, &QLineEdit::returnPressed, this, &StringsTab::SeachString_Click);
+    connect(searchText, &QLineEdit::returnPressed, this, &StringsTab::SeachString_Click);
     connect(Add2List, &QPushButton::clicked, this, &StringsTab::Add2List_Click);
     connect(Removeone, &QAction::triggered, this, &StringsTab::Removeone_Click);
     connect(Removeall, &QAction::triggered, this, &StringsTab::Removeall_Click);
     connect(outputStrS3, &QAction::triggered, this, &StringsTab::outputStrS3_Click);
     connect(outputStraxf, &QAction::triggered, this, &StringsTab::outputStraxf_Click);
-    connect(ListView2, &QTreeView::customContextMenuRequested, this, &StringsTab::ListView2_ContextMenu);
+    connect(editList, &QTreeView::customContextMenuRequested, this, &StringsTab::ListView2_ContextMenu);
     connect(m_editModel, &QAbstractItemModel::dataChanged, this, &StringsTab::updateListMenu);
-    connect(ListView2->selectionModel(), &QItemSelectionModel::selectionChanged, this, &StringsTab::updateListMenu);
+    connect(editList->selectionModel(), &QItemSelectionModel::selectionChanged, this, &StringsTab::updateListMenu);
     connect(menufile4, &QMenu::aboutToShow, this, &StringsTab::updateListMenu);
     connect(ExportStrings, &QPushButton::clicked, this, &StringsTab::ExportStrings_Click);
     connect(ImportTranslation, &QPushButton::clicked, this, &StringsTab::ImportTranslation_Click);
@@ -184,15 +184,15 @@ void StringsTab::SeachString_Click()
 {
     image::ImageState& state = m_host->imageState();
     if (SearchBegin->isChecked()) state.LastMatch = 0;
-    if (Text11->text().isEmpty()) {
+    if (searchText->text().isEmpty()) {
         m_host->ShowMessage(kMessageEmptySearchText);
         return;
     }
-    for (QLineEdit* shown : {Text8, Text9, Text10, FoundText}) shown->clear();
-    const bool handsetCodes = Option1->isChecked();
+    for (QLineEdit* shown : {foundLength, foundEnd, foundStart, FoundText}) shown->clear();
+    const bool handsetCodes = searchHandsetCodes->isChecked();
     std::string pattern;
     try {
-        pattern = searchPattern(Text11->text().toStdString(), handsetCodes, m_host->codePage());
+        pattern = searchPattern(searchText->text().toStdString(), handsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
         m_host->showFailure(error);
         return;
@@ -204,18 +204,18 @@ void StringsTab::SeachString_Click()
         m_searchedPattern = pattern;
         m_searchedInHandsetCodes = handsetCodes;
     }
-    int passCount = Text4->text().toInt();
+    int passCount = hitCount->text().toInt();
     std::optional<StringHit> hit;
     {
         window::BusyPointer busy;
         hit = findNextString(state, pattern, handsetCodes, passCount);
     }
-    Text4->setText(QString::number(passCount));
+    hitCount->setText(QString::number(passCount));
     if (hit) {
-        Text10->setText(fromUtf8(hit->Text10));
-        Text9->setText(fromUtf8(hit->Text9));
-        Text8->setText(fromUtf8(hit->Text8));
-        Text7->setMaxLength(hit->maxLength);
+        foundStart->setText(fromUtf8(hit->foundStart));
+        foundEnd->setText(fromUtf8(hit->foundEnd));
+        foundLength->setText(fromUtf8(hit->foundLength));
+        replacementText->setMaxLength(hit->maxLength);
         const std::span<const std::uint8_t> stored(state.FirmwareImage.data() + hit->start, hit->end - hit->start);
         FoundText->setText(fromUtf8(storedText(stored, handsetCodes, m_host->codePage())));
         m_hitInHandsetCodes = handsetCodes;
@@ -235,9 +235,9 @@ void StringsTab::Add2List_Click()
 {
     std::optional<StringEditRow> row;
     try {
-        row = makeFittedEditRow(m_editModel->rows().size(), Text10->text().toStdString(), Text9->text().toStdString(),
-                                Text7->text().toStdString(), Text8->text().toStdString(), m_hitInHandsetCodes,
-                                m_host->codePage());
+        row = makeFittedEditRow(m_editModel->rows().size(), foundStart->text().toStdString(),
+                                foundEnd->text().toStdString(), replacementText->text().toStdString(),
+                                foundLength->text().toStdString(), m_hitInHandsetCodes, m_host->codePage());
     } catch (const std::exception& error) {
         m_host->showFailure(error);
         return;
@@ -254,7 +254,7 @@ void StringsTab::addEditRow(const StringEditRow& row) { m_editModel->append(row)
 
 void StringsTab::Removeone_Click()
 {
-    const std::vector<int> selected = window::selectedRows(ListView2);
+    const std::vector<int> selected = window::selectedRows(editList);
     if (selected.empty()) return;
     m_editModel->removeRow(selected.front());
     updateListMenu();
@@ -271,7 +271,7 @@ void StringsTab::updateListMenu()
     if (!m_host) return;
     const std::vector<StringEditRow>& rows = m_editModel->rows();
     const bool anyChecked = std::any_of(rows.begin(), rows.end(), [](const StringEditRow& row) { return row.checked; });
-    Removeone->setEnabled(!window::selectedRows(ListView2).empty());
+    Removeone->setEnabled(!window::selectedRows(editList).empty());
     Removeall->setEnabled(!rows.empty());
     outputStrS3->setEnabled(anyChecked && m_host->takesSRecordPatch());
     outputStraxf->setEnabled(anyChecked && m_host->takesInImagePatch());
@@ -279,7 +279,7 @@ void StringsTab::updateListMenu()
 
 void StringsTab::ListView2_ContextMenu(const QPoint& position)
 {
-    menufile4->popup(ListView2->viewport()->mapToGlobal(position));
+    menufile4->popup(editList->viewport()->mapToGlobal(position));
 }
 
 std::vector<StringEditRow> StringsTab::rowsWhere(bool checkedOnly) const
@@ -295,7 +295,8 @@ std::optional<std::vector<image::Region>> StringsTab::checkedRegions()
     const std::vector<StringEditRow> rows = checkedRows();
     if (rows.empty()) return std::nullopt;
     try {
-        return editListRegions(rows, Option3->isChecked(), m_host->imageState().FirmwareLength, m_host->codePage());
+        return editListRegions(rows, writeHandsetCodes->isChecked(), m_host->imageState().FirmwareLength,
+                               m_host->codePage());
     } catch (const std::exception& error) {
         m_host->showFailure(error);
         return std::nullopt;

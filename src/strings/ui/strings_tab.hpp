@@ -64,27 +64,27 @@ public:
     // Every row of the edit list, checked or not, as the byte view reads their slots.
     std::vector<StringEditRow> editRows() const { return rowsWhere(false); }
 
-    QLineEdit* Text11;     // text to look for
-    QLineEdit* Text4;      // hits so far in this pass
-    QLineEdit* Text10;     // start of the found string
-    QLineEdit* Text9;      // its last byte
-    QLineEdit* Text8;      // its length
-    QLineEdit* Text7;      // the replacement
-    QLineEdit* FoundText;  // the stored string found, as text
+    QLineEdit* searchText;       // text to look for
+    QLineEdit* hitCount;         // hits so far in this pass
+    QLineEdit* foundStart;       // start of the found string
+    QLineEdit* foundEnd;         // its last byte
+    QLineEdit* foundLength;      // its length
+    QLineEdit* replacementText;  // the replacement
+    QLineEdit* FoundText;        // the stored string found, as text
     QLabel* FoundLabel;
-    QRadioButton* Option1;  // search in handset codes
-    QRadioButton* Option2;  // search in single-byte codes
-    QRadioButton* Option3;  // write in handset codes
-    QRadioButton* Option4;  // write in single-byte codes
+    QRadioButton* searchHandsetCodes;     // search in handset codes
+    QRadioButton* searchSingleByteCodes;  // search in single-byte codes
+    QRadioButton* writeHandsetCodes;      // write in handset codes
+    QRadioButton* writeSingleByteCodes;   // write in single-byte codes
     QCheckBox* SearchBegin;
     QPushButton* SeachString;
     QPushButton* Add2List;
-    QTreeView* ListView2;
+    QTreeView* editList;
     QPushButton* ExportStrings;
     QPushButton* ImportTranslation;
     QProgressBar* ExportProgress;  // shown while an export runs
     QPushButton* StopExport;
-    QTreeView* ListViewRefused;  // the imported entries that do not fit: address, source, translation, outcome
+    QTreeView* refusedList;  // the imported entries that do not fit: address, source, translation, outcome
     QPushButton* SaveReport;
 
 private:

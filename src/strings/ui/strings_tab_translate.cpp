@@ -68,7 +68,7 @@ QWidget* StringsTab::makeTranslationFrame()
     StopExport = named(new QPushButton(frame), "StopExport", tr("Stop"));
     StopExport->hide();
     makeRefusedModel();
-    ListViewRefused = window::reportView("ListViewRefused", m_refusedModel, frame);
+    refusedList = window::reportView("ListViewRefused", m_refusedModel, frame);
     SaveReport = named(new QPushButton(frame), "SaveReport", tr("Save report..."));
     SaveReport->setEnabled(false);
     auto* buttons = new QHBoxLayout;
@@ -80,7 +80,7 @@ QWidget* StringsTab::makeTranslationFrame()
     buttons->addWidget(SaveReport);
     auto* layout = new QVBoxLayout(frame);
     layout->addLayout(buttons);
-    layout->addWidget(ListViewRefused, 1);
+    layout->addWidget(refusedList, 1);
     return frame;
 }
 

@@ -60,14 +60,14 @@ QGroupBox* TonesTab::buildTonesFrame()
     auto* frame5 = named(new QGroupBox(this), "Frame5", tr("Tones in the image"));
     m_toneModel = new RowTableModel<ToneSlot>(toneColumns(), this);
     m_toneModel->setHeaders({tr("No."), tr("Start"), tr("End"), tr("Size"), tr("Note")});
-    ListView4 = reportView("ListView4", m_toneModel, frame5);
+    toneList = reportView("ListView4", m_toneModel, frame5);
     // The note editor floats over the note cell of the row being edited.
-    Text5 = named(new QLineEdit(ListView4->viewport()), "Text5");
-    Text5->setVisible(false);
+    noteEditor = named(new QLineEdit(toneList->viewport()), "Text5");
+    noteEditor->setVisible(false);
     GetTone = named(new QPushButton(frame5), "GetTone", tr("Scan tones"));
     SaveToneTable = named(new QPushButton(frame5), "SaveToneTable", tr("Save table"));
     OpenToneTable = named(new QPushButton(frame5), "OpenToneTable", tr("Open table"));
-    ProgressBar1 = window::hiddenProgress("ProgressBar1", frame5);
+    scanProgress = window::hiddenProgress("ProgressBar1", frame5);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(GetTone);
     buttons->addWidget(OpenToneTable);
@@ -77,8 +77,8 @@ QGroupBox* TonesTab::buildTonesFrame()
     buttons->addWidget(ToneCount);
     auto* frame5Layout = new QVBoxLayout(frame5);
     frame5Layout->addLayout(buttons);
-    frame5Layout->addWidget(ListView4, 1);
-    frame5Layout->addWidget(ProgressBar1);
+    frame5Layout->addWidget(toneList, 1);
+    frame5Layout->addWidget(scanProgress);
     return frame5;
 }
 
@@ -99,11 +99,11 @@ QGroupBox* TonesTab::buildToneFilesFrame()
     });
     m_fileModel = new RowTableModel<ToneFileRow>(fileColumns(), this);
     m_fileModel->setHeaders({tr("Name"), tr("Size")});
-    ListView1 = reportView("ListView1", m_fileModel, frame7);
-    ListView1->header()->setSectionsClickable(true);
+    toneFileList = reportView("ListView1", m_fileModel, frame7);
+    toneFileList->header()->setSectionsClickable(true);
     auto* folderPanes = named(new QSplitter(Qt::Vertical, frame7), "TonesFolderSplitter");
     folderPanes->addWidget(ET1);
-    folderPanes->addWidget(ListView1);
+    folderPanes->addWidget(toneFileList);
     folderPanes->setChildrenCollapsible(false);
     auto* frame7Layout = new QVBoxLayout(frame7);
     frame7Layout->addWidget(folderPanes);
@@ -115,9 +115,9 @@ QGroupBox* TonesTab::buildPlanFrame()
     auto* frame8 = named(new QGroupBox(this), "Frame8", tr("Replacement plan"));
     m_planModel = new RowTableModel<ReplacementRow>(planColumns(), this);
     m_planModel->setHeaders({tr("No."), tr("New tone"), tr("Target slot")});
-    ListView3 = reportView("ListView3", m_planModel, frame8);
+    planList = reportView("ListView3", m_planModel, frame8);
     auto* frame8Layout = new QVBoxLayout(frame8);
-    frame8Layout->addWidget(ListView3);
+    frame8Layout->addWidget(planList);
     return frame8;
 }
 
@@ -159,16 +159,16 @@ void TonesTab::connectCommands()
     connect(GetTone, &QPushButton::clicked, this, &TonesTab::GetTone_Click);
     connect(SaveToneTable, &QPushButton::clicked, this, &TonesTab::SaveToneTable_Click);
     connect(OpenToneTable, &QPushButton::clicked, this, &TonesTab::OpenToneTable_Click);
-    connect(ListView4, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) { editNote(at.row()); });
-    connect(ListView4->selectionModel(), &QItemSelectionModel::selectionChanged, this, &TonesTab::showToneCheck);
+    connect(toneList, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) { editNote(at.row()); });
+    connect(toneList->selectionModel(), &QItemSelectionModel::selectionChanged, this, &TonesTab::showToneCheck);
     // A new list drops the selection without a word from the selection model.
     connect(m_toneModel, &QAbstractItemModel::modelReset, this, &TonesTab::showToneCheck);
-    connect(Text5, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
-    Text5->installEventFilter(this);
+    connect(noteEditor, &QLineEdit::editingFinished, this, &TonesTab::Text5_LostFocus);
+    noteEditor->installEventFilter(this);
     connect(ET1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { showToneFiles(folders->filePath(index)); });
-    connect(ListView1->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
-    connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) {
+    connect(toneFileList->header(), &QHeaderView::sectionClicked, this, &TonesTab::ListView1_ColumnClick);
+    connect(toneFileList, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& at) {
         if (at.isValid()) playFile(QDir(m_listedFolder).filePath(m_fileModel->row(at.row()).name));
     });
 }
@@ -193,9 +193,9 @@ void TonesTab::connectMenus(QMenu* toneListMenu, QMenu* fileListMenu, QMenu* pla
         QMenu* menu;
         void (TonesTab::*enable)();
     };
-    for (const Popup& popup : {Popup{ListView4, toneListMenu, &TonesTab::enableMenufile1},
-                               Popup{ListView1, fileListMenu, &TonesTab::enableMenufile2},
-                               Popup{ListView3, planMenu, &TonesTab::enableMenufile3}}) {
+    for (const Popup& popup : {Popup{toneList, toneListMenu, &TonesTab::enableMenufile1},
+                               Popup{toneFileList, fileListMenu, &TonesTab::enableMenufile2},
+                               Popup{planList, planMenu, &TonesTab::enableMenufile3}}) {
         QMenu* menu = popup.menu;
         connect(menu, &QMenu::aboutToShow, this, popup.enable);
         connect(popup.list, &QWidget::customContextMenuRequested, this,
@@ -228,7 +228,7 @@ void TonesTab::enableMenufile1()
     command("outputall")->setEnabled(rows && loaded);
 }
 
-void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!window::selectedRows(ListView1).empty()); }
+void TonesTab::enableMenufile2() { command("addmmf")->setEnabled(!window::selectedRows(toneFileList).empty()); }
 
 const std::vector<ToneSlot>& TonesTab::toneRows() const { return m_toneModel->rows(); }
 
@@ -246,22 +246,22 @@ void TonesTab::GetTone_Click()
         m_host->ShowMessage(3);
         return;
     }
-    ProgressBar1->setVisible(true);
+    scanProgress->setVisible(true);
     m_toneModel->clear();
     const int length = static_cast<int>(std::min<std::size_t>(image.FirmwareImage.size(), 0x7FFFFFFF));
-    ProgressBar1->setRange(1, std::max(1, length));
-    ProgressBar1->setValue(std::clamp(100000, 1, std::max(1, length)));
+    scanProgress->setRange(1, std::max(1, length));
+    scanProgress->setValue(std::clamp(100000, 1, std::max(1, length)));
     std::vector<ToneSlot> rows;
     {
         BusyPointer busy;
-        rows = scanTones(image, [this](std::int32_t at) { ProgressBar1->setValue(std::max(1, at)); });
+        rows = scanTones(image, [this](std::int32_t at) { scanProgress->setValue(std::max(1, at)); });
     }
     showToneRows(rows);
     m_tonesFound = rows.size();
     showToneCount();
     QCoreApplication::processEvents();
-    ProgressBar1->setValue(1);
-    ProgressBar1->setVisible(false);
+    scanProgress->setValue(1);
+    scanProgress->setVisible(false);
 }
 
 void TonesTab::SaveToneTable_Click()
@@ -306,7 +306,7 @@ void TonesTab::OpenToneTable_Click()
         m_host->showError(m_host->text("ToneTableStopped").arg(path).arg(*table.stoppedAtLine).arg(table.rows.size()));
 }
 
-bool TonesTab::hasSelectedTone() const { return !window::selectedRows(ListView4).empty(); }
+bool TonesTab::hasSelectedTone() const { return !window::selectedRows(toneList).empty(); }
 
 void TonesTab::outputselect_Click() { exportTones(false); }
 
@@ -325,9 +325,9 @@ void TonesTab::exportTones(bool everyRow)
     const std::vector<ToneSlot> rows = toneRows();
     std::vector<bool> selected(rows.size());
     int written = 0;
-    for (int row : window::selectedRows(ListView4)) selected[static_cast<std::size_t>(row)] = true;
-    ProgressBar1->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
-    ProgressBar1->setVisible(true);
+    for (int row : window::selectedRows(toneList)) selected[static_cast<std::size_t>(row)] = true;
+    scanProgress->setRange(0, std::max<int>(1, static_cast<int>(rows.size())));
+    scanProgress->setVisible(true);
     QString failure;
     // Pending events run between the files: the window may not close under the export.
     window::KeepWindowOpen keepOpen(*m_host);
@@ -339,7 +339,7 @@ void TonesTab::exportTones(bool everyRow)
             [&](std::size_t i) {
                 if (everyRow || selected[i]) ++written;
                 QCoreApplication::processEvents();
-                ProgressBar1->setValue(static_cast<int>(i) + 1);
+                scanProgress->setValue(static_cast<int>(i) + 1);
             });
     } catch (const std::exception& error) {
         failure = m_host->failureText(error);
@@ -348,39 +348,39 @@ void TonesTab::exportTones(bool everyRow)
     const QString counted = m_host->text("FilesWritten").arg(written);
     if (failure.isEmpty()) m_host->showMessageWith(9, counted);
     else m_host->showError(m_host->text("ToneExportStopped").arg(failure) + "\n" + counted);
-    if (everyRow) ProgressBar1->setValue(1);
-    ProgressBar1->setVisible(false);
+    if (everyRow) scanProgress->setValue(1);
+    scanProgress->setVisible(false);
 }
 
 void TonesTab::editNote(int row)
 {
-    if (row < 0 || row >= m_toneModel->rowCount() || !ListView4->selectionModel()->isRowSelected(row, {})) return;
+    if (row < 0 || row >= m_toneModel->rowCount() || !toneList->selectionModel()->isRowSelected(row, {})) return;
     m_noteRow = row;
-    const QRect cell = ListView4->visualRect(m_toneModel->index(row, 4));
-    const int x = ListView4->header()->sectionViewportPosition(4);
-    Text5->setGeometry(x, cell.top(), ListView4->header()->sectionSize(4), cell.height());
-    Text5->setText(fromUtf8(m_toneModel->row(row).note));
-    Text5->setVisible(true);
-    Text5->selectAll();
-    Text5->setFocus();
+    const QRect cell = toneList->visualRect(m_toneModel->index(row, 4));
+    const int x = toneList->header()->sectionViewportPosition(4);
+    noteEditor->setGeometry(x, cell.top(), toneList->header()->sectionSize(4), cell.height());
+    noteEditor->setText(fromUtf8(m_toneModel->row(row).note));
+    noteEditor->setVisible(true);
+    noteEditor->selectAll();
+    noteEditor->setFocus();
 }
 
 void TonesTab::Text5_LostFocus()
 {
     const int row = std::exchange(m_noteRow, -1);
     if (row < 0) return;
-    Text5->setVisible(false);
-    ListView4->setFocus();
+    noteEditor->setVisible(false);
+    toneList->setFocus();
     // The list may have been scanned again under the editor.
     if (row >= m_toneModel->rowCount()) return;
     ToneSlot slot = m_toneModel->row(row);
-    slot.note = Text5->text().toStdString();
+    slot.note = noteEditor->text().toStdString();
     m_toneModel->replaceRow(row, std::move(slot));
 }
 
 bool TonesTab::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == Text5 && event->type() == QEvent::KeyPress &&
+    if (watched == noteEditor && event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         cancelNote();
         return true;
@@ -392,8 +392,8 @@ void TonesTab::cancelNote()
 {
     // Departure: the classic editor committed the note whichever way the edit ended.
     if (std::exchange(m_noteRow, -1) < 0) return;
-    Text5->setVisible(false);
-    ListView4->setFocus();
+    noteEditor->setVisible(false);
+    toneList->setFocus();
 }
 
 void TonesTab::applyTexts()
@@ -420,7 +420,7 @@ void TonesTab::showToneCount()
 void TonesTab::showToneCheck()
 {
     QLabel* panel = m_checkPanel;
-    const std::vector<int> selected = window::selectedRows(ListView4);
+    const std::vector<int> selected = window::selectedRows(toneList);
     if (selected.empty()) {
         panel->clear();
         return;

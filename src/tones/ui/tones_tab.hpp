@@ -49,16 +49,16 @@ public:
     // with its commands; and the status panel that shows the selected tone's check.
     void attach(window::TabHost& host, QMenu* toneListMenu, QMenu* fileListMenu, QMenu* planMenu, QLabel* checkPanel);
 
-    QTreeView* ListView1;  // ".mmf" files of the folder chosen in ET1
-    QTreeView* ListView3;  // the replacement plan
-    QTreeView* ListView4;  // tones found in the image
-    QTreeView* ET1;        // folder tree
+    QTreeView* toneFileList;  // ".mmf" files of the folder chosen in ET1
+    QTreeView* planList;      // the replacement plan
+    QTreeView* toneList;      // tones found in the image
+    QTreeView* ET1;           // folder tree
     QFileSystemModel* folders;
-    QLineEdit* Text5;  // note editor, shown over a row's note cell
+    QLineEdit* noteEditor;  // note editor, shown over a row's note cell
     QPushButton* GetTone;
     QPushButton* SaveToneTable;
     QPushButton* OpenToneTable;
-    QProgressBar* ProgressBar1;
+    QProgressBar* scanProgress;
     QLabel* ToneCount;  // how many tones the last scan found
 
     // The folder shown by the folder tree, remembered as "mmf File Path".
@@ -81,9 +81,9 @@ public:
     void outputs3_Click();
     void outputaxf_Click();
 
-    // Lists the ".mmf" files of a folder in ListView1, as choosing it in ET1 does.
+    // Lists the ".mmf" files of a folder in toneFileList, as choosing it in ET1 does.
     void showToneFiles(const QString& folder);
-    // Starts editing the note of a selected row of ListView4; the edit ends when Text5
+    // Starts editing the note of a selected row of toneList; the edit ends when noteEditor
     // loses focus.
     void editNote(int row);
     void Text5_LostFocus();
@@ -132,15 +132,15 @@ private:
     std::optional<std::vector<image::Region>> planRegions();
 
     window::TabHost* m_host = nullptr;
-    window::RowTableModel<ToneSlot>* m_toneModel = nullptr;        // ListView4
-    window::RowTableModel<ToneFileRow>* m_fileModel = nullptr;     // ListView1
-    window::RowTableModel<ReplacementRow>* m_planModel = nullptr;  // ListView3
+    window::RowTableModel<ToneSlot>* m_toneModel = nullptr;        // toneList
+    window::RowTableModel<ToneFileRow>* m_fileModel = nullptr;     // toneFileList
+    window::RowTableModel<ReplacementRow>* m_planModel = nullptr;  // planList
     std::optional<std::size_t> m_tonesFound;                       // none before the first scan
     QLabel* m_checkPanel = nullptr;
     QHash<QString, QAction*> m_commands;  // the pop-up menus' commands by name
-    QString m_listedFolder;               // the folder whose files ListView1 lists
+    QString m_listedFolder;               // the folder whose files toneFileList lists
     QString m_openedFolder;               // the folder ET1 was opened at, scrolled to as its parents load
-    int m_noteRow = -1;                   // the ListView4 row whose note Text5 edits
+    int m_noteRow = -1;                   // the toneList row whose note noteEditor edits
     std::string m_planUnit;               // the unit word the plan's file cells were written with
     int m_fileSortColumn = 0;
     bool m_fileSortDescending = true;

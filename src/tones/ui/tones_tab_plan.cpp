@@ -1,5 +1,5 @@
-// The ring-tone tab's file browser and replacement plan: the rows of ListView1,
-// ListView4 and ListView3 go through the plan logic and come back into the plan.
+// The ring-tone tab's file browser and replacement plan: the rows of toneFileList,
+// toneList and planList go through the plan logic and come back into the plan.
 #include "tones/tone_patch.hpp"
 #include "tones_tab.hpp"
 #include "tone_columns.hpp"
@@ -27,7 +27,7 @@ void TonesTab::showToneFiles(const QString& folder)
     rows.reserve(static_cast<std::size_t>(files.size()));
     for (const QFileInfo& file : files) rows.push_back({file.fileName(), QString::number(file.size())});
     m_fileModel->setRows(std::move(rows));
-    if (ListView1->header()->isSortIndicatorShown())
+    if (toneFileList->header()->isSortIndicatorShown())
         m_fileModel->sort(m_fileSortColumn, m_fileSortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
@@ -39,8 +39,8 @@ void TonesTab::ListView1_ColumnClick(int column)
     if (caption == QLatin1String("Name") || caption == QLatin1String("Size")) m_fileSortColumn = column;
     m_fileSortDescending = !m_fileSortDescending;
     const Qt::SortOrder order = m_fileSortDescending ? Qt::DescendingOrder : Qt::AscendingOrder;
-    ListView1->header()->setSortIndicatorShown(true);
-    ListView1->header()->setSortIndicator(m_fileSortColumn, order);
+    toneFileList->header()->setSortIndicatorShown(true);
+    toneFileList->header()->setSortIndicator(m_fileSortColumn, order);
     // Cells compare as text, so "1000" sorts before "999".
     m_fileModel->sort(m_fileSortColumn, order);
 }
@@ -49,7 +49,7 @@ void TonesTab::showPlanRows(const std::vector<ReplacementRow>& rows)
 {
     m_planModel->setRows(rows);
     // The file cell is read at a glance only when it is shown whole.
-    if (!rows.empty()) ListView3->resizeColumnToContents(1);
+    if (!rows.empty()) planList->resizeColumnToContents(1);
 }
 
 std::string TonesTab::planSizeUnit() const
@@ -62,7 +62,7 @@ void TonesTab::addmmf_Click()
     // The unit word ends the cell as one word: the file's size is read back before it.
     const std::string unit = planSizeUnit();
     std::vector<std::string> cells;
-    for (int i : selectedRows(ListView1)) {
+    for (int i : selectedRows(toneFileList)) {
         const ToneFileRow& file = m_fileModel->row(i);
         cells.push_back(planFileText(file.name.toStdString(), file.size.toStdString(), unit));
     }
@@ -74,7 +74,7 @@ void TonesTab::addmmf_Click()
 void TonesTab::addaddress_Click()
 {
     std::vector<std::string> cells;
-    for (int i : selectedRows(ListView4)) cells.push_back(planSlotText(m_toneModel->row(i)));
+    for (int i : selectedRows(toneList)) cells.push_back(planSlotText(m_toneModel->row(i)));
     std::vector<ReplacementRow> rows = planRows();
     addPlanCells(rows, PlanColumn::Slot, cells);
     showPlanRows(rows);
@@ -82,7 +82,7 @@ void TonesTab::addaddress_Click()
 
 int TonesTab::selectedPlanRow() const
 {
-    const std::vector<int> selected = selectedRows(ListView3);
+    const std::vector<int> selected = selectedRows(planList);
     return selected.empty() ? -1 : selected.front();
 }
 
