@@ -201,7 +201,7 @@ int galleryScan()
     pictures->ScanPictures_Click();
     zevran::pictures::PictureGallery* gallery = pictures->gallery();
     while (gallery->scanning()) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    const double scanned = clock.nsecsElapsed() / 1e9;
+    const double scanned = static_cast<double>(clock.nsecsElapsed()) / 1e9;
     // The thumbnails are drawn as they come into view: scroll the list through.
     QElapsedTimer shown;
     shown.start();
@@ -212,7 +212,7 @@ int galleryScan()
     }
     longestGap = std::max(longestGap, sinceTurn.nsecsElapsed());
     std::printf("gallery_image_bytes %zu\ngallery_scan_s %.3f\ngallery_candidates %d\ngallery_longest_pause_ms %.1f\n",
-                made.image.size(), scanned, gallery->model->rowCount(), longestGap / 1e6);
+                made.image.size(), scanned, gallery->model->rowCount(), static_cast<double>(longestGap) / 1e6);
     return 0;
 }
 

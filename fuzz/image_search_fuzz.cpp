@@ -142,8 +142,8 @@ void checkStringWalk(const std::vector<std::uint8_t>& bytes, std::string_view he
         if (!hit) break;
         if (steps > expected.size()) fail("findNextString found a string a plain walk does not");
         const PlainHit& want = expected[steps - 1];
-        if (hit->Text10 != hex8(static_cast<std::uint32_t>(want.start)) ||
-            hit->Text9 != hex8(static_cast<std::uint32_t>(want.zero) - 1))
+        if (hit->foundStart != hex8(static_cast<std::uint32_t>(want.start)) ||
+            hit->foundEnd != hex8(static_cast<std::uint32_t>(want.zero) - 1))
             fail("findNextString gave another string than a plain walk");
         if (passCount != want.passCount) fail("findNextString counted the pass's hits wrongly");
         const std::size_t length = want.zero - want.start;

@@ -22,8 +22,8 @@ namespace {
 // 16 bytes 00..0F as a "bin" phone file.
 PhoneDocument countingImage(const TempFolder& folder)
 {
-    std::vector<std::uint8_t> bytes;
-    for (int k = 0; k < 16; ++k) bytes.push_back(static_cast<std::uint8_t>(k));
+    std::vector<std::uint8_t> bytes(16);
+    for (std::size_t k = 0; k < bytes.size(); ++k) bytes[k] = static_cast<std::uint8_t>(k);
     writeFile(folder.path("phone.bin"), bytes);
     PhoneDocument document;
     document.open(folder.path("phone.bin"));

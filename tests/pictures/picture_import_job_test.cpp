@@ -24,7 +24,7 @@ PictureEntry row24(const std::string& frames, const std::string& depth = "24")
 PictureGrid pixel(std::uint8_t red, std::uint8_t green, std::uint8_t blue) { return {1, 1, {red, green, blue}, {}}; }
 
 // A reader that knows the files by name and throws for any other.
-PictureReader readerOf(std::map<std::string, PictureGrid> files)
+PictureReader readerOf(const std::map<std::string, PictureGrid>& files)
 {
     return [files](const std::string& file, const ColourTable&) {
         const auto found = files.find(file);
