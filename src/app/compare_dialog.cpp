@@ -1,13 +1,14 @@
 #include "compare_dialog.hpp"
 
 #include "image/hex_text.hpp"
+#include "window/widget_helpers.hpp"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <limits>
@@ -26,6 +27,35 @@ QString hexAddress(std::int32_t address)
     return "0x" + QString::fromStdString(image::HexPad(static_cast<std::uint32_t>(address), 8));
 }
 
+using Column = window::RowColumn<CompareRow>;
+
+Column textColumn(std::function<QString(const CompareRow&)> text)
+{
+    Column column;
+    column.text = std::move(text);
+    // An image that cannot grow cannot take the bytes past its end.
+    column.enabled = [](const CompareRow& row) { return row.writable; };
+    return column;
+}
+
+// First, last, size (right-aligned), the open image's bytes, the second image's; the
+// check box of the first says the region is written.
+window::RowTableModel<CompareRow>* makeCompareModel(const CompareTexts& texts, QObject* parent)
+{
+    Column first = textColumn([](const CompareRow& row) { return hexAddress(row.range.first); });
+    first.checked = [](const CompareRow& row) { return row.checked; };
+    first.setChecked = [](CompareRow& row, bool checked) { row.checked = checked; };
+    Column size = textColumn([](const CompareRow& row) { return QString::number(row.range.size()); });
+    size.alignment = Qt::AlignRight | Qt::AlignVCenter;
+    auto* model = new window::RowTableModel<CompareRow>(
+        {first, textColumn([](const CompareRow& row) { return hexAddress(row.range.last); }), size,
+         textColumn([](const CompareRow& row) { return row.olderBytes; }),
+         textColumn([](const CompareRow& row) { return row.newerBytes; })},
+        parent);
+    model->setHeaders({texts.headers[0], texts.headers[1], texts.headers[2], texts.headers[3], texts.headers[4]});
+    return model;
+}
+
 }  // namespace
 
 CompareDialog::CompareDialog(const CompareTexts& texts, const QString& newerName, std::span<const std::uint8_t> older,
@@ -42,12 +72,10 @@ CompareDialog::CompareDialog(const CompareTexts& texts, const QString& newerName
     auto* gapLabel = new QLabel(texts.gap, this);
     gapLabel->setBuddy(m_gap);
 
-    m_list = new QTreeWidget(this);
-    m_list->setObjectName("CompareList");
-    m_list->setRootIsDecorated(false);
-    m_list->setUniformRowHeights(true);
-    m_list->setColumnCount(5);
-    m_list->setHeaderLabels({texts.headers[0], texts.headers[1], texts.headers[2], texts.headers[3], texts.headers[4]});
+    m_rows = makeCompareModel(texts, this);
+    m_list = window::reportView("CompareList", m_rows, this);
+    m_list->setAlternatingRowColors(false);
+    m_list->header()->setStretchLastSection(false);
     m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 
     m_summary = new QLabel(this);
@@ -85,7 +113,7 @@ CompareDialog::CompareDialog(const CompareTexts& texts, const QString& newerName
     connect(m_write, &QPushButton::clicked, this, &QDialog::accept);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_gap, &QSpinBox::valueChanged, this, [this] { compare(); });
-    connect(m_list, &QTreeWidget::itemChanged, this, [this] { updateSummary(); });
+    connect(m_rows, &QAbstractItemModel::dataChanged, this, [this] { updateSummary(); });
 
     compare();
 }
@@ -105,53 +133,44 @@ void CompareDialog::compare()
         const QSignalBlocker quiet(m_gap);
         m_gap->setValue(gap);
     }
-    m_ranges = std::move(*ranges);
-    fillList();
+    fillList(*ranges);
 }
 
-void CompareDialog::fillList()
+void CompareDialog::fillList(const std::vector<image::DiffRange>& ranges)
 {
-    const QSignalBlocker quiet(m_list);
-    m_list->clear();
-    QList<QTreeWidgetItem*> items;
-    items.reserve(static_cast<qsizetype>(m_ranges.size()));
-    for (const image::DiffRange& range : m_ranges) {
-        auto* item = new QTreeWidgetItem;
-        item->setText(0, hexAddress(range.first));
-        item->setText(1, hexAddress(range.last));
-        item->setText(2, QString::number(range.size()));
-        item->setText(3, QString::fromStdString(image::previewBytes(m_older, range)));
-        item->setText(4, QString::fromStdString(image::previewBytes(m_newer, range)));
-        item->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
-        // An image that cannot grow cannot take the bytes past its end.
+    std::vector<CompareRow> rows;
+    rows.reserve(ranges.size());
+    for (const image::DiffRange& range : ranges) {
         const bool writable = !m_writableLength || static_cast<std::uint64_t>(range.last) < *m_writableLength;
-        if (!writable) item->setFlags(item->flags() & ~(Qt::ItemIsUserCheckable | Qt::ItemIsEnabled));
-        item->setCheckState(0, writable ? Qt::Checked : Qt::Unchecked);
-        items.push_back(item);
+        rows.push_back({range, QString::fromStdString(image::previewBytes(m_older, range)),
+                        QString::fromStdString(image::previewBytes(m_newer, range)), writable, writable});
     }
-    m_list->addTopLevelItems(items);
+    m_rows->setRows(std::move(rows));
     updateSummary();
 }
 
 void CompareDialog::updateSummary()
 {
+    const std::vector<image::DiffRange> checked = checkedRanges();
     std::int64_t bytes = 0;
-    int count = 0;
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-        if (m_list->topLevelItem(row)->checkState(0) != Qt::Checked) continue;
-        ++count;
-        bytes += m_ranges[static_cast<std::size_t>(row)].size();
-    }
-    m_summary->setText(m_texts.summary.arg(count).arg(bytes));
-    m_write->setEnabled(count > 0);
+    for (const image::DiffRange& range : checked) bytes += range.size();
+    m_summary->setText(m_texts.summary.arg(checked.size()).arg(bytes));
+    m_write->setEnabled(!checked.empty());
+}
+
+std::vector<image::DiffRange> CompareDialog::ranges() const
+{
+    std::vector<image::DiffRange> all;
+    all.reserve(m_rows->rows().size());
+    for (const CompareRow& row : m_rows->rows()) all.push_back(row.range);
+    return all;
 }
 
 std::vector<image::DiffRange> CompareDialog::checkedRanges() const
 {
     std::vector<image::DiffRange> checked;
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row)
-        if (m_list->topLevelItem(row)->checkState(0) == Qt::Checked)
-            checked.push_back(m_ranges[static_cast<std::size_t>(row)]);
+    for (const CompareRow& row : m_rows->rows())
+        if (row.checked) checked.push_back(row.range);
     return checked;
 }
 
@@ -164,14 +183,7 @@ void CompareDialog::setGap(int gap) { m_gap->setValue(gap); }
 
 void CompareDialog::checkAll(bool checked)
 {
-    {
-        const QSignalBlocker quiet(m_list);
-        for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-            QTreeWidgetItem* item = m_list->topLevelItem(row);
-            if (item->flags() & Qt::ItemIsUserCheckable) item->setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
-        }
-    }
-    updateSummary();
+    m_rows->changeEveryRow([checked](CompareRow& row) { row.checked = row.writable && checked; });
 }
 
 }  // namespace zevran::app

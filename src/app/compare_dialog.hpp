@@ -3,6 +3,7 @@
 // regions, holding the second image's bytes, are what the window then writes out.
 #pragma once
 
+#include "window/row_table_model.hpp"
 #include "image/image_diff.hpp"
 
 #include <QDialog>
@@ -16,9 +17,19 @@
 class QLabel;
 class QPushButton;
 class QSpinBox;
-class QTreeWidget;
+class QTreeView;
 
 namespace zevran::app {
+
+// A region of the list: where the images differ, the bytes of each as shown, whether the
+// open image can take it and whether it is checked for writing.
+struct CompareRow {
+    image::DiffRange range;
+    QString olderBytes;
+    QString newerBytes;
+    bool writable = true;
+    bool checked = true;
+};
 
 struct CompareTexts {
     QString title;                   // the dialog's title; %1 is the second file's name
@@ -41,7 +52,7 @@ public:
                   std::vector<std::uint8_t> newer, std::optional<std::size_t> writableLength,
                   QWidget* parent = nullptr);
 
-    const std::vector<image::DiffRange>& ranges() const { return m_ranges; }
+    std::vector<image::DiffRange> ranges() const;
     std::vector<image::DiffRange> checkedRanges() const;
     // The checked regions with the second image's bytes, in address order.
     std::vector<image::Region> checkedRegions() const;
@@ -51,16 +62,16 @@ public:
 
 private:
     void compare();
-    void fillList();
+    void fillList(const std::vector<image::DiffRange>& ranges);
     void updateSummary();
 
     CompareTexts m_texts;
     std::span<const std::uint8_t> m_older;
     std::vector<std::uint8_t> m_newer;
     std::optional<std::size_t> m_writableLength;
-    std::vector<image::DiffRange> m_ranges;
     QSpinBox* m_gap = nullptr;
-    QTreeWidget* m_list = nullptr;
+    window::RowTableModel<CompareRow>* m_rows = nullptr;
+    QTreeView* m_list = nullptr;
     QLabel* m_summary = nullptr;
     QPushButton* m_write = nullptr;
 };

@@ -21,6 +21,8 @@ struct RowColumn {
     std::function<bool(const Row&)> checked = {};         // empty: the cell has no check box
     std::function<void(Row&, bool)> setChecked = {};
     bool toolTip = false;  // the cell shows its whole text under the pointer, for cells cut by their column
+    std::function<bool(const Row&)> enabled = {};  // empty: always; a disabled cell is greyed and cannot be checked
+    Qt::Alignment alignment = {};                  // empty: the view's own
 };
 
 template <typename Row>
@@ -49,6 +51,7 @@ public:
         case Qt::DisplayRole:
         case Qt::EditRole: return column.text(row);
         case Qt::ToolTipRole: return column.toolTip ? QVariant(column.text(row)) : QVariant();
+        case Qt::TextAlignmentRole: return column.alignment ? QVariant(column.alignment) : QVariant();
         case Qt::CheckStateRole:
             if (!column.checked) return {};
             return column.checked(row) ? Qt::Checked : Qt::Unchecked;
@@ -58,7 +61,7 @@ public:
 
     bool setData(const QModelIndex& index, const QVariant& value, int role) override
     {
-        if (!holds(index)) return false;
+        if (!(flags(index) & Qt::ItemIsEnabled)) return false;
         Row& row = m_rows[static_cast<std::size_t>(index.row())];
         const RowColumn<Row>& column = m_columns[static_cast<std::size_t>(index.column())];
         if (role == Qt::EditRole && column.edit) {
@@ -76,6 +79,7 @@ public:
     {
         if (!holds(index)) return Qt::NoItemFlags;
         const RowColumn<Row>& column = m_columns[static_cast<std::size_t>(index.column())];
+        if (column.enabled && !column.enabled(m_rows[static_cast<std::size_t>(index.row())])) return Qt::NoItemFlags;
         Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
         if (column.edit) flags |= Qt::ItemIsEditable;
         if (column.setChecked) flags |= Qt::ItemIsUserCheckable;
@@ -151,6 +155,14 @@ public:
     }
 
     void clear() { setRows({}); }
+
+    // Changes every row at once, as "check all" does, telling the views once.
+    template <typename Change>
+    void changeEveryRow(Change change)
+    {
+        for (Row& row : m_rows) change(row);
+        if (!m_rows.empty()) emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+    }
 
 private:
     bool holds(const QModelIndex& index) const

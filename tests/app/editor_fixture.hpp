@@ -23,7 +23,7 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QUrl>
 #include <QDropEvent>
 
@@ -69,7 +69,10 @@ protected:
         return window.findChild<app::CompareDialog*>("CompareDialog");
     }
 
-    static QTreeWidget* listOf(app::CompareDialog* dialog) { return dialog->findChild<QTreeWidget*>("CompareList"); }
+    static QAbstractItemView* listOf(app::CompareDialog* dialog)
+    {
+        return dialog->findChild<QAbstractItemView*>("CompareList");
+    }
 
     static QStringList recentItems(app::Form1& window)
     {
