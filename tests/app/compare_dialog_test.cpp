@@ -2,14 +2,8 @@
 // patch or into the image, through the window with its dialogs double.
 #include "editor_fixture.hpp"
 
-using zevran::app::Answer;
 using zevran::app::CompareDialog;
-using zevran::app::Form1;
 using zevran::app::MessageKind;
-using zevran::test::closeWindow;
-using zevran::test::readBytes;
-using zevran::test::ScriptedDialogs;
-using zevran::test::writeBytes;
 using namespace zevran::test;
 
 class CompareDialogTest : public EditorFixture {
