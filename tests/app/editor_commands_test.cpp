@@ -11,11 +11,7 @@ class EditorCommandsTest : public EditorFixture {
 
 private slots:
     void init() { QVERIFY(m_home.isValid()); }
-    void cleanup()
-    {
-        QDir(m_home.path()).removeRecursively();
-        QDir().mkpath(m_home.path());
-    }
+    void cleanup() { emptyHome(); }
 
     void titleNamesTheFileAndMarksUnsavedChanges()
     {

@@ -43,6 +43,13 @@ inline QByteArray imageOf(app::Form1& window)
 
 class EditorFixture : public WindowFixture {
 protected:
+    // Each test starts from an empty home folder: no settings, no recent files.
+    void emptyHome()
+    {
+        QDir(m_home.path()).removeRecursively();
+        QDir().mkpath(m_home.path());
+    }
+
     std::unique_ptr<app::Form1> startWindow()
     {
         QDir().mkpath(path("language"));
